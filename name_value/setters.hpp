@@ -1,0 +1,23 @@
+// The option setters, one per key of the option table (ExpChars and
+// ExponentCharacter share one, as do EmptyValue and ReturnOnError). They are
+// reached only through the table.
+#pragma once
+
+#include "parser/options.hpp"
+#include "zvarray/hv_array.hpp"
+
+namespace textio::options::setters {
+
+// Counts, line numbers, logicals, widths and the ignored keys.
+void num_header_lines(const hvArray_tag* value, textio::parser::options& opts);
+void num_variables(const hvArray_tag* value, textio::parser::options& opts);
+void data_line(const hvArray_tag* value, textio::parser::options& opts);
+void variable_names_line(const hvArray_tag* value, textio::parser::options& opts);
+void variable_units_line(const hvArray_tag* value, textio::parser::options& opts);
+void variable_descriptions_line(const hvArray_tag* value, textio::parser::options& opts);
+void multiple_delims_as_one(const hvArray_tag* value, textio::parser::options& opts);
+void trim_non_numeric(const hvArray_tag* value, textio::parser::options& opts);
+void variable_widths(const hvArray_tag* value, textio::parser::options& opts);
+void ignored_option(const hvArray_tag* value, textio::parser::options& opts);
+
+}  // namespace textio::options::setters
