@@ -1,0 +1,186 @@
+#include "parser/options.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <utility>
+
+namespace {
+
+using textio::parser::options;
+using text_list = options::text_list;
+namespace enums = textio::enums;
+
+TEST(OptionsRecord, DefaultsMatchTheDocumentedTable) {
+  const options o;
+  EXPECT_TRUE(o.delimiter().empty());
+  EXPECT_EQ(o.line_ending(), (text_list{u"\r\n", u"\n", u"\r"}));
+  EXPECT_TRUE(o.missing_placeholders().empty());
+  EXPECT_TRUE(o.comment_style().empty());
+  EXPECT_EQ(o.whitespace(), u" \b\t");
+  EXPECT_TRUE(o.thousands_separator().empty());
+  EXPECT_TRUE(o.date_locale().empty());
+  EXPECT_EQ(o.exp_chars(), u"eEdD");
+  EXPECT_EQ(o.file_type(), enums::FileType::Text);
+  EXPECT_TRUE(o.field_widths().empty());
+  EXPECT_EQ(o.num_header_lines(), UINT64_MAX);
+  EXPECT_EQ(o.num_variables(), 0u);
+  EXPECT_EQ(o.variable_names_line(), 0u);
+  EXPECT_EQ(o.variable_units_line(), 0u);
+  EXPECT_EQ(o.variable_descriptions_line(), 0u);
+  EXPECT_EQ(o.parser_type(), enums::ParserType::Delimited);
+  EXPECT_EQ(o.output_type(), enums::OutputBuilderType::Table);
+  EXPECT_EQ(o.decimal_separator(), u'.');
+  EXPECT_EQ(o.missing_rule(), enums::BadDataRule::Fill);
+  EXPECT_EQ(o.import_error_rule(), enums::BadDataRule::Fill);
+  EXPECT_EQ(o.consecutive_delim_rule(), enums::ConsecutiveDelimitersRule::Split);
+  EXPECT_EQ(o.empty_line_rule(), enums::EmptyLineRule::Skip);
+  EXPECT_EQ(o.extra_columns_rule(), enums::ExtraColumnsRule::AddVars);
+  EXPECT_EQ(o.leading_delim_rule(), enums::LeadingDelimiterRule::Keep);
+  EXPECT_EQ(o.trailing_delim_rule(), enums::TrailingDelimiterRule::Keep);
+  EXPECT_EQ(o.partial_field_rule(), enums::PartialFieldRule::Keep);
+  EXPECT_TRUE(o.detecting_delimiter());
+  EXPECT_TRUE(o.detecting_num_header_lines());
+  EXPECT_TRUE(o.detecting_num_variables());
+  EXPECT_FALSE(o.trim_non_numeric());
+}
+
+TEST(OptionsRecord, EnumerationsAreOneByteWithContractNumbers) {
+  static_assert(sizeof(enums::PartialFieldRule) == 1);
+  EXPECT_EQ(static_cast<int>(enums::ConsecutiveDelimitersRule::Error), 2);
+  EXPECT_EQ(static_cast<int>(enums::ExtraColumnsRule::Error), 3);
+  EXPECT_EQ(static_cast<int>(enums::PartialFieldRule::Error), 5);
+  EXPECT_EQ(static_cast<int>(enums::PartialFieldRule::Fill), 3);
+  EXPECT_EQ(static_cast<int>(enums::PartialFieldRule::Wrap), 4);
+  EXPECT_EQ(static_cast<int>(enums::FileType::FixedWidth), 2);
+  EXPECT_EQ(static_cast<int>(enums::ParserType::FixedWidth), 1);
+  EXPECT_EQ(static_cast<int>(enums::ParserType::Line), 3);
+  EXPECT_EQ(static_cast<int>(enums::OutputBuilderType::Cell), 2);
+}
+
+TEST(OptionsRecord, DefaultLineEndingsIsOneSharedList) {
+  EXPECT_EQ(&textio::parser::default_line_endings(), &textio::parser::default_line_endings());
+  const options o;
+  EXPECT_NE(&o.line_ending(), &textio::parser::default_line_endings());
+}
+
+TEST(OptionsRecord, DelimiterSettersClearDetectionAndUnsetKeepsTheList) {
+  options o;
+  o.delimiter(text_list{});
+  EXPECT_FALSE(o.detecting_delimiter());
+  EXPECT_TRUE(o.delimiter().empty());
+
+  o.delimiter(text_list{u",", u";"});
+  o.unset_delimiter();
+  EXPECT_TRUE(o.detecting_delimiter());
+  EXPECT_EQ(o.delimiter(), (text_list{u",", u";"}));
+
+  o.delimiter(o.delimiter());  // from its own getter
+  EXPECT_FALSE(o.detecting_delimiter());
+  EXPECT_EQ(o.delimiter(), (text_list{u",", u";"}));
+}
+
+TEST(OptionsRecord, CountSettersAndTheirFlags) {
+  options o;
+  o.num_header_lines(0);
+  EXPECT_FALSE(o.detecting_num_header_lines());
+  o.unset_num_header_lines();
+  EXPECT_TRUE(o.detecting_num_header_lines());
+  EXPECT_EQ(o.num_header_lines(), 0u);
+
+  o.num_variables(5);
+  EXPECT_EQ(o.num_variables(), 5u);
+  EXPECT_TRUE(o.detecting_num_variables());  // the accessor does not clear it
+  o.detecting_num_variables(false);
+  EXPECT_FALSE(o.detecting_num_variables());
+}
+
+TEST(OptionsRecord, RvalueSettersCopyTheirArgument) {
+  options o;
+  text_list styles{u"%", u"#"};
+  o.comment_style(std::move(styles));
+  EXPECT_EQ(styles, (text_list{u"%", u"#"}));  // NOLINT(bugprone-use-after-move): the setter copies
+  ustring ws = u"\t";
+  o.whitespace(std::move(ws));
+  EXPECT_EQ(ws, u"\t");  // NOLINT(bugprone-use-after-move)
+  EXPECT_EQ(o.whitespace(), u"\t");
+}
+
+options changed_record() {
+  options o;
+  o.delimiter(text_list{u","});
+  o.missing_placeholders(text_list{u"NA"});
+  o.comment_style(text_list{u"#"});
+  o.thousands_separator(u",");
+  o.date_locale(u"en_US");
+  o.field_widths({3, 5});
+  o.num_variables(7);
+  o.decimal_separator(u',');
+  o.parser_type(enums::ParserType::Line);
+  o.trim_non_numeric(true);
+  return o;
+}
+
+TEST(OptionsRecord, CopiesAreDeepAndIndependent) {
+  options source = changed_record();
+  options copy(source);
+  copy.delimiter(text_list{u";"});
+  copy.field_widths({1});
+  EXPECT_EQ(source.delimiter(), (text_list{u","}));
+  EXPECT_EQ(source.field_widths(), (std::vector<std::uint64_t>{3, 5}));
+
+  options assigned;
+  assigned = source;
+  source.date_locale(u"de_DE");
+  EXPECT_EQ(assigned.date_locale(), u"en_US");
+  EXPECT_EQ(assigned.parser_type(), enums::ParserType::Line);
+  EXPECT_FALSE(assigned.detecting_delimiter());
+}
+
+TEST(OptionsRecord, MoveEmptiesListsAndStringsAndKeepsScalars) {
+  for (const bool by_assignment : {false, true}) {
+    SCOPED_TRACE(by_assignment ? "move assignment" : "move construction");
+    options source = changed_record();
+    options target;
+    if (by_assignment) {
+      target = std::move(source);
+    } else {
+      options constructed(std::move(source));
+      target = constructed;
+    }
+    // NOLINTBEGIN(bugprone-use-after-move): the moved-from state is specified
+    EXPECT_TRUE(source.delimiter().empty());
+    EXPECT_TRUE(source.line_ending().empty());
+    EXPECT_TRUE(source.missing_placeholders().empty());
+    EXPECT_TRUE(source.comment_style().empty());
+    EXPECT_TRUE(source.whitespace().empty());
+    EXPECT_TRUE(source.thousands_separator().empty());
+    EXPECT_TRUE(source.date_locale().empty());
+    EXPECT_TRUE(source.exp_chars().empty());
+    EXPECT_TRUE(source.field_widths().empty());
+    EXPECT_EQ(source.num_variables(), 7u);
+    EXPECT_EQ(source.decimal_separator(), u',');
+    EXPECT_EQ(source.parser_type(), enums::ParserType::Line);
+    EXPECT_TRUE(source.trim_non_numeric());
+    EXPECT_FALSE(source.detecting_delimiter());
+    // NOLINTEND(bugprone-use-after-move)
+    EXPECT_EQ(target.delimiter(), (text_list{u","}));
+    EXPECT_EQ(target.whitespace(), u" \b\t");
+    EXPECT_EQ(target.field_widths(), (std::vector<std::uint64_t>{3, 5}));
+  }
+}
+
+TEST(OptionsRecord, SelfAssignmentChangesNothing) {
+  options o = changed_record();
+  const options before = o;
+  options& alias = o;
+  o = alias;
+  o = std::move(alias);
+  EXPECT_EQ(o.delimiter(), before.delimiter());
+  EXPECT_EQ(o.line_ending(), before.line_ending());
+  EXPECT_EQ(o.whitespace(), before.whitespace());
+  EXPECT_EQ(o.field_widths(), before.field_widths());
+  EXPECT_EQ(o.date_locale(), before.date_locale());
+}
+
+}  // namespace
