@@ -1,0 +1,256 @@
+// Count, line-number, logical and width options, and the tests and
+// conversions behind them.
+#include "name_value/host_value_tests.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+#include "errors/tags.hpp"
+#include "name_value/set_parser_options.hpp"
+#include "support/expect_message.hpp"
+#include "zvarray/value.hpp"
+
+namespace {
+
+namespace msg = ZORVEK::textio::textio;
+using hv::Value;
+using textio::parser::options;
+
+constexpr double inf = std::numeric_limits<double>::infinity();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+void apply(options& o, const char16_t* name, const Value& value) {
+  const Value key = Value::text(name);
+  const hvArray_tag* args[] = {key.get(), value.get()};
+  textio::options::set_parser_options(args, 2, o);
+}
+
+TEST(NumericTests, FixTowardZeroAndIntegerTest) {
+  struct Case {
+    double x, fixed;
+    bool integer;
+  };
+  const Case cases[] = {
+      {2.5, 2.0, false},         {-2.5, -2.0, false},
+      {-0.5, -0.0, false},       {0.5, 0.0, false},
+      {2147483647.0, 2147483647.0, true}, {2147483648.5, 2147483648.0, false},
+      {4503599627370495.5, 4503599627370495.0, false}, {4503599627370496.0, 4503599627370496.0, true},
+      {1e300, 1e300, true},      {-1e300, -1e300, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.x);
+    EXPECT_EQ(textio::options::fix_toward_zero(c.x), c.fixed);
+    EXPECT_EQ(std::signbit(textio::options::fix_toward_zero(c.x)), std::signbit(c.fixed));
+    EXPECT_EQ(textio::options::is_integer_value(c.x), c.integer);
+  }
+  EXPECT_TRUE(std::signbit(textio::options::fix_toward_zero(-0.0)));
+  EXPECT_FALSE(textio::options::is_integer_value(inf));
+  EXPECT_FALSE(textio::options::is_integer_value(-inf));
+  EXPECT_FALSE(textio::options::is_integer_value(nan));
+}
+
+TEST(NumericTests, ToUnsigned64ConvertsTheWholeRangeExactly) {
+  EXPECT_EQ(textio::options::to_unsigned_64(0.0), 0u);
+  EXPECT_EQ(textio::options::to_unsigned_64(9007199254740993.0), 9007199254740992u);
+  EXPECT_EQ(textio::options::to_unsigned_64(9223372036854775808.0), 0x8000000000000000u);
+  EXPECT_EQ(textio::options::to_unsigned_64(18446744073709549568.0), 18446744073709549568u);
+  // No defined result exists above; the processor's answer, without undefined behaviour.
+  EXPECT_EQ(textio::options::to_unsigned_64(18446744073709551616.0), 0x8000000000000000u);
+  EXPECT_EQ(textio::options::to_unsigned_64(inf), 0x8000000000000000u);
+}
+
+// What a count option makes of a value: the stored count, or no value when
+// the setter fails.
+struct CountCase {
+  const char* label;
+  Value value;
+  std::optional<std::uint64_t> stored;
+};
+
+std::vector<CountCase> count_cases() {
+  return {
+      {"zero", Value::scalar(0), 0},
+      {"negative zero", Value::scalar(-0.0), 0},
+      {"seven", Value::scalar(7), 7},
+      {"2^63", Value::scalar(9223372036854775808.0), 0x8000000000000000u},
+      {"largest below 2^64", Value::scalar(18446744073709549568.0), 18446744073709549568u},
+      {"2^64 is refused", Value::scalar(18446744073709551616.0), std::nullopt},
+      {"1e300 is refused", Value::scalar(1e300), std::nullopt},
+      {"fraction", Value::scalar(2.5), std::nullopt},
+      {"negative", Value::scalar(-1), std::nullopt},
+      {"NaN", Value::scalar(nan), std::nullopt},
+      {"Inf", Value::scalar(inf), std::nullopt},
+      {"two numbers", Value::row({1, 2}), std::nullopt},
+      {"empty", Value::row({}), std::nullopt},
+      {"single 3", Value::array<float>({1, 1}, std::vector<float>{3}), std::nullopt},
+      {"int32 3", Value::array<std::int32_t>({1, 1}, std::vector<std::int32_t>{3}), std::nullopt},
+      {"logical", Value::logical(true), std::nullopt},
+      {"char", Value::text(u"3"), std::nullopt},
+      {"cell", Value::cell_row({Value::scalar(3)}), std::nullopt},
+      {"null", Value::none(), std::nullopt},
+      {"extended double 4", Value::scalar(4).with_extended_class(99), 4},
+  };
+}
+
+TEST(CountOptions, EachCountOptionStoresOrRefusesWithoutWriting) {
+  struct Option {
+    const char16_t* key;
+    std::uint64_t (options::*get)() const;
+  };
+  const Option count_options[] = {
+      {u"NumHeaderLines", &options::num_header_lines},
+      {u"NumVariables", &options::num_variables},
+      {u"VariableNamesLine", &options::variable_names_line},
+      {u"VariableUnitsLine", &options::variable_units_line},
+      {u"VariableDescriptionsLine", &options::variable_descriptions_line},
+  };
+  for (const auto& option : count_options) {
+    for (const auto& c : count_cases()) {
+      SCOPED_TRACE(testing::Message() << c.label << " for " << foundation::core::unicode::to_utf8(option.key));
+      options o;
+      const options before = o;
+      if (c.stored) {
+        apply(o, option.key, c.value);
+        EXPECT_EQ((o.*option.get)(), *c.stored);
+      } else {
+        EXPECT_MESSAGE(apply(o, option.key, c.value), msg::ExpectedNonNegativeScalarInt);
+        EXPECT_EQ((o.*option.get)(), (before.*option.get)());
+        EXPECT_EQ(o.detecting_num_header_lines(), before.detecting_num_header_lines());
+        EXPECT_EQ(o.detecting_num_variables(), before.detecting_num_variables());
+      }
+    }
+  }
+}
+
+TEST(CountOptions, FlagsClearedOnlyByTheirOwnOptions) {
+  options o;
+  apply(o, u"NumHeaderLines", Value::scalar(0));
+  EXPECT_FALSE(o.detecting_num_header_lines());
+  EXPECT_TRUE(o.detecting_num_variables());
+  apply(o, u"NumVariables", Value::scalar(0));
+  EXPECT_EQ(o.num_variables(), 0u);
+  EXPECT_FALSE(o.detecting_num_variables());
+  options p;
+  apply(p, u"VariableNamesLine", Value::scalar(0));
+  EXPECT_TRUE(p.detecting_num_header_lines());
+  EXPECT_TRUE(p.detecting_num_variables());
+}
+
+TEST(DataLine, StoresOneLessThanTheLineAndClearsDetection) {
+  struct Case {
+    Value value;
+    std::optional<std::uint64_t> stored;
+  };
+  const Case cases[] = {
+      {Value::scalar(1), 0},
+      {Value::scalar(3), 2},
+      {Value::scalar(9223372036854775808.0), 0x7FFFFFFFFFFFFFFFu},
+      {Value::scalar(0), std::nullopt},
+      {Value::scalar(-0.0), std::nullopt},
+      {Value::scalar(1.5), std::nullopt},
+      {Value::scalar(18446744073709551616.0), std::nullopt},
+      {Value::logical(true), std::nullopt},
+      {Value::none(), std::nullopt},
+  };
+  for (const auto& c : cases) {
+    options o;
+    if (c.stored) {
+      apply(o, u"DataLine", c.value);
+      EXPECT_EQ(o.num_header_lines(), *c.stored);
+      EXPECT_FALSE(o.detecting_num_header_lines());
+    } else {
+      EXPECT_MESSAGE(apply(o, u"DataLine", c.value), msg::ExpectedPositiveScalarInt);
+      EXPECT_EQ(o.num_header_lines(), UINT64_MAX);
+      EXPECT_TRUE(o.detecting_num_header_lines());
+    }
+  }
+}
+
+TEST(LogicalOptions, MultipleDelimsAsOneWritesBothRulesAndNotTrailing) {
+  options o;
+  o.trailing_delim_rule(textio::enums::TrailingDelimiterRule::Error);
+  apply(o, u"MultipleDelimsAsOne", Value::logical(true));
+  EXPECT_EQ(o.consecutive_delim_rule(), textio::enums::ConsecutiveDelimitersRule::Join);
+  EXPECT_EQ(o.leading_delim_rule(), textio::enums::LeadingDelimiterRule::Ignore);
+  EXPECT_EQ(o.trailing_delim_rule(), textio::enums::TrailingDelimiterRule::Error);
+  apply(o, u"MultipleDelimsAsOne", Value::logical(false));
+  EXPECT_EQ(o.consecutive_delim_rule(), textio::enums::ConsecutiveDelimitersRule::Split);
+  EXPECT_EQ(o.leading_delim_rule(), textio::enums::LeadingDelimiterRule::Keep);
+}
+
+TEST(LogicalOptions, OnlyALogicalScalarPasses) {
+  const Value refused[] = {Value::scalar(1), Value::scalar(0), Value::text(u"true"),
+                           Value::array<bool>({1, 2}, std::vector<bool>{true, true}), Value::none(),
+                           Value::array<bool>({0, 0}, std::vector<bool>{})};
+  for (const auto* key : {u"MultipleDelimsAsOne", u"TrimNonNumeric"}) {
+    for (const auto& value : refused) {
+      options o;
+      EXPECT_MESSAGE(apply(o, key, value), msg::ExpectedScalarLogical);
+      EXPECT_FALSE(o.trim_non_numeric());
+      EXPECT_EQ(o.consecutive_delim_rule(), textio::enums::ConsecutiveDelimitersRule::Split);
+    }
+  }
+  options o;
+  apply(o, u"TrimNonNumeric", Value::logical(true));
+  EXPECT_TRUE(o.trim_non_numeric());
+}
+
+TEST(VariableWidths, AcceptsUint64AndIntegralDoublesAndRefusesTheRest) {
+  struct Case {
+    const char* label;
+    Value value;
+    std::optional<std::vector<std::uint64_t>> stored;
+  };
+  const Case cases[] = {
+      {"uint64 row", Value::array<std::uint64_t>({1, 3}, std::vector<std::uint64_t>{3, UINT64_MAX, 0}),
+       std::vector<std::uint64_t>{3, UINT64_MAX, 0}},
+      {"uint64 matrix", Value::array<std::uint64_t>({2, 2}, std::vector<std::uint64_t>{1, 2, 3, 4}),
+       std::vector<std::uint64_t>{1, 2, 3, 4}},
+      {"double row", Value::row({3, 5, 2}), std::vector<std::uint64_t>{3, 5, 2}},
+      {"double 2^63", Value::row({9223372036854775808.0}), std::vector<std::uint64_t>{0x8000000000000000u}},
+      {"empty double", Value::row({}), std::vector<std::uint64_t>{}},
+      {"empty char", Value::chars({0, 0}, u""), std::vector<std::uint64_t>{}},
+      {"empty cell", Value::cell({0, 3}, {}), std::vector<std::uint64_t>{}},
+      {"double fraction", Value::row({3, 2.5}), std::nullopt},
+      {"double negative", Value::row({-1}), std::nullopt},
+      {"double NaN", Value::row({nan}), std::nullopt},
+      {"double 2^64", Value::row({18446744073709551616.0}), std::nullopt},
+      {"int32", Value::array<std::int32_t>({1, 1}, std::vector<std::int32_t>{3}), std::nullopt},
+      {"char", Value::text(u"abc"), std::nullopt},
+      {"cell", Value::cell_row({Value::scalar(3)}), std::nullopt},
+      {"null", Value::none(), std::nullopt},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.label);
+    options o;
+    o.field_widths({9, 9});
+    if (c.stored) {
+      apply(o, u"VariableWidths", c.value);
+      EXPECT_EQ(o.field_widths(), *c.stored);
+    } else {
+      EXPECT_MESSAGE(apply(o, u"VariableWidths", c.value), msg::ExpectedNonNegativeScalarInt);
+      EXPECT_EQ(o.field_widths(), (std::vector<std::uint64_t>{9, 9}));
+    }
+  }
+}
+
+TEST(IgnoredOptions, AcceptAnyValueAndChangeNothing) {
+  const Value values[] = {Value::none(), Value::struct_scalar({{"a", Value::scalar(1)}}), Value::text(u"x"),
+                          Value::scalar(nan)};
+  for (const auto* key : {u"EmptyValue", u"ReturnOnError", u"emptyvalue"}) {
+    for (const auto& value : values) {
+      options o;
+      apply(o, key, value);
+      const options fresh;
+      EXPECT_EQ(o.num_header_lines(), fresh.num_header_lines());
+      EXPECT_EQ(o.line_ending(), fresh.line_ending());
+      EXPECT_TRUE(o.detecting_num_variables());
+    }
+  }
+}
+
+}  // namespace
