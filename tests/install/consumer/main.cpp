@@ -1,0 +1,38 @@
+// Sets options through the installed library and catches one of its message
+// exceptions by its exact type, across the shared-library boundary.
+#include <cstdio>
+#include <exception>
+
+#include "errors/msg_id_exception.hpp"
+#include "errors/tags.hpp"
+#include "name_value/set_parser_options.hpp"
+#include "parser/options.hpp"
+#include "zvarray/value.hpp"
+
+int main() {
+  textio::parser::options opts;
+  const auto key = hv::Value::text(u"DataLine");
+  const auto value = hv::Value::scalar(3);
+  const hvArray_tag* args[] = {key.get(), value.get()};
+  textio::options::set_parser_options(args, 2, opts);
+  if (opts.num_header_lines() != 2) {
+    std::puts("wrong num_header_lines");
+    return 1;
+  }
+
+  const auto bad_key = hv::Value::text(u"TrimNonNumeric");
+  const auto bad_value = hv::Value::scalar(1);
+  const hvArray_tag* bad_args[] = {bad_key.get(), bad_value.get()};
+  try {
+    textio::options::set_parser_options(bad_args, 2, opts);
+  } catch (const foundation::core::except::Exception<ZORVEK::textio::textio::ExpectedScalarLogical, std::exception,
+                                                     void>& e) {
+    std::printf("caught %s\n", e.GetMsgIDText().c_str());
+    return 0;
+  } catch (const std::exception& e) {
+    std::printf("caught the wrong type: %s\n", e.what());
+    return 1;
+  }
+  std::puts("nothing thrown");
+  return 1;
+}

@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Installs the build tree into a scratch prefix, then builds and runs the
+# consumer project against it twice: with find_package and with pkg-config.
+#   run_install_test.sh BUILD_DIR SOURCE_DIR SCRATCH_DIR CXX "CXXFLAGS" "LDFLAGS"
+set -euo pipefail
+build_dir=$1 source_dir=$2 scratch=$3 cxx=$4 cxxflags=${5:-} ldflags=${6:-}
+rm -rf "$scratch"
+prefix=$scratch/prefix
+cmake --install "$build_dir" --prefix "$prefix" >/dev/null
+
+echo "--- find_package"
+cmake -S "$source_dir/tests/install/consumer" -B "$scratch/consumer" -G Ninja \
+  -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$prefix" \
+  -DCMAKE_CXX_FLAGS="$cxxflags" -DCMAKE_EXE_LINKER_FLAGS="$ldflags" >/dev/null
+cmake --build "$scratch/consumer" >/dev/null
+"$scratch/consumer/consumer"
+
+echo "--- pkg-config"
+export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+libdir=$(pkg-config --variable=libdir zvtextparser)
+# shellcheck disable=SC2046,SC2086
+"$cxx" $cxxflags "$source_dir/tests/install/consumer/main.cpp" -o "$scratch/consumer_pc" \
+  $(pkg-config --cflags --libs zvtextparser) $ldflags
+LD_LIBRARY_PATH=$libdir "$scratch/consumer_pc"
