@@ -18,6 +18,7 @@ namespace foundation::core::except {
 template <class Tag, class StdBase = std::exception, class Reserved = void>
 class ZVTEXTPARSER_API Exception : public IMsgIDException, public StdBase {
  public:
+  // NOLINTNEXTLINE(modernize-pass-by-value): the tag stays its caller's; this is a copy
   explicit Exception(const Tag& tag) : IMsgIDException(), StdBase(), msg_id_(tag), error_id_(get_error_id(msg_id_)) {}
 
   // A copy keeps the identifier it was built with; get_error_id is not asked again.

@@ -44,7 +44,7 @@ bool is_integer_value(double x) {
 
 double fix_toward_zero(double x) {
   if (std::fabs(x) <= 2147483647.0) {
-    const double truncated = static_cast<double>(static_cast<std::int32_t>(x));
+    const auto truncated = static_cast<double>(static_cast<std::int32_t>(x));
     return truncated == 0.0 ? x * 0.0 : truncated;
   }
   if (std::fabs(x) < 4503599627370496.0) return static_cast<double>(static_cast<std::int64_t>(x));
