@@ -6,7 +6,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "zvdelim/get_or_create_delim.hpp"
@@ -135,22 +134,6 @@ TEST(DelimiterCache, DeadEntriesAreSweptAsTheCacheGrows) {
   }
   // Without sweeping the cache would have grown by 5000.
   EXPECT_LT(textio::detail::delim_cache_entries(), before + 200);
-}
-
-TEST(DelimiterCache, CountsCallsPerThread) {
-  const auto before = textio::detail::delim_call_count();
-  textio::get_or_create_delim({u","});
-  textio::get_or_create_delim({u","});
-  std::thread other([] { textio::get_or_create_delim({u","}); });
-  other.join();
-  EXPECT_EQ(textio::detail::delim_call_count(), before + 2);
-}
-
-TEST(DelimiterCache, AFailingObserverFailsTheCall) {
-  auto previous = textio::detail::set_delim_call_observer([](const text_list&) { throw std::runtime_error("no"); });
-  EXPECT_THROW(textio::get_or_create_delim({u","}), std::runtime_error);
-  textio::detail::set_delim_call_observer(std::move(previous));
-  EXPECT_NE(textio::get_or_create_delim({u","}), nullptr);
 }
 
 }  // namespace
