@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <optional>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -240,9 +242,9 @@ std::optional<int> reference_position(std::u16string_view text, const textio::op
 // Every flag of every list, all of its beginnings, in three cases, with a
 // character added or swapped for a look-alike; then random texts over the
 // letters of the flags, a few others and a few non-ASCII units.
-std::vector<::ustring> differential_inputs() {
+std::set<::ustring> differential_inputs() {
   const char16_t look_alikes[] = {u'\u212A', u'\u0130', u'\u017F', u'\u0441', u'\uFF45'};
-  std::vector<::ustring> inputs{u""};
+  std::set<::ustring> inputs{u""};
   for (const auto& option : textio::options::rule_options) {
     for (const std::string_view flag : option.flags) {
       for (std::size_t length = 1; length <= flag.size(); ++length) {
@@ -254,16 +256,16 @@ std::vector<::ustring> differential_inputs() {
           if (i % 2 == 1) mixed[i] = upper[i];
         }
         for (const auto& base : {lower, upper, mixed}) {
-          inputs.push_back(base);
-          inputs.push_back(base + u" ");
-          inputs.push_back(base + u"s");
-          inputs.push_back(base + base.back());
+          inputs.insert(base);
+          inputs.insert(base + u" ");
+          inputs.insert(base + u"s");
+          inputs.insert(base + base.back());
           ::ustring high_byte = base;
           high_byte[length - 1] = static_cast<char16_t>(0x0100 | high_byte[length - 1]);
-          inputs.push_back(high_byte);
+          inputs.insert(high_byte);
           ::ustring look_alike = base;
           look_alike[0] = look_alikes[length % std::size(look_alikes)];
-          inputs.push_back(look_alike);
+          inputs.insert(look_alike);
         }
       }
     }
@@ -272,20 +274,27 @@ std::vector<::ustring> differential_inputs() {
   std::mt19937 random(20240601);
   std::uniform_int_distribution<std::size_t> length(0, 8);
   std::uniform_int_distribution<std::size_t> letter(0, alphabet.size() - 1);
-  for (int i = 0; i < 1500; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     ::ustring text(length(random), u' ');
     for (auto& c : text) c = alphabet[letter(random)];
-    inputs.push_back(text);
+    inputs.insert(text);
   }
   return inputs;
 }
 
+bool is_ascii(const ::ustring& text) {
+  return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
+}
+
+// The dispatcher's mode matters only where a unit from 128 up is met, so the
+// other two modes are run on those texts alone.
 TEST(FlagMatching, EveryRuleOptionAgreesWithTheReference) {
   const auto inputs = differential_inputs();
   for (const auto mode : test_support::all_char_exception_modes) {
     const test_support::char_exception_mode_guard guard(mode);
     int failures = 0;
     for (const auto& text : inputs) {
+      if (mode != char_exception_mode::rethrow && is_ascii(text)) continue;
       const auto value = hv::Value::text(text);
       for (const auto& option : textio::options::rule_options) {
         textio::parser::options record;
