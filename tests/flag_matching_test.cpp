@@ -124,34 +124,6 @@ TEST(CompareTextToFlag, CharactersBehindTheComparedRangeAreNotLookedAt) {
   EXPECT_EQ(matrix::detail::char_exception_dispatch_count(), dispatched);
 }
 
-TEST(FlagMatching, EqualsAndAbbreviatesDifferOnlyInHowMuchOfTheFlagCounts) {
-  struct case_ {
-    hv::Value text;
-    const char* flag;
-    bool equals;
-    bool abbreviates;
-  };
-  const case_ cases[] = {
-      {hv::Value::text(u"join"), "join", true, true},
-      {hv::Value::text(u"JO"), "join", false, true},
-      {hv::Value::text(u"j"), "join", false, true},
-      {hv::Value::text(u"joins"), "join", false, false},
-      {hv::Value::text(u"join "), "join", false, false},
-      {hv::Value::text(u"jx"), "join", false, false},
-      {hv::Value::text(u""), "join", false, false},
-      {hv::Value::none(), "join", false, false},
-      {hv::Value::chars({0, 0}, u""), "join", false, false},
-      {hv::Value::chars({2, 1}, u"jo"), "join", false, true},
-      {hv::Value::scalar(1), "join", false, false},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(textio::options::text_equals_flag(c.text.get(), c.flag), c.equals)
-        << test_support::describe_text(matrix::get_ustring(c.text.get()));
-    EXPECT_EQ(textio::options::text_abbreviates_flag(c.text.get(), c.flag), c.abbreviates)
-        << test_support::describe_text(matrix::get_ustring(c.text.get()));
-  }
-}
-
 TEST(FlagMatching, EndOfTheListThrowsADefaultStdException) {
   const auto text = hv::Value::text(u"none");
   for (const bool abbreviated : {false, true}) {

@@ -210,13 +210,6 @@ TEST(RuleSetters, TextsMatchExactlyOrByAbbreviationAsEachOptionTakesThem) { chec
 
 TEST(RuleSetters, AnyValueGivesAMatchOrBadTextFlag) { check_cases(value_cases()); }
 
-TEST(RuleSetters, OptionNamesIgnoreCaseButAreNotAbbreviated) {
-  options record;
-  apply_option(record, "parsertype", t(u"line"));
-  EXPECT_EQ(record.parser_type(), textio::enums::ParserType::Line);
-  EXPECT_MESSAGE(apply_option(record, "Parser", t(u"line")), msg::UnknownParameter, test_support::utext_arg(u"Parser"));
-}
-
 // The host sees the BadTextFlag, never the failure that the matching caught.
 TEST(RuleSetters, HostHookSeesOnlyTheBadTextFlag) {
   std::vector<std::string> seen;
@@ -254,19 +247,6 @@ TEST(RuleSetters, EarlierPairsOfTheCallStayWritten) {
   EXPECT_MESSAGE(textio::options::set_parser_options(args, 8, record), msg::BadTextFlag,
                  text_arg(list_texts.at("ImportErrorRule")));
   EXPECT_EQ(describe_record(record), describe_record(expected));
-}
-
-TEST(RuleSetters, StructFormSetsRulesInFieldOrder) {
-  const auto fields = hv::Value::struct_scalar({{"missingrule", t(u"omitrow")},
-                                                {"FileType", t(u"f")},
-                                                {"ImportErrorRule", t(u"error")},
-                                                {"MISSINGRULE", t(u"omitvar")}});
-  const hvArray_tag* args[] = {fields.get()};
-  options record;
-  textio::options::set_parser_options(args, 1, record);
-  EXPECT_EQ(record.missing_rule(), textio::enums::BadDataRule::OmitVar);
-  EXPECT_EQ(record.import_error_rule(), textio::enums::BadDataRule::Error);
-  EXPECT_EQ(record.file_type(), textio::enums::FileType::FixedWidth);
 }
 
 }  // namespace
