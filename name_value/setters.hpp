@@ -20,4 +20,17 @@ void trim_non_numeric(const hvArray_tag* value, textio::parser::options& opts);
 void variable_widths(const hvArray_tag* value, textio::parser::options& opts);
 void ignored_option(const hvArray_tag* value, textio::parser::options& opts);
 
+// Rule options: one text flag out of a fixed list, stored as its position.
+void consecutive_delimiters_rule(const hvArray_tag* value, textio::parser::options& opts);
+void file_type(const hvArray_tag* value, textio::parser::options& opts);
+void leading_delimiters_rule(const hvArray_tag* value, textio::parser::options& opts);
+void trailing_delimiters_rule(const hvArray_tag* value, textio::parser::options& opts);
+void empty_line_rule(const hvArray_tag* value, textio::parser::options& opts);
+void output_builder_type(const hvArray_tag* value, textio::parser::options& opts);
+void extra_columns_rule(const hvArray_tag* value, textio::parser::options& opts);
+void import_error_rule(const hvArray_tag* value, textio::parser::options& opts);
+void missing_rule(const hvArray_tag* value, textio::parser::options& opts);
+void parser_type(const hvArray_tag* value, textio::parser::options& opts);
+void partial_field_rule(const hvArray_tag* value, textio::parser::options& opts);
+
 }  // namespace textio::options::setters

@@ -1,0 +1,294 @@
+#include "name_value/flag_matching.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <random>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+#include <vector>
+
+#include "errors/tags.hpp"
+#include "name_value/ascii_tables.hpp"
+#include "name_value/rule_flags.hpp"
+#include "support/expect_message.hpp"
+#include "support/host_controls.hpp"
+#include "support/record_fields.hpp"
+#include "zvarray/matrix.hpp"
+#include "zvarray/value.hpp"
+
+namespace {
+
+namespace msg = ZORVEK::textio::textio;
+using matrix::detail::char_exception_mode;
+using textio::options::compare_text_to_flag;
+using test_support::text_arg;
+
+struct compare_case {
+  hv::Value text;
+  const char* flag;
+  std::size_t flag_length;
+  std::int32_t expected;
+  const char* why;
+};
+
+TEST(CompareTextToFlag, GivesTheFoldedDifferenceOrTheLengthOrder) {
+  const compare_case cases[] = {
+      {hv::Value::text(u"abc"), "abc", 3, 0, "equal"},
+      {hv::Value::text(u"AbC"), "abc", 3, 0, "case is folded"},
+      {hv::Value::text(u"b"), "a", 1, 1, "text character minus flag character"},
+      {hv::Value::text(u"a"), "d", 1, -3, "text character minus flag character"},
+      {hv::Value::text(u"B"), "a", 1, 1, "difference taken after folding"},
+      {hv::Value::text(u"["), "a", 1, '[' - 'a', "91 is no letter and stays"},
+      {hv::Value::text(u"@"), "a", 1, '@' - 'a', "64 is no letter and stays"},
+      {hv::Value::text(u"abc"), "ab", 2, 1, "text longer"},
+      {hv::Value::text(u"ab"), "abc", 3, -1, "flag longer"},
+      {hv::Value::text(u"abx"), "abc", 2, 1, "only flag_length characters of the flag count"},
+      {hv::Value::text(u"ab"), "abc", 2, 0, "a piece of the flag"},
+      {hv::Value::text(u""), "", 0, 0, "both empty"},
+      {hv::Value::text(u""), "a", 1, -1, "empty text"},
+      {hv::Value::text(u"a"), "", 0, 1, "empty flag"},
+      {hv::Value::none(), "", 0, 0, "no value is the empty text"},
+      {hv::Value::none(), "a", 1, -1, "no value is the empty text"},
+      {hv::Value::scalar(97), "a", 1, -1, "a number has no characters"},
+      {hv::Value::cell_row({hv::Value::text(u"a")}), "a", 1, -1, "a cell has no characters"},
+      {hv::Value::chars({3, 1}, u"abc"), "abc", 3, 0, "a column reads in storage order"},
+      {hv::Value::text(std::u16string_view(u"a\0", 2)), "a", 1, 1, "a NUL unit counts as a character"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(compare_text_to_flag(c.text.get(), c.flag, c.flag_length), c.expected) << c.why;
+  }
+}
+
+// A character from 128 up, reached by the walk, goes to the dispatcher, which
+// throws it on, throws another, or returns (and then the result is -1).
+TEST(CompareTextToFlag, NonAsciiCharacterGoesToTheDispatcherInEveryMode) {
+  struct mode_case {
+    char_exception_mode mode;
+    const char* outcome;
+  };
+  const mode_case modes[] = {
+      {char_exception_mode::rethrow, "CtypeInvalidCharacter"},
+      {char_exception_mode::throw_another, "runtime_error"},
+      {char_exception_mode::return_normally, "-1"},
+  };
+  struct text_case {
+    hv::Value text;
+    const char* flag;
+  };
+  const text_case reached[] = {
+      {hv::Value::text(u"\u0141"), "a"},       // low byte 0x41 is "A"
+      {hv::Value::text(u"ab\u0165"), "abe"},   // low byte 0x65 is "e"
+      {hv::Value::text(u"aA"), "a\xC3\x81"},   // the flag side is folded and checked as well
+  };
+  for (const auto& m : modes) {
+    const test_support::char_exception_mode_guard guard(m.mode);
+    for (const auto& t : reached) {
+      const auto dispatched = matrix::detail::char_exception_dispatch_count();
+      std::string outcome;
+      try {
+        outcome = std::to_string(compare_text_to_flag(t.text.get(), t.flag, std::strlen(t.flag)));
+      } catch (const boost::exception_detail::clone_impl<foundation::ustring::CtypeInvalidCharacter>&) {
+        outcome = "CtypeInvalidCharacter";
+      } catch (const std::runtime_error&) {
+        outcome = "runtime_error";
+      }
+      EXPECT_EQ(outcome, m.outcome) << test_support::mode_name(m.mode) << " flag " << t.flag;
+      EXPECT_EQ(matrix::detail::char_exception_dispatch_count(), dispatched + 1);
+    }
+  }
+}
+
+TEST(CompareTextToFlag, CharactersBehindTheComparedRangeAreNotLookedAt) {
+  const test_support::char_exception_mode_guard guard(char_exception_mode::rethrow);
+  struct case_ {
+    hv::Value text;
+    const char* flag;
+    std::int32_t expected;
+  };
+  const case_ cases[] = {
+      {hv::Value::text(u"b\u0141"), "ab", 1},      // first place differs
+      {hv::Value::text(u"keep\u0141"), "keep", 1},  // behind the whole flag
+      {hv::Value::text(u"k"), "k\xFF", -1},         // behind the whole text
+  };
+  const auto dispatched = matrix::detail::char_exception_dispatch_count();
+  for (const auto& c : cases) {
+    EXPECT_EQ(compare_text_to_flag(c.text.get(), c.flag, std::strlen(c.flag)), c.expected) << c.flag;
+  }
+  EXPECT_EQ(matrix::detail::char_exception_dispatch_count(), dispatched);
+}
+
+TEST(FlagMatching, EndOfTheListThrowsADefaultStdException) {
+  const auto text = hv::Value::text(u"none");
+  for (const bool abbreviated : {false, true}) {
+    try {
+      if (abbreviated) textio::options::match_abbreviated_flags(text.get(), "a", "b", "c");
+      else textio::options::match_exact_flags(text.get(), "a", "b", "c");
+      ADD_FAILURE() << "matched";
+    } catch (const std::exception& e) {
+      EXPECT_EQ(typeid(e), typeid(std::exception));
+    }
+  }
+}
+
+TEST(FlagMatching, TheEarliestMatchingFlagWins) {
+  const auto ab = hv::Value::text(u"ab");
+  const auto a = hv::Value::text(u"A");
+  EXPECT_EQ(textio::options::match_abbreviated_flags(ab.get(), "abc", "ab"), 0);
+  EXPECT_EQ(textio::options::match_abbreviated_flags(a.get(), "ab", "abc", "a"), 0);
+  EXPECT_EQ(textio::options::match_exact_flags(ab.get(), "abc", "ab", "ab"), 1);
+  EXPECT_EQ(textio::options::parse_exact_flag(ab.get(), "a", "b", "c", "d", "e", "ab"), 5);
+}
+
+// Every cause of failure ends as one BadTextFlag with the list text, handed to
+// the host once; the inner failure never reaches the host. With the
+// dispatcher returning, the search goes on to the next flag.
+TEST(FlagMatching, ParseTurnsEveryFailureIntoOneBadTextFlag) {
+  struct case_ {
+    char_exception_mode mode;
+    hv::Value text;
+    std::uint64_t dispatches;
+  };
+  const case_ cases[] = {
+      {char_exception_mode::rethrow, hv::Value::text(u"\u00E9"), 1},
+      {char_exception_mode::throw_another, hv::Value::text(u"\u00E9"), 1},
+      {char_exception_mode::return_normally, hv::Value::text(u"\u00E9"), 3},
+      {char_exception_mode::rethrow, hv::Value::text(u"zzz"), 0},
+      {char_exception_mode::rethrow, hv::Value::none(), 0},
+      {char_exception_mode::rethrow, hv::Value::logical(true), 0},
+  };
+  for (const auto& c : cases) {
+    const test_support::char_exception_mode_guard guard(c.mode);
+    for (const bool abbreviated : {false, true}) {
+      const auto dispatched = matrix::detail::char_exception_dispatch_count();
+      const auto host_errors = matrix::detail::legacy_hv_error_count();
+      if (abbreviated) {
+        EXPECT_MESSAGE(textio::options::parse_abbreviated_flag(c.text.get(), "eins", "zwei", "drei"), msg::BadTextFlag,
+                       text_arg("'eins', 'zwei', 'drei'\n"));
+      } else {
+        EXPECT_MESSAGE(textio::options::parse_exact_flag(c.text.get(), "eins", "zwei", "drei"), msg::BadTextFlag,
+                       text_arg("'eins', 'zwei', 'drei'\n"));
+      }
+      EXPECT_EQ(matrix::detail::char_exception_dispatch_count() - dispatched, c.dispatches)
+          << test_support::mode_name(c.mode);
+      EXPECT_EQ(matrix::detail::legacy_hv_error_count() - host_errors, 1u) << test_support::mode_name(c.mode);
+    }
+  }
+}
+
+TEST(FlagMatching, ListsOfOneToSixFlags) {
+  const auto only = hv::Value::text(u"ONLY");
+  const auto other = hv::Value::text(u"other");
+  EXPECT_EQ(textio::options::parse_exact_flag(only.get(), "only"), 0);
+  EXPECT_MESSAGE(textio::options::parse_abbreviated_flag(other.get(), "only"), msg::BadTextFlag, text_arg("'only'\n"));
+  EXPECT_EQ(textio::options::parse_abbreviated_flag(other.get(), "a", "b", "c", "d", "e", "others"), 5);
+}
+
+// ---- Differential check of every rule option against a plain reference ----
+
+// Folds ASCII by arithmetic and refuses anything from 128 up; then compares
+// strings. No part of it is shared with the matcher.
+std::optional<int> reference_position(std::u16string_view text, const textio::options::rule_option_flags& option) {
+  if (text.empty()) return std::nullopt;
+  std::string folded;
+  for (const char16_t c : text) {
+    if (c > 127) return std::nullopt;
+    folded += static_cast<char>(c >= u'A' && c <= u'Z' ? c + 32 : c);
+  }
+  for (std::size_t i = 0; i < option.flags.size(); ++i) {
+    const std::string_view flag = option.flags[i];
+    const bool matched = option.match == textio::options::flag_match::exact
+                             ? folded == flag
+                             : folded.size() <= flag.size() && flag.substr(0, folded.size()) == folded;
+    if (matched) return static_cast<int>(i);
+  }
+  return std::nullopt;
+}
+
+// Every flag of every list, all of its beginnings, in three cases, with a
+// character added or swapped for a look-alike; then random texts over the
+// letters of the flags, a few others and a few non-ASCII units.
+std::set<::ustring> differential_inputs() {
+  const char16_t look_alikes[] = {u'\u212A', u'\u0130', u'\u017F', u'\u0441', u'\uFF45'};
+  std::set<::ustring> inputs{u""};
+  for (const auto& option : textio::options::rule_options) {
+    for (const std::string_view flag : option.flags) {
+      for (std::size_t length = 1; length <= flag.size(); ++length) {
+        ::ustring lower(flag.begin(), flag.begin() + static_cast<std::ptrdiff_t>(length));
+        ::ustring upper = lower;
+        ::ustring mixed = lower;
+        for (std::size_t i = 0; i < upper.size(); ++i) {
+          upper[i] = static_cast<char16_t>(upper[i] - 32);
+          if (i % 2 == 1) mixed[i] = upper[i];
+        }
+        for (const auto& base : {lower, upper, mixed}) {
+          inputs.insert(base);
+          inputs.insert(base + u" ");
+          inputs.insert(base + u"s");
+          inputs.insert(base + base.back());
+          ::ustring high_byte = base;
+          high_byte[length - 1] = static_cast<char16_t>(0x0100 | high_byte[length - 1]);
+          inputs.insert(high_byte);
+          ::ustring look_alike = base;
+          look_alike[0] = look_alikes[length % std::size(look_alikes)];
+          inputs.insert(look_alike);
+        }
+      }
+    }
+  }
+  const ::ustring alphabet = u"abcdefghiklmnoprstuvwxyzAEIKLOST \t\u00E9\u0141\u212A";
+  std::mt19937 random(20240601);
+  std::uniform_int_distribution<std::size_t> length(0, 8);
+  std::uniform_int_distribution<std::size_t> letter(0, alphabet.size() - 1);
+  for (int i = 0; i < 1000; ++i) {
+    ::ustring text(length(random), u' ');
+    for (auto& c : text) c = alphabet[letter(random)];
+    inputs.insert(text);
+  }
+  return inputs;
+}
+
+bool is_ascii(const ::ustring& text) {
+  return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
+}
+
+// The dispatcher's mode matters only where a unit from 128 up is met, so the
+// other two modes are run on those texts alone.
+TEST(FlagMatching, EveryRuleOptionAgreesWithTheReference) {
+  const auto inputs = differential_inputs();
+  for (const auto mode : test_support::all_char_exception_modes) {
+    const test_support::char_exception_mode_guard guard(mode);
+    int failures = 0;
+    for (const auto& text : inputs) {
+      if (mode != char_exception_mode::rethrow && is_ascii(text)) continue;
+      const auto value = hv::Value::text(text);
+      for (const auto& option : textio::options::rule_options) {
+        textio::parser::options record;
+        // A position that no list can give, so that a write is always seen.
+        test_support::set_rule_field(record, option.key, 7);
+        const auto expected = reference_position(text, option);
+        std::string outcome;
+        try {
+          test_support::apply_option(record, option.key, value);
+          outcome = std::to_string(test_support::rule_field(record, option.key));
+        } catch (const foundation::core::except::Exception<msg::BadTextFlag, std::exception, void>&) {
+          outcome = "BadTextFlag, field " + std::to_string(test_support::rule_field(record, option.key));
+        }
+        const std::string want = expected ? std::to_string(*expected) : "BadTextFlag, field 7";
+        if (outcome != want && ++failures <= 10) {
+          ADD_FAILURE() << option.key << " " << test_support::describe_text(text) << " in mode "
+                        << test_support::mode_name(mode) << ": " << outcome << ", expected " << want;
+        }
+      }
+    }
+    EXPECT_EQ(failures, 0) << test_support::mode_name(mode);
+  }
+}
+
+}  // namespace
