@@ -21,9 +21,17 @@ bool option_name_less::operator()(const std::string& a, const std::string& b) co
 
 // Rows in their order of insertion.
 const option_map option_table{
+    {"Delimiter", &setters::delimiter},
+    {"Whitespace", &setters::whitespace},
+    {"DateLocale", &setters::date_locale},
+    {"LineEnding", &setters::line_ending},
     {"NumHeaderLines", &setters::num_header_lines},
+    {"ExpChars", &setters::exp_chars},
+    {"ExponentCharacter", &setters::exp_chars},
     {"NumVariables", &setters::num_variables},
+    {"TreatAsMissing", &setters::treat_as_missing},
     {"MultipleDelimsAsOne", &setters::multiple_delims_as_one},
+    {"CommentStyle", &setters::comment_style},
     {"DataLine", &setters::data_line},
     {"VariableNamesLine", &setters::variable_names_line},
     {"VariableUnitsLine", &setters::variable_units_line},
@@ -32,6 +40,8 @@ const option_map option_table{
     {"EmptyValue", &setters::ignored_option},
     {"ReturnOnError", &setters::ignored_option},
     {"TrimNonNumeric", &setters::trim_non_numeric},
+    {"DecimalSeparator", &setters::decimal_separator},
+    {"ThousandsSeparator", &setters::thousands_separator},
 };
 
 }  // namespace textio::options
