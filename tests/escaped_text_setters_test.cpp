@@ -213,7 +213,8 @@ std::vector<std::pair<std::string, Value>> neither_text_nor_list() {
 
 TEST(ListOptions, TypeFailuresWriteNothing) {
   for (const auto& k : list_keys()) {
-    for (const auto& [what, value] : neither_text_nor_list()) {
+    for (const auto& [what, given] : neither_text_nor_list()) {
+      const Value& value = given;  // clang 14 cannot capture a structured binding
       SCOPED_TRACE(std::string(k.key) + " given " + what);
       for (const options& start : {prepared_record(), with_delimiter(prepared_record())}) {
         options o = start;

@@ -128,7 +128,8 @@ TEST(TextSetters, NonTextFailsWithTheOptionNameAndWritesNothing) {
       {"ThousandsSeparator", "ThousandsSeparator"},
   };
   for (const auto& k : keys) {
-    for (const auto& [what, value] : non_texts()) {
+    for (const auto& [what, given] : non_texts()) {
+      const Value& value = given;  // clang 14 cannot capture a structured binding
       SCOPED_TRACE(std::string(k.key) + " given " + what);
       options o = prepared_record();
       EXPECT_MESSAGE(apply_option(o, k.key, value), msg::InvalidStringProperty, text_arg(k.reported));
