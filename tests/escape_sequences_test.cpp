@@ -14,7 +14,7 @@ using textio::options::decode_escape_sequences;
 // The decoder as a plain left-to-right pass that edits the text at every
 // sequence (erase or replace, moving the tail each time). Slow, but easy to
 // check by eye; the fast decoder must agree with it on every input.
-bool reference_decode(ustring& text) {
+bool reference_decode(ustring& text) noexcept {
   bool result = true;
   std::size_t position = 0;
   while (position < text.size()) {
@@ -75,17 +75,14 @@ const decode_case decode_cases[] = {
     {u"\\v", u"", false},
     {u"\\0", u"", false},
     {u"\\x41", u"41", false},
-    {u"\\u0041", u"0041", false},
     {u"\\N", u"", false},
     {u"\\T", u"", false},
     {u"\\B", u"", false},
     {u"\\R", u"", false},
     {u"\\\"", u"", false},
-    {u"\\'", u"", false},
     {u"\\ ", u"", false},
     {std::u16string(u"\\\0", 2), u"", false},  // a NUL unit behind a backslash
     {u"\\\u00E9", u"", false},
-    {u"\\q\\q", u"", false},
     {u"\\t\\f", u"\t", false},                // known ahead of unknown
     {u"\\f\\t", u"\t", false},                // unknown ahead of known
     {u"\\qn", u"n", false},                   // the unit behind the pair is plain
@@ -94,23 +91,16 @@ const decode_case decode_cases[] = {
     {std::u16string(u"a\0\\t", 4), std::u16string(u"a\0\t", 3), true},
 };
 
-TEST(EscapeSequences, DecodeTable) {
-  for (const auto& c : decode_cases) {
-    ustring text = c.given;
-    SCOPED_TRACE(testing::PrintToString(c.given));
-    EXPECT_EQ(decode_escape_sequences(text), c.known);
-    EXPECT_EQ(text, c.decoded);
-  }
-}
-
 // The reference is held to the same table, so agreement below means both are
 // right, not merely alike.
-TEST(EscapeSequences, ReferenceDecodesTheTable) {
+TEST(EscapeSequences, DecoderAndReferenceGiveTheTable) {
   for (const auto& c : decode_cases) {
-    ustring text = c.given;
     SCOPED_TRACE(testing::PrintToString(c.given));
-    EXPECT_EQ(reference_decode(text), c.known);
-    EXPECT_EQ(text, c.decoded);
+    for (bool (*decode)(ustring&) noexcept : {&decode_escape_sequences, &reference_decode}) {
+      ustring text = c.given;
+      EXPECT_EQ(decode(text), c.known);
+      EXPECT_EQ(text, c.decoded);
+    }
   }
 }
 
