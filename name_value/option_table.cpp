@@ -21,7 +21,13 @@ bool option_name_less::operator()(const std::string& a, const std::string& b) co
 
 // Rows in their order of insertion.
 const option_map option_table{
+    {"Delimiter", &setters::delimiter},
+    {"Whitespace", &setters::whitespace},
+    {"DateLocale", &setters::date_locale},
+    {"LineEnding", &setters::line_ending},
     {"NumHeaderLines", &setters::num_header_lines},
+    {"ExpChars", &setters::exp_chars},
+    {"ExponentCharacter", &setters::exp_chars},
     {"FileType", &setters::file_type},
     {"NumVariables", &setters::num_variables},
     {"ConsecutiveDelimitersRule", &setters::consecutive_delimiters_rule},
@@ -30,7 +36,9 @@ const option_map option_table{
     {"EmptyLineRule", &setters::empty_line_rule},
     {"MissingRule", &setters::missing_rule},
     {"ImportErrorRule", &setters::import_error_rule},
+    {"TreatAsMissing", &setters::treat_as_missing},
     {"MultipleDelimsAsOne", &setters::multiple_delims_as_one},
+    {"CommentStyle", &setters::comment_style},
     {"DataLine", &setters::data_line},
     {"VariableNamesLine", &setters::variable_names_line},
     {"VariableUnitsLine", &setters::variable_units_line},
@@ -43,6 +51,8 @@ const option_map option_table{
     {"EmptyValue", &setters::ignored_option},
     {"ReturnOnError", &setters::ignored_option},
     {"TrimNonNumeric", &setters::trim_non_numeric},
+    {"DecimalSeparator", &setters::decimal_separator},
+    {"ThousandsSeparator", &setters::thousands_separator},
 };
 
 }  // namespace textio::options

@@ -32,5 +32,17 @@ void import_error_rule(const hvArray_tag* value, textio::parser::options& opts);
 void missing_rule(const hvArray_tag* value, textio::parser::options& opts);
 void parser_type(const hvArray_tag* value, textio::parser::options& opts);
 void partial_field_rule(const hvArray_tag* value, textio::parser::options& opts);
+// Single texts stored as given (ExpChars also serves ExponentCharacter).
+void date_locale(const hvArray_tag* value, textio::parser::options& opts);
+void decimal_separator(const hvArray_tag* value, textio::parser::options& opts);
+void exp_chars(const hvArray_tag* value, textio::parser::options& opts);
+void thousands_separator(const hvArray_tag* value, textio::parser::options& opts);
+
+// Escape-decoded texts: one text for Whitespace, a text or a list for the rest.
+void whitespace(const hvArray_tag* value, textio::parser::options& opts);
+void delimiter(const hvArray_tag* value, textio::parser::options& opts);
+void line_ending(const hvArray_tag* value, textio::parser::options& opts);
+void treat_as_missing(const hvArray_tag* value, textio::parser::options& opts);
+void comment_style(const hvArray_tag* value, textio::parser::options& opts);
 
 }  // namespace textio::options::setters

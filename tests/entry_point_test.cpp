@@ -194,6 +194,7 @@ TEST(OptionNameOrdering, FollowsTheGlobalLocaleAsItStandsAtEachComparison) {
 
 TEST(OptionTable, KeysAreDistinctAndFoundInAnyCase) {
   const auto& table = textio::options::option_table;
+  EXPECT_EQ(table.size(), 32u);
   for (const auto& [key, setter] : table) {
     std::string lower = key;
     for (auto& ch : lower) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));

@@ -1,0 +1,167 @@
+#include "name_value/escape_sequences.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using textio::options::decode_escape_sequences;
+
+// The decoder as a plain left-to-right pass that edits the text at every
+// sequence (erase or replace, moving the tail each time). Slow, but easy to
+// check by eye; the fast decoder must agree with it on every input.
+bool reference_decode(ustring& text) noexcept {
+  bool result = true;
+  std::size_t position = 0;
+  while (position < text.size()) {
+    const std::size_t i = text.find(u'\\', position);
+    if (i == ustring::npos || i + 1 >= text.size()) break;
+    char16_t decoded = 0;
+    switch (text[i + 1]) {
+      case u'\\': decoded = u'\\'; break;
+      case u'b': decoded = u'\b'; break;
+      case u'n': decoded = u'\n'; break;
+      case u'r': decoded = u'\r'; break;
+      case u't': decoded = u'\t'; break;
+      default: break;
+    }
+    if (decoded != 0) {
+      text.replace(i, 2, 1, decoded);
+      position = i + 1;
+    } else {
+      result = false;
+      text.erase(i, 2);
+      position = i;
+    }
+  }
+  return result;
+}
+
+struct decode_case {
+  std::u16string given;
+  std::u16string decoded;
+  bool known;
+};
+
+const decode_case decode_cases[] = {
+    {u"", u"", true},
+    {u"ab", u"ab", true},
+    {u"a\\tb", u"a\tb", true},
+    {u"\\\\n", u"\\n", true},            // the decoded backslash starts nothing
+    {u"\\\\\\n", u"\\\n", true},         // pairs form from the left
+    {u"\\\\q", u"\\q", true},            // q follows a decoded backslash, so it is plain
+    {u"\\", u"\\", true},                // a lone backslash at the end stays
+    {u"abc\\", u"abc\\", true},
+    {u"\\\\\\", u"\\\\", true},
+    {u"\\q", u"", false},
+    {u"\\qa\\n", u"a\n", false},         // the scan goes on behind an unknown pair
+    {u"\\q\\", u"\\", false},
+    // The five known sequences.
+    {u"\\\\", u"\\", true},
+    {u"\\b", u"\b", true},
+    {u"\\n", u"\n", true},
+    {u"\\r", u"\r", true},
+    {u"\\t", u"\t", true},
+    {u" \\b\\t", u" \b\t", true},
+    {u"\\r\\n", u"\r\n", true},
+    {u"\\t\\t\\t", u"\t\t\t", true},
+    // Unknown: no other letters, no upper case, no numeric forms.
+    {u"\\a", u"", false},
+    {u"\\f", u"", false},
+    {u"\\v", u"", false},
+    {u"\\0", u"", false},
+    {u"\\x41", u"41", false},
+    {u"\\N", u"", false},
+    {u"\\T", u"", false},
+    {u"\\B", u"", false},
+    {u"\\R", u"", false},
+    {u"\\\"", u"", false},
+    {u"\\ ", u"", false},
+    {std::u16string(u"\\\0", 2), u"", false},  // a NUL unit behind a backslash
+    {u"\\\u00E9", u"", false},
+    {u"\\t\\f", u"\t", false},                // known ahead of unknown
+    {u"\\f\\t", u"\t", false},                // unknown ahead of known
+    {u"\\qn", u"n", false},                   // the unit behind the pair is plain
+    {u"\\\\\\q", u"\\", false},
+    // NUL units elsewhere are ordinary text.
+    {std::u16string(u"a\0\\t", 4), std::u16string(u"a\0\t", 3), true},
+};
+
+// The reference is held to the same table, so agreement below means both are
+// right, not merely alike.
+TEST(EscapeSequences, DecoderAndReferenceGiveTheTable) {
+  for (const auto& c : decode_cases) {
+    SCOPED_TRACE(testing::PrintToString(c.given));
+    for (bool (*decode)(ustring&) noexcept : {&decode_escape_sequences, &reference_decode}) {
+      ustring text = c.given;
+      EXPECT_EQ(decode(text), c.known);
+      EXPECT_EQ(text, c.decoded);
+    }
+  }
+}
+
+TEST(EscapeSequences, DecodesInPlaceWithoutReallocating) {
+  for (const ustring& given : {ustring(u"no backslash"), ustring(u"\\t\\q\\\\x\\"), ustring(4096, u'\\')}) {
+    ustring text = given;
+    const char16_t* before = text.data();
+    const std::size_t capacity = text.capacity();
+    decode_escape_sequences(text);
+    EXPECT_EQ(text.data(), before);
+    EXPECT_EQ(text.capacity(), capacity);
+  }
+}
+
+::testing::AssertionResult agrees_with_reference(const ustring& given) {
+  ustring fast = given;
+  ustring slow = given;
+  const bool fast_known = decode_escape_sequences(fast);
+  const bool slow_known = reference_decode(slow);
+  if (fast == slow && fast_known == slow_known) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "differs from the reference on " << ::testing::PrintToString(given);
+}
+
+// Every text of up to seven units over an alphabet that holds a backslash, a
+// known letter, an unknown letter and a plain unit.
+TEST(EscapeSequences, AgreesWithReferenceOnAllShortTexts) {
+  const std::u16string alphabet = u"\\tqa";
+  const std::size_t letters = alphabet.size();
+  std::size_t checked = 0;
+  for (std::size_t length = 0; length <= 7; ++length) {
+    std::size_t combinations = 1;
+    for (std::size_t i = 0; i < length; ++i) combinations *= letters;
+    for (std::size_t code = 0; code < combinations; ++code) {
+      ustring text;
+      for (std::size_t i = 0, rest = code; i < length; ++i, rest /= letters) text.push_back(alphabet[rest % letters]);
+      ASSERT_TRUE(agrees_with_reference(text));
+      ++checked;
+    }
+  }
+  EXPECT_EQ(checked, 21845u);  // 4^0 + ... + 4^7
+}
+
+// Random texts, heavy in backslashes, over every known letter, unknown letters
+// (upper case, digits, NUL, a lone surrogate) and plain units.
+TEST(EscapeSequences, AgreesWithReferenceOnRandomTexts) {
+  const std::vector<char16_t> units = {u'\\', u'\\', u'\\', u'\\', u'\\', u'\\', u'b', u'n', u'r', u't',
+                                      u'N', u'T', u'q', u'x', u'0', u' ', u'"', u'a', u',', u'\0',
+                                      u'\u00E9', char16_t{0xD800}};
+  std::mt19937 generator(20240611u);
+  std::uniform_int_distribution<std::size_t> pick(0, units.size() - 1);
+  std::uniform_int_distribution<std::size_t> length(0, 48);
+  std::size_t with_trailing_backslash = 0;
+  for (int round = 0; round < 20000; ++round) {
+    ustring text;
+    const std::size_t n = length(generator);
+    for (std::size_t i = 0; i < n; ++i) text.push_back(units[pick(generator)]);
+    if (!text.empty() && text.back() == u'\\') ++with_trailing_backslash;
+    ASSERT_TRUE(agrees_with_reference(text));
+  }
+  // The generator does reach the trailing-backslash case.
+  EXPECT_GT(with_trailing_backslash, 1000u);
+}
+
+}  // namespace
