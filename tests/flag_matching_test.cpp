@@ -20,6 +20,7 @@
 #include "support/expect_message.hpp"
 #include "support/host_controls.hpp"
 #include "support/record_fields.hpp"
+#include "support/setter_calls.hpp"
 #include "zvarray/matrix.hpp"
 #include "zvarray/value.hpp"
 

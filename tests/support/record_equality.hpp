@@ -47,8 +47,4 @@ inline std::string first_difference(const textio::parser::options& a, const text
   return {};
 }
 
-inline bool same_record(const textio::parser::options& a, const textio::parser::options& b) {
-  return first_difference(a, b).empty();
-}
-
 }  // namespace test_support
