@@ -21,6 +21,7 @@
 #include "support/host_controls.hpp"
 #include "support/record_fields.hpp"
 #include "support/setter_calls.hpp"
+#include "support/reference_flag_matcher.hpp"
 #include "zvarray/matrix.hpp"
 #include "zvarray/value.hpp"
 
@@ -193,24 +194,8 @@ TEST(FlagMatching, ListsOfOneToSixFlags) {
 
 // ---- Differential check of every rule option against a plain reference ----
 
-// Folds ASCII by arithmetic and refuses anything from 128 up; then compares
-// strings. No part of it is shared with the matcher.
-std::optional<int> reference_position(std::u16string_view text, const textio::options::rule_option_flags& option) {
-  if (text.empty()) return std::nullopt;
-  std::string folded;
-  for (const char16_t c : text) {
-    if (c > 127) return std::nullopt;
-    folded += static_cast<char>(c >= u'A' && c <= u'Z' ? c + 32 : c);
-  }
-  for (std::size_t i = 0; i < option.flags.size(); ++i) {
-    const std::string_view flag = option.flags[i];
-    const bool matched = option.match == textio::options::flag_match::exact
-                             ? folded == flag
-                             : folded.size() <= flag.size() && flag.substr(0, folded.size()) == folded;
-    if (matched) return static_cast<int>(i);
-  }
-  return std::nullopt;
-}
+using test_support::reference_position;
+
 
 // Every flag of every list, all of its beginnings, in three cases, with a
 // character added or swapped for a look-alike; then random texts over the
