@@ -45,4 +45,4 @@ BENCHMARK(BM_DecodeOnlyTabSequences)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+

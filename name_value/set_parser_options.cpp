@@ -15,7 +15,7 @@ void apply_struct_fields(const option_map& table, const hvArray_tag* value, text
   const char* const* names = value->get_struct_field_names();
   const auto* fields = static_cast<const hvArray_tag* const*>(hvGetData(value));
   for (int i = 0; i < field_count; ++i) {
-    const auto entry = table.find(names[i]);
+    const auto entry = find_option(table, names[i]);
     if (entry == table.end()) continue;
     entry->second(fields[i], opts);
   }
@@ -30,7 +30,7 @@ void apply_name_value_pairs(const option_map& table, const hvArray_tag* const* a
   // A null argument array reads as null names, which are unknown.
   const auto arg = [args](std::int32_t i) -> const hvArray_tag* { return args == nullptr ? nullptr : args[i]; };
   for (std::int32_t i = 0; i < count; i += 2) {
-    const auto entry = table.find(matrix::get_string(arg(i)));
+    const auto entry = find_option(table, matrix::get_string(arg(i)));
     if (entry == table.end()) {
       throw_msg_id_exception(ZORVEK::textio::textio::UnknownParameter(matrix::get_ustring(arg(i))));
     }

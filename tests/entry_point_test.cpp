@@ -161,10 +161,15 @@ TEST(EntryPoint, HostSeesEachFailureOnce) {
   EXPECT_EQ(matrix::detail::legacy_hv_error_count() - before, 1u);
 }
 
-// A ctype facet that also folds '-' to '_', to see which locale is used.
+// A ctype facet that also folds '-' to '_' and '9' to 'V', to see which
+// locale is used.
 class DashFoldingCtype : public std::ctype<char> {
  protected:
-  char do_toupper(char c) const override { return c == '-' ? '_' : std::ctype<char>::do_toupper(c); }
+  char do_toupper(char c) const override {
+    if (c == '-') return '_';
+    if (c == '9') return 'V';
+    return std::ctype<char>::do_toupper(c);
+  }
   const char* do_toupper(char* begin, const char* end) const override {
     for (char* p = begin; p != end; ++p) *p = do_toupper(*p);
     return end;
@@ -190,6 +195,19 @@ TEST(OptionNameOrdering, FollowsTheGlobalLocaleAsItStandsAtEachComparison) {
   EXPECT_FALSE(less("a_b", "a-b"));
   std::locale::global(previous);
   EXPECT_TRUE(less("a-b", "a_b"));
+}
+
+TEST(OptionNameOrdering, LookupsFoldWithTheGlobalLocaleOfTheirCall) {
+  // The test facet folds '9' to 'V', so "Num9ariables" names NumVariables
+  // only while that locale is the global one.
+  options o;
+  const std::vector<Value> pair = {t(u"Num9ariables"), Value::scalar(3)};
+  EXPECT_MESSAGE(call(o, pair), msg::UnknownParameter, utext_arg(u"Num9ariables"));
+  const std::locale previous = std::locale::global(std::locale(std::locale::classic(), new DashFoldingCtype));
+  call(o, pair);
+  EXPECT_EQ(o.num_variables(), 3u);
+  std::locale::global(previous);
+  EXPECT_MESSAGE(call(o, pair), msg::UnknownParameter, utext_arg(u"Num9ariables"));
 }
 
 TEST(OptionTable, KeysAreDistinctAndFoundInAnyCase) {

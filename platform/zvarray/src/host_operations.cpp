@@ -15,10 +15,6 @@ double element_as_double(const void* data) {
 
 }  // namespace
 
-hvClassID hvGetClassID(const hvArray_tag* value) noexcept {
-  return value == nullptr ? hvUnknownClass : value->class_id();
-}
-
 std::size_t hvGetNumberOfDimensions(const hvArray_tag* value) {
   return value == nullptr ? 0 : value->dimensions().size();
 }
@@ -37,10 +33,6 @@ std::uint64_t hvGetN(const hvArray_tag* value) {
   std::uint64_t n = 1;
   for (std::size_t i = 1; i < dims.size(); ++i) n *= dims[i];
   return n;
-}
-
-std::uint64_t hvGetNumberOfElements(const hvArray_tag* value) {
-  return value == nullptr ? 0 : value->number_of_elements();
 }
 
 bool hvIsScalar(const hvArray_tag* value) {
@@ -79,6 +71,3 @@ const std::uint8_t* hvGetLogicals(const hvArray_tag* value) {
   return static_cast<const std::uint8_t*>(value->data());
 }
 
-const void* hvGetData(const hvArray_tag* value) {
-  return value == nullptr ? nullptr : value->data();
-}

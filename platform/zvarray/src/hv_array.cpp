@@ -30,11 +30,6 @@ std::size_t hvElementSize(hvClassID cls) noexcept {
 
 hvArray_tag::~hvArray_tag() = default;
 
-hvClassID hvArray_tag::class_id() const noexcept {
-  if (class_number_ > hvFunctionClass) return _get_class_id_non_trivial();
-  return static_cast<hvClassID>(class_number_);
-}
-
 hvClassID hvArray_tag::_get_class_id_non_trivial() const noexcept { return extended_as_; }
 
 void hvArray_tag::_complete_opaque_dimensions() const {
@@ -42,17 +37,6 @@ void hvArray_tag::_complete_opaque_dimensions() const {
   dimensions_ = opaque_dimensions_;
   opaque_dimensions_.clear();
   dimensions_opaque_ = false;
-}
-
-const std::vector<std::uint64_t>& hvArray_tag::dimensions() const {
-  _complete_opaque_dimensions();
-  return dimensions_;
-}
-
-std::uint64_t hvArray_tag::number_of_elements() const {
-  std::uint64_t n = 1;
-  for (const auto d : dimensions()) n *= d;
-  return n;
 }
 
 int hvArray_tag::get_number_of_struct_fields() const noexcept {

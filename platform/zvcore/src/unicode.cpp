@@ -68,8 +68,14 @@ std::size_t sequence_length(std::string_view s, char32_t& code_point) noexcept {
 }
 
 std::string to_utf8(std::u16string_view utf16) {
-  std::string out;
-  out.reserve(utf16.size());
+  // Plain ASCII, the common case for names, converts unit for unit.
+  std::size_t ascii = 0;
+  while (ascii < utf16.size() && utf16[ascii] < 0x80) ++ascii;
+  std::string out(ascii, '\0');
+  for (std::size_t i = 0; i < ascii; ++i) out[i] = static_cast<char>(utf16[i]);
+  if (ascii == utf16.size()) return out;
+  out.reserve(utf16.size() + (utf16.size() - ascii) * 2);
+  utf16.remove_prefix(ascii);
   for (std::size_t i = 0; i < utf16.size(); ++i) {
     char32_t cp = utf16[i];
     if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&

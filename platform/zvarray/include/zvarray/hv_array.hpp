@@ -51,9 +51,18 @@ struct hvArray_tag {
   hvArray_tag& operator=(const hvArray_tag&) = delete;
   ~hvArray_tag();
 
-  hvClassID class_id() const noexcept;
-  const std::vector<std::uint64_t>& dimensions() const;
-  std::uint64_t number_of_elements() const;
+  hvClassID class_id() const noexcept {
+    return class_number_ > hvFunctionClass ? _get_class_id_non_trivial() : static_cast<hvClassID>(class_number_);
+  }
+  const std::vector<std::uint64_t>& dimensions() const {
+    if (dimensions_opaque_) _complete_opaque_dimensions();
+    return dimensions_;
+  }
+  std::uint64_t number_of_elements() const {
+    std::uint64_t n = 1;
+    for (const auto d : dimensions()) n *= d;
+    return n;
+  }
   const void* data() const noexcept { return data_.get(); }
 
   int get_number_of_struct_fields() const noexcept;
@@ -81,7 +90,9 @@ struct hvArray_tag {
 };
 
 // Class of a value (extended class numbers resolved); hvUnknownClass for null.
-hvClassID hvGetClassID(const hvArray_tag* value) noexcept;
+inline hvClassID hvGetClassID(const hvArray_tag* value) noexcept {
+  return value == nullptr ? hvUnknownClass : value->class_id();
+}
 // Number of dimensions, at least 2 for a value; 0 for null.
 std::size_t hvGetNumberOfDimensions(const hvArray_tag* value);
 // The dimension list; null for null.
@@ -91,7 +102,9 @@ std::uint64_t hvGetM(const hvArray_tag* value);
 // Number of columns: the product of all dimensions after the first.
 std::uint64_t hvGetN(const hvArray_tag* value);
 // Product of all dimensions; 0 when any of them is 0.
-std::uint64_t hvGetNumberOfElements(const hvArray_tag* value);
+inline std::uint64_t hvGetNumberOfElements(const hvArray_tag* value) {
+  return value == nullptr ? 0 : value->number_of_elements();
+}
 // True for a 1-by-1 value of any class.
 bool hvIsScalar(const hvArray_tag* value);
 // The first element as a double (char gives its code unit, logical 0 or 1);
@@ -103,4 +116,4 @@ bool hvIsLogicalScalar(const hvArray_tag* value);
 const std::uint8_t* hvGetLogicals(const hvArray_tag* value);
 // Raw element data: numbers, UTF-16 units, logical bytes, or for cells and
 // structs `const hvArray_tag*` entries (struct: element-major, field-minor).
-const void* hvGetData(const hvArray_tag* value);
+inline const void* hvGetData(const hvArray_tag* value) { return value == nullptr ? nullptr : value->data(); }
