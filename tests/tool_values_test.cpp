@@ -167,10 +167,8 @@ TEST(ToolValues, MalformedTypedValuesAreUsageErrors) {
       {R"({"$class": "double", "$size": [1, 1]})", "$data is missing"},
       {R"({"$class": "char", "$size": [1, 2], "$data": "abc"})", "holds 3 code units"},
       {R"({"$class": "float", "$size": [1, 1], "$data": [1]})", "is unknown"},
-      {R"({"$class": 6, "$size": [1, 1], "$data": [1]})", "is unknown"},
       {R"({"$class": "int32", "$size": [1, 1], "$data": [1.5]})", "not an integer"},
       {R"({"$class": "int32", "$size": [1, 1], "$data": ["NaN"]})", "not an integer"},
-      {R"({"$class": "uint8", "$size": [1, 1], "$data": [256]})", "out of the range of uint8"},
       {R"({"$class": "uint64", "$size": [1, 1], "$data": [-1]})", "out of the range of uint64"},
       {R"({"$class": "uint64", "$size": [1, 1], "$data": [18446744073709551616]})", "out of the range of uint64"},
       {R"({"$class": "int64", "$size": [1, 1], "$data": [9223372036854775808]})", "out of the range of int64"},
@@ -186,6 +184,7 @@ TEST(ToolValues, MalformedTypedValuesAreUsageErrors) {
       {R"({"$class": "double", "$size": [4294967296, 4294967296, 2], "$data": []})", "more elements than"},
       {R"([1, {"a": {"$class": "int8", "$size": [1, 1], "$data": [200]}}])", "at [1].a.$data[0]:"},
       {deep, "nest deeper"},
+      {R"({"$class": "double", "$size": )" + deep + R"(, "$data": []})", "$size [...] must be"},
   };
   for (const auto& c : cases) {
     try {
@@ -211,6 +210,7 @@ TEST(ToolValues, OptionArgumentsKeepNamesAsTextAndTakeStructAlone) {
 
   EXPECT_THROW(zvtool::option_arguments(std::string("{}"), positionals), zvtool::usage_error);
   EXPECT_THROW(zvtool::struct_argument("[1]"), zvtool::usage_error);
+  EXPECT_THROW(zvtool::struct_argument(std::string(100000, '[') + std::string(100000, ']')), zvtool::usage_error);
   EXPECT_THROW(zvtool::struct_argument(R"({"$class": "cell", "$size": [0, 0]})"), zvtool::usage_error);
   EXPECT_THROW(zvtool::struct_argument("{"), zvtool::usage_error);
 }
@@ -231,6 +231,7 @@ TEST(ToolArguments, OnlyTheToolsOwnOptionsAreTakenOut) {
       {{"a", "-h", "b"}, std::nullopt, true, {"a", "b"}},
       {{"--", "--help", "--struct", "x", "--"}, std::nullopt, false, {"--help", "--struct", "x", "--"}},
       {{"--structure", "--help"}, std::nullopt, true, {"--structure"}},
+      {{"[1,2]", "[a]"}, std::nullopt, false, {"[1,2]", "[a]"}},
   };
   for (const auto& c : cases) {
     const auto scanned = zvtool::scan_subcommand_arguments(c.given);
@@ -240,11 +241,6 @@ TEST(ToolArguments, OnlyTheToolsOwnOptionsAreTakenOut) {
   }
   EXPECT_THROW(zvtool::scan_subcommand_arguments(args{"--struct"}), zvtool::usage_error);
   EXPECT_THROW(zvtool::scan_subcommand_arguments(args{"--struct=1", "--struct", "2"}), zvtool::usage_error);
-
-  zvtool::subcommand_arguments scanned;
-  scanned.struct_json = "-5";
-  scanned.positionals = {"-1"};
-  EXPECT_EQ(zvtool::rebuilt_arguments("options", scanned), (args{"options", "--struct=-5", "--", "-1"}));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <set>
 #include <utility>
 
 #include "tools/usage_error.hpp"
@@ -50,9 +51,15 @@ std::string keep_negative_zero(std::string_view text) {
   return out;
 }
 
-// A short rendering of a JSON value for messages.
+// A short rendering of a JSON value for messages. A container that holds
+// containers is not written out: the serializer recurses, and the value may
+// nest arbitrarily deep.
 std::string describe(const json& j) {
-  std::string text = j.dump();
+  bool nested = false;
+  if (j.is_structured()) {
+    for (const auto& e : j) nested = nested || e.is_structured();
+  }
+  std::string text = !nested ? j.dump() : j.is_array() ? "[...]" : "{...}";
   if (text.size() > 40) text = text.substr(0, 37) + "...";
   return text;
 }
@@ -332,10 +339,9 @@ class mapper {
     } else if (!data.empty() && data[0].is_object()) {
       for (const auto& [name, value] : data[0].items()) names.push_back(name);
     }
-    for (std::size_t a = 0; a < names.size(); ++a) {
-      for (std::size_t b = a + 1; b < names.size(); ++b) {
-        if (names[a] == names[b]) fail(path, "$fields names \"" + names[a] + "\" twice");
-      }
+    std::set<std::string> listed;
+    for (const auto& name : names) {
+      if (!listed.insert(name).second) fail(path, "$fields names \"" + name + "\" twice");
     }
 
     std::vector<hv::Value> values;
@@ -345,9 +351,7 @@ class mapper {
       const std::string here = element_path(path, i);
       if (!element.is_object()) fail(here, describe(element) + " is not an object of field values");
       for (const auto& [name, value] : element.items()) {
-        bool listed = false;
-        for (const auto& n : names) listed = listed || n == name;
-        if (!listed) fail(here, "field \"" + name + "\" is not among the struct's fields");
+        if (listed.count(name) == 0) fail(here, "field \"" + name + "\" is not among the struct's fields");
       }
       for (const auto& name : names) {
         const auto field = element.find(name);

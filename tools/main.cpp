@@ -2,10 +2,11 @@
 //
 //   zvtextparser options [--struct JSON] [NAME VALUE ...]
 //
-// The arguments after a subcommand are sorted by hand first (see
-// subcommand_arguments.hpp) and handed to CLI11 in a form it cannot misread;
-// CLI11 gives the structure and the help. Exit status: 0 success, 1 a message
-// exception of the library, 2 a usage error, 3 any other failure.
+// CLI11 gives the subcommand structure and the help. The arguments after a
+// subcommand are sorted by hand (see subcommand_arguments.hpp) and CLI11 sees
+// only the subcommand's name and --help; its --struct option and positional
+// arguments are declared for the help alone. Exit status: 0 success, 1 a
+// message exception of the library, 2 a usage error, 3 any other failure.
 #include <CLI/CLI.hpp>
 
 #include <array>
@@ -60,19 +61,19 @@ int run(const std::vector<std::string>& args) {
   app.require_subcommand(1);
   app.footer(zvtool::help_footer());
 
-  subcommand_arguments parsed;
+  // Declared for the help; the values come from the hand-sorted arguments.
   std::string struct_json;
+  std::vector<std::string> pairs;
   for (const auto& s : subcommands) {
     CLI::App* sub = app.add_subcommand(std::string(s.name), std::string(s.summary));
     sub->add_option("--struct", struct_json, "A JSON object whose fields are the options (the call's one argument)")
         ->type_name("JSON");
-    sub->add_option("pairs", parsed.positionals, "Option names and their values")->type_name("NAME VALUE");
+    sub->add_option("pairs", pairs, "Option names and their values")->type_name("NAME VALUE");
     sub->footer(zvtool::help_footer());
   }
 
-  // Only the subcommand's own arguments are sorted by hand; --help before a
-  // subcommand goes to CLI11 as it is.
   std::vector<std::string> to_parse = args;
+  subcommand_arguments scanned;
   if (!args.empty() && args[0] != "--help" && args[0] != "-h" && args[0].starts_with('-')) {
     throw zvtool::usage_error("unknown option '" + args[0] + "'; a subcommand comes first (see zvtextparser --help)");
   }
@@ -81,8 +82,9 @@ int run(const std::vector<std::string>& args) {
       throw zvtool::usage_error("unknown subcommand '" + args[0] + "'; the subcommands are: " + subcommand_names() +
                                 " (see zvtextparser --help)");
     }
-    const auto scanned = zvtool::scan_subcommand_arguments(std::span(args).subspan(1));
-    to_parse = zvtool::rebuilt_arguments(args[0], scanned);
+    scanned = zvtool::scan_subcommand_arguments(std::span(args).subspan(1));
+    to_parse = {args[0]};
+    if (scanned.help) to_parse.emplace_back("--help");
   }
 
   std::vector<const char*> argv{"zvtextparser"};
@@ -95,10 +97,8 @@ int run(const std::vector<std::string>& args) {
     throw zvtool::usage_error(std::string(e.what()) + " (see zvtextparser --help)");
   }
 
-  const CLI::App* chosen = app.get_subcommands().at(0);
-  const subcommand* command = find_subcommand(chosen->get_name());
-  if (chosen->count("--struct") > 0) parsed.struct_json = struct_json;
-  const tool_result result = command->run(parsed);
+  const subcommand* command = find_subcommand(app.get_subcommands().at(0)->get_name());
+  const tool_result result = command->run(scanned);
   std::cout << result.out << std::flush;
   std::cerr << result.err << std::flush;
   return result.status;

@@ -1,5 +1,7 @@
 #include "tools/subcommand_arguments.hpp"
 
+#include <string_view>
+
 #include "tools/usage_error.hpp"
 
 namespace zvtool {
@@ -30,16 +32,6 @@ subcommand_arguments scan_subcommand_arguments(std::span<const std::string> args
     }
   }
   return scanned;
-}
-
-std::vector<std::string> rebuilt_arguments(std::string_view subcommand, const subcommand_arguments& scanned) {
-  std::vector<std::string> rebuilt{std::string(subcommand)};
-  if (scanned.help) rebuilt.emplace_back("--help");
-  // The joined form keeps a JSON text that starts with '-' from reading as an option.
-  if (scanned.struct_json) rebuilt.push_back("--struct=" + *scanned.struct_json);
-  rebuilt.emplace_back("--");
-  rebuilt.insert(rebuilt.end(), scanned.positionals.begin(), scanned.positionals.end());
-  return rebuilt;
 }
 
 }  // namespace zvtool

@@ -1,12 +1,14 @@
 // The arguments after a subcommand. Only --struct JSON, --struct=JSON,
 // --help, -h and -- belong to the tool; every other argument is positional,
-// so that values such as -1, -0.0 or -abc reach the library as written.
+// so that values such as -1, -0.0, -abc or [1,2] reach the library as
+// written. These arguments are sorted here and never handed to CLI11, which
+// would take "-1" for an option and split "[1,2]" into two values (even after
+// "--"), recursing once per bracket.
 #pragma once
 
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace zvtool {
@@ -20,10 +22,5 @@ struct subcommand_arguments {
 // Sorts the arguments after the subcommand's name. Throws usage_error for
 // --struct without a value or given twice.
 subcommand_arguments scan_subcommand_arguments(std::span<const std::string> args);
-
-// The same arguments rebuilt for the command-line parser, which would take
-// "-1" for an option: the subcommand, its own options, then "--" and the
-// positionals.
-std::vector<std::string> rebuilt_arguments(std::string_view subcommand, const subcommand_arguments& scanned);
 
 }  // namespace zvtool
