@@ -1,0 +1,174 @@
+// The tool's own JSON writing: texts unit for unit and byte for byte, the
+// document's layout, and the one-line message on standard error.
+#include "tools/json_writer.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "parser/options.hpp"
+#include "tools/message_failure.hpp"
+#include "tools/record_json.hpp"
+
+namespace {
+
+using zvtool::json_quote_bytes;
+using zvtool::json_quote_units;
+using zvtool::json_writer;
+
+struct units_case {
+  std::u16string units;
+  std::string json;
+};
+
+TEST(ToolJsonText, UnitsAsUtf8WithLoneSurrogatesEscaped) {
+  const units_case cases[] = {
+      {u"", R"("")"},
+      {u"abc", R"("abc")"},
+      {u"a\"b\\c/", R"("a\"b\\c/")"},
+      {u"\r\n\t\b\f", R"("\r\n\t\b\f")"},
+      {std::u16string(u"\0\x01\x1f\x7f", 4), "\"\\u0000\\u0001\\u001f\x7f\""},
+      {u"\u00e9\u20ac", "\"\xC3\xA9\xE2\x82\xAC\""},              // two- and three-byte forms
+      {u"\U0001F600", "\"\xF0\x9F\x98\x80\""},                      // a pair combines
+      {u"\xD800", R"("\ud800")"},                                   // lone high
+      {u"\xDFFF", R"("\udfff")"},                                   // lone low
+      {u"a\xD83D", R"("a\ud83d")"},                                 // high at the end
+      {u"\xD83D" u"x", R"("\ud83dx")"},                             // high before no low
+      {u"\xDE00\xD83D", R"("\ude00\ud83d")"},                       // low before high: no pair
+      {u"\xD83D\xD83D\xDE00", "\"\\ud83d\xF0\x9F\x98\x80\""},       // the second high pairs
+  };
+  for (const auto& c : cases) EXPECT_EQ(json_quote_units(c.units), c.json);
+}
+
+TEST(ToolJsonText, BytesKeepUtf8AndEscapeEveryOtherByte) {
+  const struct {
+    std::string bytes;
+    std::string json;
+  } cases[] = {
+      {"plain", R"("plain")"},
+      {"tab\there\n", R"("tab\there\n")"},
+      {"\xC3\xA9\xF0\x9F\x98\x80", "\"\xC3\xA9\xF0\x9F\x98\x80\""},  // valid UTF-8 as is
+      {"\xFF", R"("\u00ff")"},
+      {"a\x80" "b", R"("a\u0080b")"},                  // stray continuation byte
+      {"\xC0\x80", R"("\u00c0\u0080")"},              // overlong form
+      {"\xE0\x80\x80", R"("\u00e0\u0080\u0080")"},    // overlong three-byte form
+      {"\xED\xA0\x80", R"("\u00ed\u00a0\u0080")"},    // an encoded surrogate
+      {"\xF4\x90\x80\x80", R"("\u00f4\u0090\u0080\u0080")"},  // above U+10FFFF
+      {"\xE2\x82", R"("\u00e2\u0082")"},              // cut short at the end
+      {"\xE2\x82x", R"("\u00e2\u0082x")"},            // cut short by another byte
+  };
+  for (const auto& c : cases) EXPECT_EQ(json_quote_bytes(c.bytes), c.json) << c.json;
+}
+
+TEST(ToolJsonWriter, IndentsByTwoAndWritesEmptyContainersInline) {
+  json_writer out;
+  out.begin_object();
+  out.key("list");
+  out.begin_array();
+  out.unsigned_value(18446744073709551615u);
+  out.bool_value(false);
+  out.begin_object();
+  out.end_object();
+  out.end_array();
+  out.key("empty");
+  out.begin_array();
+  out.end_array();
+  out.key("text");
+  out.text_value(u"x");
+  out.end_object();
+  EXPECT_EQ(out.text(),
+            "{\n"
+            "  \"list\": [\n"
+            "    18446744073709551615,\n"
+            "    false,\n"
+            "    {}\n"
+            "  ],\n"
+            "  \"empty\": [],\n"
+            "  \"text\": \"x\"\n"
+            "}");
+}
+
+TEST(ToolMessageLine, JoinsLinesAndTrims) {
+  const struct {
+    std::u16string message;
+    std::string line;
+  } cases[] = {
+      {u"One line.", "zvtextparser: A:B:C:Key: One line.\n"},
+      {u"Accepted:\n'a', 'b'\n", "zvtextparser: A:B:C:Key: Accepted: 'a', 'b'\n"},
+      {u"  x\r\ny\rz  ", "zvtextparser: A:B:C:Key: x y z\n"},
+      {u"\n", "zvtextparser: A:B:C:Key: \n"},
+  };
+  for (const auto& c : cases) {
+    zvtool::message_failure failure{"A:B:C:Key", {}, c.message};
+    EXPECT_EQ(zvtool::message_line(failure), c.line);
+  }
+}
+
+TEST(ToolMessageFailure, WritesArgumentsByTheirOwnAlternative) {
+  zvtool::message_failure failure{"A:B:C:Key", resource_core::BaseMsgID("A:B:C", "Key"), u"m\n"};
+  failure.id.args.emplace_back(std::in_place_index<1>, std::string("\xFF" "8-bit"));
+  failure.id.args.emplace_back(std::in_place_index<2>, std::u16string(u"\xD800" "16"));
+  json_writer out;
+  zvtool::write_message_failure(out, failure);
+  EXPECT_EQ(out.text(),
+            "{\n"
+            "  \"identifier\": \"A:B:C:Key\",\n"
+            "  \"key\": \"Key\",\n"
+            "  \"arguments\": [\n"
+            "    \"\\u00ff8-bit\",\n"
+            "    \"\\ud80016\"\n"
+            "  ],\n"
+            "  \"message\": \"m\\n\"\n"
+            "}");
+}
+
+TEST(ToolRecordJson, EveryFieldUnderItsOwnName) {
+  namespace enums = textio::enums;
+  textio::parser::options record;
+  record.delimiter({u",", u"\t"});
+  record.line_ending({u"\n"});
+  record.missing_placeholders({u"NA", u""});
+  record.comment_style({u"%"});
+  record.whitespace(u" ");
+  record.thousands_separator(u"'");
+  record.date_locale(u"de_CH");
+  record.exp_chars(u"e");
+  record.file_type(enums::FileType::FixedWidth);
+  record.field_widths({1, 18446744073709551615u});
+  record.num_header_lines(1);
+  record.num_variables(2);
+  record.variable_names_line(3);
+  record.variable_units_line(4);
+  record.variable_descriptions_line(5);
+  record.parser_type(enums::ParserType::Line);
+  record.output_type(enums::OutputBuilderType::Cell);
+  record.decimal_separator(u',');
+  record.missing_rule(enums::BadDataRule::OmitRow);
+  record.import_error_rule(enums::BadDataRule::Error);
+  record.consecutive_delim_rule(enums::ConsecutiveDelimitersRule::Error);
+  record.empty_line_rule(enums::EmptyLineRule::Read);
+  record.extra_columns_rule(enums::ExtraColumnsRule::Wrap);
+  record.leading_delim_rule(enums::LeadingDelimiterRule::Ignore);
+  record.trailing_delim_rule(enums::TrailingDelimiterRule::Error);
+  record.partial_field_rule(static_cast<enums::PartialFieldRule>(9));  // no enumerator: shown as its number
+  record.detecting_num_variables(false);
+  record.trim_non_numeric(true);
+
+  json_writer out;
+  zvtool::write_options_record(out, record);
+  const auto expected = nlohmann::ordered_json::parse(R"({
+    "delimiter": [",", "\t"], "line_ending": ["\n"], "missing_placeholders": ["NA", ""],
+    "comment_style": ["%"], "whitespace": " ", "thousands_separator": "'", "date_locale": "de_CH",
+    "exp_chars": "e", "file_type": "FixedWidth", "field_widths": [1, 18446744073709551615],
+    "num_header_lines": 1, "num_variables": 2, "variable_names_line": 3, "variable_units_line": 4,
+    "variable_descriptions_line": 5, "parser_type": "Line", "output_type": "Cell", "decimal_separator": ",",
+    "missing_rule": "OmitRow", "import_error_rule": "Error", "consecutive_delim_rule": "Error",
+    "empty_line_rule": "Read", "extra_columns_rule": "Wrap", "leading_delim_rule": "Ignore",
+    "trailing_delim_rule": "Error", "partial_field_rule": 9, "detecting_delimiter": false,
+    "detecting_num_header_lines": false, "detecting_num_variables": false, "trim_non_numeric": true})");
+  EXPECT_EQ(nlohmann::ordered_json::parse(out.text()), expected);
+}
+
+}  // namespace

@@ -1,0 +1,197 @@
+// The built zvtextparser tool, run as a process: exit status, the JSON on
+// standard output, and what reaches standard error.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/run_tool.hpp"
+#include "tools/option_keys.hpp"
+
+namespace {
+
+using nlohmann::json;
+using test_support::run_tool;
+
+const std::string uint64_max = "18446744073709551615";
+const std::string widths = R"({"$class": "uint64", "$size": [1, 3], "$data": [0, 7, 18446744073709551615]})";
+
+struct tool_case {
+  std::string name;
+  std::vector<std::string> args;
+  int status;
+  std::vector<std::pair<std::string, json>> expect;  // JSON pointer and value
+  std::string stderr_has = {};                       // for status 2: part of the message
+};
+
+void PrintTo(const tool_case& c, std::ostream* os) { *os << c.name; }
+
+class ToolRun : public ::testing::TestWithParam<tool_case> {};
+
+TEST_P(ToolRun, StatusOutputAndMessages) {
+  const tool_case& c = GetParam();
+  const auto run = run_tool(c.args);
+  ASSERT_EQ(run.status, c.status) << "stdout:\n" << run.out << "\nstderr:\n" << run.err;
+  if (c.status == 2) {
+    EXPECT_TRUE(run.out.empty()) << run.out;
+    EXPECT_NE(run.err.find(c.stderr_has), std::string::npos) << run.err;
+    return;
+  }
+  const json out = json::parse(run.out);
+  for (const auto& [pointer, value] : c.expect) {
+    const json::json_pointer at(pointer);
+    ASSERT_TRUE(out.contains(at)) << pointer << " missing in\n" << run.out;
+    EXPECT_EQ(out.at(at), value) << pointer;
+  }
+  if (c.status == 0) {
+    EXPECT_FALSE(out.contains("error"));
+    EXPECT_TRUE(run.err.empty()) << run.err;
+  } else {
+    // One human line: the identifier, then the message.
+    const std::string identifier = out.at("/error/identifier"_json_pointer);
+    EXPECT_EQ(identifier, "ZORVEK:textio:textio:" + out.at("/error/key"_json_pointer).get<std::string>());
+    EXPECT_EQ(run.err.rfind("zvtextparser: " + identifier + ": ", 0), 0u) << run.err;
+    EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+  }
+}
+
+const json no_arguments = json::array();
+
+const tool_case cases[] = {
+    {"NoArgumentsGiveTheDefaults",
+     {"options"},
+     0,
+     {{"/options/num_header_lines", json::parse(uint64_max)}, {"/options/detecting_num_header_lines", true},
+      {"/options/line_ending", json::array({"\r\n", "\n", "\r"})}, {"/options/whitespace", " \b\t"},
+      {"/options/decimal_separator", "."}, {"/options/file_type", "Text"}, {"/options/partial_field_rule", "Keep"}}},
+    {"PairsAreApplied",
+     {"options", "DataLine", "3", "NumVariables", "0", "MultipleDelimsAsOne", "true"},
+     0,
+     {{"/options/num_header_lines", 2}, {"/options/detecting_num_header_lines", false},
+      {"/options/num_variables", 0}, {"/options/detecting_num_variables", false},
+      {"/options/consecutive_delim_rule", "Join"}, {"/options/leading_delim_rule", "Ignore"},
+      {"/options/trailing_delim_rule", "Keep"}}},
+    {"OddCountIsRefusedBeforeAnyPair",
+     {"options", "NumVariables", "3", "DataLine"},
+     1,
+     {{"/error/key", "OddNumberNVPairs"}, {"/error/arguments", no_arguments}, {"/options/num_variables", 0}}},
+    {"UnknownNameKeepsEarlierPairs",
+     {"options", "numvariables", "2", "Foo", "1", "DataLine", "4"},
+     1,
+     {{"/error/key", "UnknownParameter"}, {"/error/arguments", json::array({"Foo"})}, {"/options/num_variables", 2},
+      {"/options/num_header_lines", json::parse(uint64_max)}}},
+    {"UnknownNameAsWrittenNonAscii",
+     {"options", "Gr\xC3\xB6\xC3\x9F" "e", "1"},
+     1,
+     {{"/error/key", "UnknownParameter"}, {"/error/arguments", json::array({"Gr\xC3\xB6\xC3\x9F" "e"})}}},
+    {"NegativeCountIsRefused",
+     {"options", "NumHeaderLines", "-1"},
+     1,
+     {{"/error/key", "ExpectedNonNegativeScalarInt"}, {"/error/arguments", no_arguments},
+      {"/options/num_header_lines", json::parse(uint64_max)}, {"/options/detecting_num_header_lines", true}}},
+    {"NegativeZeroIsACount", {"options", "NumHeaderLines", "-0.0"}, 0, {{"/options/num_header_lines", 0}}},
+    {"DataLineZeroIsRefused",
+     {"options", "DataLine", "0"},
+     1,
+     {{"/error/key", "ExpectedPositiveScalarInt"}, {"/error/arguments", no_arguments}}},
+    {"NumberIsNoLogical",
+     {"options", "TrimNonNumeric", "1"},
+     1,
+     {{"/error/key", "ExpectedScalarLogical"}, {"/options/trim_non_numeric", false}}},
+    {"SinglePrecisionCountIsRefused",
+     {"options", "NumHeaderLines", R"({"$class": "single", "$size": [1, 1], "$data": [3]})"},
+     1,
+     {{"/error/key", "ExpectedNonNegativeScalarInt"}}},
+    {"Uint64WidthsPrintExactly",
+     {"options", "VariableWidths", widths},
+     0,
+     {{"/options/field_widths", json::parse("[0, 7, " + uint64_max + "]")}}},
+    {"FailedCallLeavesEarlierPairsWritten",
+     {"options", "NumVariables", "4", "DataLine", "3", "NumHeaderLines", "-1", "TrimNonNumeric", "true"},
+     1,
+     {{"/error/key", "ExpectedNonNegativeScalarInt"}, {"/options/num_variables", 4},
+      {"/options/num_header_lines", 2}, {"/options/trim_non_numeric", false}}},
+    {"DoubleDashEndsTheToolsOptions",
+     {"options", "--", "--struct", "1"},
+     1,
+     {{"/error/key", "UnknownParameter"}, {"/error/arguments", json::array({"--struct"})}}},
+    {"BracketedValueStaysOneValue",
+     {"options", "VariableWidths", "[3,5]", "EmptyValue", "[a,b]"},
+     0,
+     {{"/options/field_widths", json::array({3, 5})}}},
+    {"IgnoredKeyTakesNoValue", {"options", "EmptyValue", "null", "ReturnOnError", "{}"}, 0, {}},
+    {"StructFieldsInOrderUnknownSkipped",
+     {"options", "--struct", R"({"DataLine": 5, "foo": 1, "NumHeaderLines": 1, "TrimNonNumeric": true})"},
+     0,
+     {{"/options/num_header_lines", 1}, {"/options/trim_non_numeric", true}}},
+    {"StructFieldsLaterWins",
+     {"options", R"(--struct={"NumHeaderLines": 1, "DataLine": 5})"},
+     0,
+     {{"/options/num_header_lines", 4}}},
+    {"StructArrayReadThroughFirstElement",
+     {"options", "--struct",
+      R"({"$class": "struct", "$size": [1, 2], "$data": [{"NumVariables": 7}, {"NumVariables": 8}]})"},
+     0,
+     {{"/options/num_variables", 7}}},
+    {"StructFieldFailureKeepsEarlierFields",
+     {"options", "--struct", R"({"NumVariables": 2, "DataLine": -3, "TrimNonNumeric": true})"},
+     1,
+     {{"/error/key", "ExpectedPositiveScalarInt"}, {"/options/num_variables", 2}, {"/options/trim_non_numeric", false}}},
+    // Usage errors of the tool.
+    {"StructBadJson", {"options", "--struct", "{\"NumVariables\": "}, 2, {}, "--struct"},
+    {"StructWithPairs", {"options", "--struct", "{}", "NumVariables", "1"}, 2, {}, "--struct"},
+    {"SizeWithOneEntry",
+     {"options", "VariableWidths", R"({"$class": "uint64", "$size": [2], "$data": [1, 2]})"},
+     2,
+     {},
+     "at least two"},
+    {"SizeAndDataDisagree",
+     {"options", "VariableWidths", R"({"$class": "uint64", "$size": [1, 3], "$data": [1, 2]})"},
+     2,
+     {},
+     "$size asks for 3"},
+    {"DeepNestingIsRefused",
+     {"options", "EmptyValue", std::string(20000, '[') + std::string(20000, ']')},
+     2,
+     {},
+     "nest deeper"},
+    {"UnknownSubcommand", {"option"}, 2, {}, "unknown subcommand 'option'"},
+    {"NoSubcommand", {}, 2, {}, "subcommand"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Cases, ToolRun, ::testing::ValuesIn(cases),
+                         [](const auto& info) { return info.param.name; });
+
+TEST(ToolOutput, HoldsTheThirtyFieldsInDeclarationOrder) {
+  const auto run = run_tool({"options"});
+  ASSERT_EQ(run.status, 0);
+  const auto out = nlohmann::ordered_json::parse(run.out);
+  ASSERT_EQ(out.size(), 1u);
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : out.at("options").items()) keys.push_back(key);
+  const std::vector<std::string> declared{
+      "delimiter", "line_ending", "missing_placeholders", "comment_style", "whitespace", "thousands_separator",
+      "date_locale", "exp_chars", "file_type", "field_widths", "num_header_lines", "num_variables",
+      "variable_names_line", "variable_units_line", "variable_descriptions_line", "parser_type", "output_type",
+      "decimal_separator", "missing_rule", "import_error_rule", "consecutive_delim_rule", "empty_line_rule",
+      "extra_columns_rule", "leading_delim_rule", "trailing_delim_rule", "partial_field_rule",
+      "detecting_delimiter", "detecting_num_header_lines", "detecting_num_variables", "trim_non_numeric"};
+  EXPECT_EQ(keys, declared);
+}
+
+TEST(ToolHelp, ExplainsValuesAndListsEveryKey) {
+  for (const auto& args : {std::vector<std::string>{"--help"}, std::vector<std::string>{"options", "--help"},
+                           std::vector<std::string>{"options", "DataLine", "-h"}}) {
+    const auto run = run_tool(args);
+    EXPECT_EQ(run.status, 0) << args.back();
+    EXPECT_NE(run.out.find("$class"), std::string::npos);
+    for (const auto& k : zvtool::option_keys()) {
+      EXPECT_NE(run.out.find(std::string(k.key)), std::string::npos) << k.key << " missing in the help of " << args[0];
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,246 @@
+// How the tool turns its arguments into host values: the JSON mapping, typed
+// values and their faults, negative zero, and the sorting of the arguments
+// after a subcommand.
+#include "tools/host_values.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/subcommand_arguments.hpp"
+#include "tools/usage_error.hpp"
+#include "zvarray/hv_array.hpp"
+
+namespace {
+
+using hv::Value;
+
+// Deep equality of two host values: class, dimensions, field names, and the
+// raw bytes of plain data (so -0.0 differs from 0.0).
+::testing::AssertionResult same_value(const hvArray_tag* a, const hvArray_tag* b, const std::string& where = "value") {
+  if ((a == nullptr) != (b == nullptr)) return ::testing::AssertionFailure() << where << ": only one is null";
+  if (a == nullptr) return ::testing::AssertionSuccess();
+  const hvClassID cls = hvGetClassID(a);
+  if (cls != hvGetClassID(b)) {
+    return ::testing::AssertionFailure() << where << ": class " << cls << " != " << hvGetClassID(b);
+  }
+  const std::size_t rank = hvGetNumberOfDimensions(a);
+  if (rank != hvGetNumberOfDimensions(b) ||
+      !std::equal(hvGetDimensions(a), hvGetDimensions(a) + rank, hvGetDimensions(b))) {
+    return ::testing::AssertionFailure() << where << ": dimensions differ";
+  }
+  const std::uint64_t n = hvGetNumberOfElements(a);
+  if (cls == hvCellClass || cls == hvStructClass) {
+    const int fields = cls == hvStructClass ? a->get_number_of_struct_fields() : 1;
+    if (cls == hvStructClass) {
+      if (fields != b->get_number_of_struct_fields()) return ::testing::AssertionFailure() << where << ": field count";
+      for (int f = 0; f < fields; ++f) {
+        if (std::strcmp(a->get_struct_field_names()[f], b->get_struct_field_names()[f]) != 0) {
+          return ::testing::AssertionFailure() << where << ": field " << f << " is named "
+                                               << a->get_struct_field_names()[f];
+        }
+      }
+    }
+    const auto* x = static_cast<const hvArray_tag* const*>(hvGetData(a));
+    const auto* y = static_cast<const hvArray_tag* const*>(hvGetData(b));
+    for (std::uint64_t i = 0; i < n * static_cast<std::uint64_t>(fields); ++i) {
+      if (auto r = same_value(x[i], y[i], where + "[" + std::to_string(i) + "]"); !r) return r;
+    }
+    return ::testing::AssertionSuccess();
+  }
+  if (std::memcmp(hvGetData(a), hvGetData(b), n * hvElementSize(cls)) != 0) {
+    return ::testing::AssertionFailure() << where << ": data differs";
+  }
+  return ::testing::AssertionSuccess();
+}
+
+Value mapped(const std::string& json_text) {
+  const auto parsed = zvtool::parse_json(json_text);
+  if (!parsed) throw std::runtime_error("not JSON: " + json_text);
+  return zvtool::host_value(*parsed);
+}
+
+template <class T>
+Value typed(hv::Dims dims, std::vector<T> data) {
+  return Value::array<T>(std::move(dims), data);
+}
+
+struct mapping_case {
+  std::string json;
+  Value expected;
+};
+
+TEST(ToolValues, JsonMapsOntoHostValues) {
+  const double inf = std::numeric_limits<double>::infinity();
+  const mapping_case cases[] = {
+      {R"("ab")", Value::text(u"ab")},
+      {R"("")", Value::chars({0, 0}, u"")},
+      {R"("\u00e9\ud83d\ude00")", Value::text(u"\u00e9\U0001F600")},
+      {"2.5", Value::scalar(2.5)},
+      {"18446744073709551615", Value::scalar(18446744073709551616.0)},
+      {"true", Value::logical(true)},
+      {"null", Value::none()},
+      {"[1, -2, 3e2]", Value::row({1, -2, 300})},
+      {"[]", typed<double>({0, 0}, {})},
+      {R"([1, "a", null, [true]])",
+       Value::cell_row({Value::scalar(1), Value::text(u"a"), Value::none(), Value::cell_row({Value::logical(true)})})},
+      {R"({"b": 1, "a": {}})", Value::struct_scalar({{"b", Value::scalar(1)}, {"a", Value::struct_scalar({})}})},
+      // Typed values.
+      {R"({"$class": "uint64", "$size": [1, 2], "$data": [4, 18446744073709551615]})",
+       typed<std::uint64_t>({1, 2}, {4, 18446744073709551615u})},
+      {R"({"$class": "single", "$size": [1, 1], "$data": [3]})", typed<float>({1, 1}, {3.0f})},
+      {R"({"$class": "int32", "$size": [1, 1], "$data": [3.0]})", typed<std::int32_t>({1, 1}, {3})},
+      {R"({"$class": "int64", "$size": [1, 2], "$data": [-9223372036854775808, -0]})",
+       typed<std::int64_t>({1, 2}, {std::numeric_limits<std::int64_t>::min(), 0})},
+      {R"({"$class": "int8", "$size": [1, 2], "$data": [-128, 127]})", typed<std::int8_t>({1, 2}, {-128, 127})},
+      {R"({"$class": "double", "$size": [1, 3], "$data": ["Inf", "-Inf", -0]})", typed<double>({1, 3}, {inf, -inf, -0.0})},
+      {R"({"$class": "double", "$size": [0, 3]})", typed<double>({0, 3}, {})},
+      {R"({"$class": "logical", "$size": [2, 1], "$data": [true, false]})", typed<bool>({2, 1}, {true, false})},
+      {R"({"$class": "char", "$size": [2, 3], "$data": "adbecf"})", Value::chars({2, 3}, u"adbecf")},
+      {R"({"$class": "char", "$size": [1, 2, 2], "$data": [97, 55296, 0, 65535]})",
+       Value::chars({1, 2, 2}, std::u16string(u"a\xD800\0\xFFFF", 4))},
+      {R"({"$class": "cell", "$size": [2, 2], "$data": [1, "x", null, {"$class": "int8", "$size": [1, 1], "$data": [5]}]})",
+       Value::cell({2, 2}, {Value::scalar(1), Value::text(u"x"), Value::none(), typed<std::int8_t>({1, 1}, {5})})},
+      {R"({"$class": "struct", "$size": [1, 2], "$data": [{"a": 1, "b": 2}, {"b": 3}]})",
+       Value::structure({1, 2}, {"a", "b"}, {Value::scalar(1), Value::scalar(2), Value::none(), Value::scalar(3)})},
+      {R"({"$class": "struct", "$size": [1, 1], "$fields": ["z", "a"], "$data": [{"a": 1}]})",
+       Value::structure({1, 1}, {"z", "a"}, {Value::none(), Value::scalar(1)})},
+      {R"({"$class": "struct", "$size": [0, 0]})", Value::structure({0, 0}, {}, {})},
+      // An object without "$class" stays a struct, whatever its other keys.
+      {R"({"$size": [1]})", Value::struct_scalar({{"$size", Value::row({1})}})},
+  };
+  for (const auto& c : cases) {
+    EXPECT_TRUE(same_value(mapped(c.json).get(), c.expected.get())) << c.json;
+  }
+}
+
+TEST(ToolValues, NumberMinusZeroKeepsItsSign) {
+  const mapping_case cases[] = {
+      {"-0", Value::scalar(-0.0)},
+      {" -0 ", Value::scalar(-0.0)},
+      {"-0.0", Value::scalar(-0.0)},
+      {"-0e0", Value::scalar(-0.0)},
+      {"0", Value::scalar(0.0)},
+      {"[-0, 0, -0]", Value::row({-0.0, 0.0, -0.0})},
+      {R"({"a":-0})", Value::struct_scalar({{"a", Value::scalar(-0.0)}})},
+      {R"(["-0", "\"-0", -0])", Value::cell_row({Value::text(u"-0"), Value::text(u"\"-0"), Value::scalar(-0.0)})},
+      {"1e-0", Value::scalar(1.0)},
+      {"-10", Value::scalar(-10.0)},
+  };
+  for (const auto& c : cases) {
+    EXPECT_TRUE(same_value(mapped(c.json).get(), c.expected.get())) << c.json;
+  }
+  // Rewriting "-0" must not make bad JSON good.
+  for (const char* bad : {"-01", "[-0-0]", "-0.", "--0"}) EXPECT_FALSE(zvtool::parse_json(bad)) << bad;
+}
+
+TEST(ToolValues, ArgumentThatIsNoJsonIsText) {
+  const mapping_case cases[] = {
+      {"abc", Value::text(u"abc")},
+      {"", Value::text(u"")},
+      {"{bad", Value::text(u"{bad")},
+      {"\xC3\xA9t\xFF", Value::text(u"\u00e9t\uFFFD")},
+      {"\"quoted\"", Value::text(u"quoted")},
+      {"-1", Value::scalar(-1)},
+  };
+  for (const auto& c : cases) {
+    EXPECT_TRUE(same_value(zvtool::value_argument(c.json).get(), c.expected.get())) << c.json;
+  }
+}
+
+TEST(ToolValues, MalformedTypedValuesAreUsageErrors) {
+  const auto nested = [](std::size_t levels) { return std::string(levels, '[') + "1" + std::string(levels, ']'); };
+  EXPECT_NO_THROW(mapped(nested(zvtool::max_value_depth)));
+  const std::string deep = nested(zvtool::max_value_depth + 1);
+  const struct {
+    std::string json;
+    std::string says;  // a part of the message
+  } cases[] = {
+      {R"({"$class": "double", "$size": [1], "$data": [1]})", "at least two"},
+      {R"({"$class": "double", "$data": [1]})", "needs \"$size\""},
+      {R"({"$class": "double", "$size": [1, -1], "$data": []})", "out of the range of a $size entry"},
+      {R"({"$class": "double", "$size": [1, 2], "$data": [1]})", "holds 1 element, but $size asks for 2"},
+      {R"({"$class": "double", "$size": [1, 1]})", "$data is missing"},
+      {R"({"$class": "char", "$size": [1, 2], "$data": "abc"})", "holds 3 code units"},
+      {R"({"$class": "float", "$size": [1, 1], "$data": [1]})", "is unknown"},
+      {R"({"$class": "int32", "$size": [1, 1], "$data": [1.5]})", "not an integer"},
+      {R"({"$class": "int32", "$size": [1, 1], "$data": ["NaN"]})", "not an integer"},
+      {R"({"$class": "uint64", "$size": [1, 1], "$data": [-1]})", "out of the range of uint64"},
+      {R"({"$class": "uint64", "$size": [1, 1], "$data": [18446744073709551616]})", "out of the range of uint64"},
+      {R"({"$class": "int64", "$size": [1, 1], "$data": [9223372036854775808]})", "out of the range of int64"},
+      {R"({"$class": "char", "$size": [1, 1], "$data": [65536]})", "out of the range of char"},
+      {R"({"$class": "single", "$size": [1, 1], "$data": [1e39]})", "out of the range of single"},
+      {R"({"$class": "double", "$size": [1, 1], "$data": ["nan"]})", "is not a number"},
+      {R"({"$class": "logical", "$size": [1, 1], "$data": [1]})", "not true or false"},
+      {R"({"$class": "double", "$size": [1, 1], "$data": [1], "$dat": 2})", "unknown key \"$dat\""},
+      {R"({"$class": "cell", "$size": [1, 1], "$fields": [], "$data": [1]})", "unknown key \"$fields\""},
+      {R"({"$class": "struct", "$size": [1, 1], "$fields": ["a", "a"], "$data": [{}]})", "twice"},
+      {R"({"$class": "struct", "$size": [1, 2], "$data": [{"a": 1}, {"b": 1}]})", "at $data[1]: field \"b\""},
+      {R"({"$class": "struct", "$size": [1, 1], "$data": [3]})", "not an object"},
+      {R"({"$class": "double", "$size": [4294967296, 4294967296, 2], "$data": []})", "more elements than"},
+      {R"([1, {"a": {"$class": "int8", "$size": [1, 1], "$data": [200]}}])", "at [1].a.$data[0]:"},
+      {deep, "nest deeper"},
+      {R"({"$class": "double", "$size": )" + deep + R"(, "$data": []})", "$size [...] must be"},
+  };
+  for (const auto& c : cases) {
+    try {
+      mapped(c.json);
+      ADD_FAILURE() << "no usage error for " << c.json;
+    } catch (const zvtool::usage_error& e) {
+      EXPECT_NE(std::string(e.what()).find(c.says), std::string::npos) << c.json << "\ngave: " << e.what();
+    }
+  }
+}
+
+TEST(ToolValues, OptionArgumentsKeepNamesAsTextAndTakeStructAlone) {
+  const std::vector<std::string> positionals{"3", "3", "-1"};
+  const auto values = zvtool::option_arguments(std::nullopt, positionals);
+  ASSERT_EQ(values.size(), 3u);
+  EXPECT_TRUE(same_value(values[0].get(), Value::text(u"3").get()));
+  EXPECT_TRUE(same_value(values[1].get(), Value::scalar(3).get()));
+  EXPECT_TRUE(same_value(values[2].get(), Value::text(u"-1").get()));  // a name, though it reads as a number
+
+  const auto one = zvtool::option_arguments(std::string(R"({"b": 1, "a": 2})"), {});
+  ASSERT_EQ(one.size(), 1u);
+  EXPECT_TRUE(same_value(one[0].get(), mapped(R"({"b": 1, "a": 2})").get()));
+
+  EXPECT_THROW(zvtool::option_arguments(std::string("{}"), positionals), zvtool::usage_error);
+  EXPECT_THROW(zvtool::struct_argument("[1]"), zvtool::usage_error);
+  EXPECT_THROW(zvtool::struct_argument(std::string(100000, '[') + std::string(100000, ']')), zvtool::usage_error);
+  EXPECT_THROW(zvtool::struct_argument(R"({"$class": "cell", "$size": [0, 0]})"), zvtool::usage_error);
+  EXPECT_THROW(zvtool::struct_argument("{"), zvtool::usage_error);
+}
+
+TEST(ToolArguments, OnlyTheToolsOwnOptionsAreTakenOut) {
+  using args = std::vector<std::string>;
+  const struct {
+    args given;
+    std::optional<std::string> struct_json;
+    bool help;
+    args positionals;
+  } cases[] = {
+      {{}, std::nullopt, false, {}},
+      {{"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"}, std::nullopt, false, {"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"}},
+      {{"--struct", "-1"}, "-1", false, {}},
+      {{"--struct={\"a\":1}", "x"}, "{\"a\":1}", false, {"x"}},
+      {{"--struct="}, "", false, {}},
+      {{"a", "-h", "b"}, std::nullopt, true, {"a", "b"}},
+      {{"--", "--help", "--struct", "x", "--"}, std::nullopt, false, {"--help", "--struct", "x", "--"}},
+      {{"--structure", "--help"}, std::nullopt, true, {"--structure"}},
+      {{"[1,2]", "[a]"}, std::nullopt, false, {"[1,2]", "[a]"}},
+  };
+  for (const auto& c : cases) {
+    const auto scanned = zvtool::scan_subcommand_arguments(c.given);
+    EXPECT_EQ(scanned.struct_json, c.struct_json);
+    EXPECT_EQ(scanned.help, c.help);
+    EXPECT_EQ(scanned.positionals, c.positionals);
+  }
+  EXPECT_THROW(zvtool::scan_subcommand_arguments(args{"--struct"}), zvtool::usage_error);
+  EXPECT_THROW(zvtool::scan_subcommand_arguments(args{"--struct=1", "--struct", "2"}), zvtool::usage_error);
+}
+
+}  // namespace

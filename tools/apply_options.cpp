@@ -1,0 +1,27 @@
+#include "tools/apply_options.hpp"
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "name_value/set_parser_options.hpp"
+#include "tools/usage_error.hpp"
+
+namespace zvtool {
+
+std::optional<message_failure> apply_options(std::span<const hv::Value> args, textio::parser::options& record) {
+  if (args.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+    throw usage_error("too many arguments");
+  }
+  std::vector<const hvArray_tag*> pointers;
+  pointers.reserve(args.size());
+  for (const auto& value : args) pointers.push_back(value.get());
+  try {
+    textio::options::set_parser_options(pointers.data(), static_cast<std::int32_t>(pointers.size()), record);
+  } catch (const foundation::core::except::IMsgIDException& error) {
+    return capture_message(error);
+  }
+  return std::nullopt;
+}
+
+}  // namespace zvtool

@@ -1,0 +1,19 @@
+// One call of the library's entry point on a record, with the message
+// exception that it may throw caught and kept.
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "parser/options.hpp"
+#include "tools/message_failure.hpp"
+#include "zvarray/value.hpp"
+
+namespace zvtool {
+
+// Calls set_parser_options once with all of `args` (a Value without content
+// passes a null pointer). A message exception comes back as its data, with
+// the record as the failed call left it; any other exception passes through.
+std::optional<message_failure> apply_options(std::span<const hv::Value> args, textio::parser::options& record);
+
+}  // namespace zvtool
