@@ -51,8 +51,10 @@ int main(int argc, char** argv) {
   bool check = true;
   std::vector<char*> args;
   for (int i = 0; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--no-ratio-check") == 0) check = false;
-    else args.push_back(argv[i]);
+    if (std::strcmp(argv[i], "--no-ratio-check") == 0)
+      check = false;
+    else
+      args.push_back(argv[i]);
   }
   int count = static_cast<int>(args.size());
   benchmark::Initialize(&count, args.data());

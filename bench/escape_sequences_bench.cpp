@@ -44,5 +44,3 @@ BENCHMARK(BM_DecodeNoBackslash)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_DecodeOnlyTabSequences)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-
-

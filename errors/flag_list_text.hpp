@@ -12,8 +12,7 @@ namespace textio {
 // One to six flags. The text of one flag is the quoted flag and the line feed;
 // the text of more is the first flag quoted, ", ", and the text of the rest.
 template <std::same_as<const char*>... Rest>
-  requires(sizeof...(Rest) <= 5)
-std::string flag_list_text(const char* first, Rest... rest) {
+requires(sizeof...(Rest) <= 5) std::string flag_list_text(const char* first, Rest... rest) {
   std::string text = "'";
   text += first;
   if constexpr (sizeof...(Rest) == 0) {

@@ -13,17 +13,17 @@ namespace ZORVEK::textio::textio {
 inline constexpr const char* catalog_name = "ZORVEK:textio:textio";
 
 // Declares a tag with no argument.
-#define ZVTP_TAG_NO_ARGUMENT(Name)                                                   \
-  struct ZVTEXTPARSER_API Name : resource_core::BaseMsgID {                          \
-    Name() : resource_core::BaseMsgID(catalog_name, #Name) {}                        \
+#define ZVTP_TAG_NO_ARGUMENT(Name)                            \
+  struct ZVTEXTPARSER_API Name : resource_core::BaseMsgID {   \
+    Name() : resource_core::BaseMsgID(catalog_name, #Name) {} \
   }
 
 // Declares a tag whose one argument is an option name (8-bit text).
-#define ZVTP_TAG_OPTION_NAME(Name)                                                   \
-  struct ZVTEXTPARSER_API Name : resource_core::BaseMsgID {                          \
+#define ZVTP_TAG_OPTION_NAME(Name)                                                           \
+  struct ZVTEXTPARSER_API Name : resource_core::BaseMsgID {                                  \
     explicit Name(const char* option_name) : resource_core::BaseMsgID(catalog_name, #Name) { \
-      args.emplace_back(std::in_place_index<1>, option_name);                        \
-    }                                                                                \
+      args.emplace_back(std::in_place_index<1>, option_name);                                \
+    }                                                                                        \
   }
 
 // A text flag matched none of the option's flags; argument: the flag list.

@@ -16,8 +16,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ustring text;
   while (!in.empty()) {
     const std::uint8_t b = in.byte();
-    if (b < 0xF0) text.push_back(alphabet[b % (sizeof alphabet / sizeof alphabet[0])]);
-    else text.push_back(in.integral<char16_t>());
+    if (b < 0xF0)
+      text.push_back(alphabet[b % (sizeof alphabet / sizeof alphabet[0])]);
+    else
+      text.push_back(in.integral<char16_t>());
   }
   ustring fast = text;
   ustring slow = text;

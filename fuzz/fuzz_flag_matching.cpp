@@ -45,8 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size > 1024) return 0;
   fuzz::FuzzInput in(data, size);
   const auto& option = textio::options::rule_options[in.below(textio::options::rule_options.size())];
-  matrix::detail::set_char_exception_mode(
-      static_cast<matrix::detail::char_exception_mode>(in.below(3)));
+  matrix::detail::set_char_exception_mode(static_cast<matrix::detail::char_exception_mode>(in.below(3)));
 
   hv::Value value;
   if (in.below(4) == 0) {

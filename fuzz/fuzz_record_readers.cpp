@@ -50,7 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const textio::parser::LineRecordReader line(record);
   check_stop_characters(line.delimiters.stop_chars, record.line_ending(), {});
   if (line.whitespace != &record.whitespace()) fail("line reader whitespace pointer");
-  if (line.reads_empty_lines != (record.empty_line_rule() == textio::enums::EmptyLineRule::Read)) fail("reads_empty_lines");
+  if (line.reads_empty_lines != (record.empty_line_rule() == textio::enums::EmptyLineRule::Read))
+    fail("reads_empty_lines");
   textio::parser::LineRecordReader line_moved(std::move(textio::parser::LineRecordReader(line)));
   if (line_moved.delimiters.primary != line.delimiters.primary) fail("line reader copy shares its delimiters");
 

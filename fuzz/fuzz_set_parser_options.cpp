@@ -18,11 +18,17 @@
 
 namespace {
 
-const std::set<std::string> message_keys = {
-    "BadTextFlag",           "CommentStyleSize",          "DelimiterType",
-    "ExpectedNonNegativeScalarInt", "ExpectedPositiveScalarInt", "ExpectedScalarLogical",
-    "InvalidEscapeSequence", "InvalidStringOrCellStringProperty", "InvalidStringProperty",
-    "OddNumberNVPairs",      "UnknownParameter"};
+const std::set<std::string> message_keys = {"BadTextFlag",
+                                            "CommentStyleSize",
+                                            "DelimiterType",
+                                            "ExpectedNonNegativeScalarInt",
+                                            "ExpectedPositiveScalarInt",
+                                            "ExpectedScalarLogical",
+                                            "InvalidEscapeSequence",
+                                            "InvalidStringOrCellStringProperty",
+                                            "InvalidStringProperty",
+                                            "OddNumberNVPairs",
+                                            "UnknownParameter"};
 
 [[noreturn]] void fail(const char* what, const std::string& detail = {}) {
   std::fprintf(stderr, "invariant broken: %s %s\n", what, detail.c_str());

@@ -7,32 +7,74 @@
 namespace fuzz {
 
 const char* const option_keys[32] = {
-    "Delimiter",         "Whitespace",         "DateLocale",         "LineEnding",
-    "NumHeaderLines",    "ExpChars",           "ExponentCharacter",  "FileType",
-    "NumVariables",      "ConsecutiveDelimitersRule", "LeadingDelimitersRule", "TrailingDelimitersRule",
-    "EmptyLineRule",     "MissingRule",        "ImportErrorRule",    "TreatAsMissing",
-    "MultipleDelimsAsOne", "CommentStyle",     "DataLine",           "VariableNamesLine",
-    "VariableUnitsLine", "VariableDescriptionsLine", "ExtraColumnsRule", "PartialFieldRule",
-    "VariableWidths",    "ParserType",         "OutputBuilderType",  "EmptyValue",
-    "ReturnOnError",     "TrimNonNumeric",     "DecimalSeparator",   "ThousandsSeparator",
+    "Delimiter",
+    "Whitespace",
+    "DateLocale",
+    "LineEnding",
+    "NumHeaderLines",
+    "ExpChars",
+    "ExponentCharacter",
+    "FileType",
+    "NumVariables",
+    "ConsecutiveDelimitersRule",
+    "LeadingDelimitersRule",
+    "TrailingDelimitersRule",
+    "EmptyLineRule",
+    "MissingRule",
+    "ImportErrorRule",
+    "TreatAsMissing",
+    "MultipleDelimsAsOne",
+    "CommentStyle",
+    "DataLine",
+    "VariableNamesLine",
+    "VariableUnitsLine",
+    "VariableDescriptionsLine",
+    "ExtraColumnsRule",
+    "PartialFieldRule",
+    "VariableWidths",
+    "ParserType",
+    "OutputBuilderType",
+    "EmptyValue",
+    "ReturnOnError",
+    "TrimNonNumeric",
+    "DecimalSeparator",
+    "ThousandsSeparator",
 };
 
 namespace {
 
 const char16_t* const vocabulary[] = {
-    u"split", u"join", u"error", u"text", u"delimitedtext", u"fixedwidth", u"keep", u"ignore",
-    u"skip", u"read", u"table", u"matrix", u"cell", u"addvars", u"wrap", u"fill", u"omitrow",
-    u"omitvar", u"delimited", u"tabular", u"line", u"s", u"d", u"e", u"f", u"",
-    u"\\t", u"\\n", u"\\r", u"\\b", u"\\\\", u"\\", u"\\q", u"\\\\\\", u",", u"\r\n", u"%", u"#",
-    u"NaN", u"\u0130", u"\u212A", u"\xD800", u"\xDFFF", u"\xFFFF",
+    u"split",      u"join",    u"error",   u"text",      u"delimitedtext",
+    u"fixedwidth", u"keep",    u"ignore",  u"skip",      u"read",
+    u"table",      u"matrix",  u"cell",    u"addvars",   u"wrap",
+    u"fill",       u"omitrow", u"omitvar", u"delimited", u"tabular",
+    u"line",       u"s",       u"d",       u"e",         u"f",
+    u"",           u"\\t",     u"\\n",     u"\\r",       u"\\b",
+    u"\\\\",       u"\\",      u"\\q",     u"\\\\\\",    u",",
+    u"\r\n",       u"%",       u"#",       u"NaN",       u"\u0130",
+    u"\u212A",     u"\xD800",  u"\xDFFF",  u"\xFFFF",
 };
 
 const double special_numbers[] = {
-    0.0, -0.0, 1.0, 2.0, 3.0, -1.0, 2.5, 1e300, -1e300,
-    2147483647.0, 2147483648.0, 4503599627370496.0, 9223372036854775808.0,
-    18446744073709549568.0, 18446744073709551616.0,
-    std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
-    std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::denorm_min(),
+    0.0,
+    -0.0,
+    1.0,
+    2.0,
+    3.0,
+    -1.0,
+    2.5,
+    1e300,
+    -1e300,
+    2147483647.0,
+    2147483648.0,
+    4503599627370496.0,
+    9223372036854775808.0,
+    18446744073709549568.0,
+    18446744073709551616.0,
+    std::numeric_limits<double>::infinity(),
+    -std::numeric_limits<double>::infinity(),
+    std::numeric_limits<double>::quiet_NaN(),
+    std::numeric_limits<double>::denorm_min(),
 };
 
 char16_t toggle_case(char16_t c) {
@@ -54,9 +96,12 @@ hv::Dims draw_dims(FuzzInput& in, std::uint64_t& count) {
 
 double draw_number(FuzzInput& in) {
   switch (in.below(3)) {
-    case 0: return in.pick(special_numbers);
-    case 1: return static_cast<double>(in.below(40));
-    default: return in.any_double();
+    case 0:
+      return in.pick(special_numbers);
+    case 1:
+      return static_cast<double>(in.below(40));
+    default:
+      return in.any_double();
   }
 }
 
@@ -67,8 +112,10 @@ hv::Value draw_numeric_array(FuzzInput& in) {
   if (dims == hv::Dims{1, 1}) count = 1;
   std::vector<T> data;
   for (std::uint64_t i = 0; i < count; ++i) {
-    if constexpr (std::is_floating_point_v<T>) data.push_back(static_cast<T>(draw_number(in)));
-    else data.push_back(in.integral<T>());
+    if constexpr (std::is_floating_point_v<T>)
+      data.push_back(static_cast<T>(draw_number(in)));
+    else
+      data.push_back(in.integral<T>());
   }
   return hv::Value::array<T>(std::move(dims), data);
 }
@@ -117,18 +164,24 @@ hv::Value draw_value(FuzzInput& in, int depth) {
     case 7:
       return draw_numeric_array<double>(in);
     case 8:
-      if (in.flag()) return hv::Value::logical(in.flag());
+      if (in.flag())
+        return hv::Value::logical(in.flag());
       else {
         const std::uint32_t n = in.below(3);
         return hv::Value::array<bool>({1, n}, std::vector<bool>(n, in.flag()));
       }
     case 9:
       switch (in.below(5)) {
-        case 0: return draw_numeric_array<float>(in);
-        case 1: return draw_numeric_array<std::int32_t>(in);
-        case 2: return draw_numeric_array<std::uint64_t>(in);
-        case 3: return draw_numeric_array<std::int8_t>(in);
-        default: return draw_numeric_array<std::uint16_t>(in);
+        case 0:
+          return draw_numeric_array<float>(in);
+        case 1:
+          return draw_numeric_array<std::int32_t>(in);
+        case 2:
+          return draw_numeric_array<std::uint64_t>(in);
+        case 3:
+          return draw_numeric_array<std::int8_t>(in);
+        default:
+          return draw_numeric_array<std::uint16_t>(in);
       }
     case 10:
     case 11:

@@ -11,12 +11,18 @@ constexpr char16_t backslash = u'\\';
 // backslash makes an unknown sequence. (No known sequence gives U+0000.)
 constexpr char16_t decoded_unit(char16_t second) noexcept {
   switch (second) {
-    case u'\\': return u'\\';
-    case u'b': return u'\b';
-    case u'n': return u'\n';
-    case u'r': return u'\r';
-    case u't': return u'\t';
-    default: return 0;
+    case u'\\':
+      return u'\\';
+    case u'b':
+      return u'\b';
+    case u'n':
+      return u'\n';
+    case u'r':
+      return u'\r';
+    case u't':
+      return u'\t';
+    default:
+      return 0;
   }
 }
 

@@ -39,9 +39,8 @@ constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 void require_delimiter_type(const hvArray_tag* value, const char*) { require_delimiter_value(value); }
 
 // The delimiter accessor also clears detecting_delimiter.
-constexpr list_option delimiter_option{
-    "Delimiter", &require_delimiter_type, unlimited,
-    [](textio::parser::options& o, text_list&& l) { o.delimiter(std::move(l)); }};
+constexpr list_option delimiter_option{"Delimiter", &require_delimiter_type, unlimited,
+                                       [](textio::parser::options& o, text_list&& l) { o.delimiter(std::move(l)); }};
 constexpr list_option line_ending_option{
     "LineEnding", &require_text_or_list, unlimited,
     [](textio::parser::options& o, text_list&& l) { o.line_ending(std::move(l)); }};

@@ -20,8 +20,10 @@ std::int32_t compare_text_to_flag(const hvArray_tag* value, const char* flag, st
       const int f = ascii_to_lower(flag[i]);
       if (t != f) return t - f;
     }
-    if (text_length == flag_length) result = 0;
-    else result = text_length > flag_length ? 1 : -1;
+    if (text_length == flag_length)
+      result = 0;
+    else
+      result = text_length > flag_length ? 1 : -1;
   } catch (...) {
     // The host decides: throw the failure on, throw another, or return.
     matrix::detail::char_exception_dispatcher();

@@ -36,8 +36,7 @@ concept flag_list = (sizeof...(Flags) >= 1 && sizeof...(Flags) <= 6) && (std::sa
 // The position of the first flag that the text equals (or abbreviates); a
 // default std::exception when none does.
 template <class... Flags>
-  requires flag_list<Flags...>
-std::uint8_t match_exact_flags(const hvArray_tag* value, Flags... flags) {
+requires flag_list<Flags...> std::uint8_t match_exact_flags(const hvArray_tag* value, Flags... flags) {
   const char* const list[] = {flags...};
   for (std::uint8_t position = 0; position < sizeof...(Flags); ++position) {
     if (text_equals_flag(value, list[position])) return position;
@@ -46,8 +45,7 @@ std::uint8_t match_exact_flags(const hvArray_tag* value, Flags... flags) {
 }
 
 template <class... Flags>
-  requires flag_list<Flags...>
-std::uint8_t match_abbreviated_flags(const hvArray_tag* value, Flags... flags) {
+requires flag_list<Flags...> std::uint8_t match_abbreviated_flags(const hvArray_tag* value, Flags... flags) {
   const char* const list[] = {flags...};
   for (std::uint8_t position = 0; position < sizeof...(Flags); ++position) {
     if (text_abbreviates_flag(value, list[position])) return position;
@@ -58,8 +56,7 @@ std::uint8_t match_abbreviated_flags(const hvArray_tag* value, Flags... flags) {
 // The matched position, or BadTextFlag with the whole list as its argument,
 // whatever the cause of the failure. The caught failure is dropped.
 template <class... Flags>
-  requires flag_list<Flags...>
-std::uint8_t parse_exact_flag(const hvArray_tag* value, Flags... flags) {
+requires flag_list<Flags...> std::uint8_t parse_exact_flag(const hvArray_tag* value, Flags... flags) {
   try {
     return match_exact_flags(value, flags...);
   } catch (...) {
@@ -68,8 +65,7 @@ std::uint8_t parse_exact_flag(const hvArray_tag* value, Flags... flags) {
 }
 
 template <class... Flags>
-  requires flag_list<Flags...>
-std::uint8_t parse_abbreviated_flag(const hvArray_tag* value, Flags... flags) {
+requires flag_list<Flags...> std::uint8_t parse_abbreviated_flag(const hvArray_tag* value, Flags... flags) {
   try {
     return match_abbreviated_flags(value, flags...);
   } catch (...) {

@@ -112,9 +112,7 @@ void options::line_ending(text_list&& value) { line_ending_ = static_cast<const 
 void options::line_ending(const text_list& value) { line_ending_ = value; }
 const options::text_list& options::line_ending() const { return line_ending_; }
 
-void options::missing_placeholders(text_list&& value) {
-  missing_placeholders_ = static_cast<const text_list&>(value);
-}
+void options::missing_placeholders(text_list&& value) { missing_placeholders_ = static_cast<const text_list&>(value); }
 void options::missing_placeholders(const text_list& value) { missing_placeholders_ = value; }
 const options::text_list& options::missing_placeholders() const { return missing_placeholders_; }
 

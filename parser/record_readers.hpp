@@ -32,10 +32,10 @@ class ZVTEXTPARSER_API LineRecordReader {
   LineRecordReader& operator=(const LineRecordReader&) = delete;
   ~LineRecordReader();
 
-  DelimiterPair delimiters;  // line endings, with an empty second list
+  DelimiterPair delimiters;                           // line endings, with an empty second list
   std::shared_ptr<textio::Delimiter> line_delimiter;  // line endings
-  const ustring* whitespace;  // the record's own whitespace field
-  bool reads_empty_lines;     // empty_line_rule is Read
+  const ustring* whitespace;                          // the record's own whitespace field
+  bool reads_empty_lines;                             // empty_line_rule is Read
 };
 
 // Fields separated by delimiters, records by line endings.
@@ -72,7 +72,7 @@ class ZVTEXTPARSER_API FixedWidthRecordReader {
   ~FixedWidthRecordReader();
 
   const options* opts;
-  std::vector<std::uint64_t> field_widths;  // the reader's own copy
+  std::vector<std::uint64_t> field_widths;            // the reader's own copy
   std::shared_ptr<textio::Delimiter> line_delimiter;  // line_ending
   // The first unit of each line ending, in list order, duplicates kept (not a
   // sorted stop-character string); U+0000 for an empty one.

@@ -15,10 +15,10 @@
 
 namespace {
 
-using textio::options::ascii_lower_table;
-using textio::options::ascii_to_lower;
 using foundation::ustring::CtypeExceptionBase;
 using foundation::ustring::CtypeInvalidCharacter;
+using textio::options::ascii_lower_table;
+using textio::options::ascii_to_lower;
 using thrown_type = boost::exception_detail::clone_impl<CtypeInvalidCharacter>;
 
 // What the fold must give: lower case for "A" to "Z", the code itself below

@@ -95,14 +95,10 @@ TEST(DelimiterCache, EqualListsShareOneObject) {
 
 TEST(DelimiterCache, DifferentListsGetDifferentObjects) {
   const text_list lists[] = {
-      {},
-      {u""},
-      {u"", u""},
-      {u","},
-      {u",", u";"},
-      {u";", u","},  // order is part of the key
-      {u",;"},
-      {u",", u";", u";"},
+      {},           {u""},
+      {u"", u""},   {u","},
+      {u",", u";"}, {u";", u","},  // order is part of the key
+      {u",;"},      {u",", u";", u";"},
   };
   std::vector<std::shared_ptr<Delimiter>> handles;
   for (const text_list& list : lists) handles.push_back(textio::get_or_create_delim(list));

@@ -28,9 +28,7 @@ void call(options& o, const std::vector<Value>& values, std::int32_t count) {
   for (const auto& v : values) args.push_back(v.get());
   textio::options::set_parser_options(args.data(), count, o);
 }
-void call(options& o, const std::vector<Value>& values) {
-  call(o, values, static_cast<std::int32_t>(values.size()));
-}
+void call(options& o, const std::vector<Value>& values) { call(o, values, static_cast<std::int32_t>(values.size())); }
 
 Value t(const char16_t* s) { return Value::text(s); }
 
@@ -66,8 +64,8 @@ TEST(EntryPoint, NamesIgnoreCaseButMustMatchWholly) {
     call(o, {t(name), Value::scalar(4)});
     EXPECT_EQ(o.num_header_lines(), 4u);
   }
-  for (const auto* name : {u"NumHeader", u" NumHeaderLines", u"NumHeaderLines ", u"NumHeaderLiness", u"",
-                           u"Num\u00e9HeaderLines"}) {
+  for (const auto* name :
+       {u"NumHeader", u" NumHeaderLines", u"NumHeaderLines ", u"NumHeaderLiness", u"", u"Num\u00e9HeaderLines"}) {
     options o;
     EXPECT_MESSAGE(call(o, {t(name), Value::scalar(4)}), msg::UnknownParameter, utext_arg(name));
     EXPECT_TRUE(o.detecting_num_header_lines());
@@ -76,20 +74,20 @@ TEST(EntryPoint, NamesIgnoreCaseButMustMatchWholly) {
 
 TEST(EntryPoint, PairsApplyLeftToRightAndStopAtTheFirstFailure) {
   options o;
-  EXPECT_MESSAGE(call(o, {t(u"foo"), Value::scalar(1), t(u"NumVariables"), Value::scalar(3)}),
-                 msg::UnknownParameter, utext_arg(u"foo"));
+  EXPECT_MESSAGE(call(o, {t(u"foo"), Value::scalar(1), t(u"NumVariables"), Value::scalar(3)}), msg::UnknownParameter,
+                 utext_arg(u"foo"));
   EXPECT_TRUE(o.detecting_num_variables());
 
   options p;
-  EXPECT_MESSAGE(call(p, {t(u"NumVariables"), Value::scalar(3), t(u"foo"), Value::scalar(1)}),
-                 msg::UnknownParameter, utext_arg(u"foo"));
+  EXPECT_MESSAGE(call(p, {t(u"NumVariables"), Value::scalar(3), t(u"foo"), Value::scalar(1)}), msg::UnknownParameter,
+                 utext_arg(u"foo"));
   EXPECT_EQ(p.num_variables(), 3u);
 
   // A failing value ends the call before later pairs are looked at.
   options q;
-  EXPECT_MESSAGE(call(q, {t(u"DataLine"), Value::scalar(5), t(u"NumVariables"), Value::scalar(-1),
-                          t(u"bogus"), Value::scalar(1)}),
-                 msg::ExpectedNonNegativeScalarInt);
+  EXPECT_MESSAGE(
+      call(q, {t(u"DataLine"), Value::scalar(5), t(u"NumVariables"), Value::scalar(-1), t(u"bogus"), Value::scalar(1)}),
+      msg::ExpectedNonNegativeScalarInt);
   EXPECT_EQ(q.num_header_lines(), 4u);
 
   // The last of two keys writing one field wins.
@@ -107,8 +105,7 @@ TEST(EntryPoint, NonTextNamesAreUnknownWithTheirTextAsWritten) {
   }
   // A 2-by-N char name reads column-major, like any host text.
   options o;
-  EXPECT_MESSAGE(call(o, {Value::chars({2, 2}, u"abcd"), Value::scalar(1)}), msg::UnknownParameter,
-                 utext_arg(u"abcd"));
+  EXPECT_MESSAGE(call(o, {Value::chars({2, 2}, u"abcd"), Value::scalar(1)}), msg::UnknownParameter, utext_arg(u"abcd"));
 }
 
 TEST(EntryPoint, NullArgumentArrayReadsAsNullNames) {
@@ -142,8 +139,8 @@ TEST(EntryPoint, StructArraysReadTheFirstElementAndEmptyStructsDoNothing) {
   call(o, {Value::structure({1, 2}, {"NumVariables"}, {Value::scalar(4), Value::scalar(9)})});
   EXPECT_EQ(o.num_variables(), 4u);
 
-  for (const auto& empty : {Value::struct_scalar({}), Value::structure({0, 0}, {"NumVariables"}, {}),
-                            Value::structure({1, 0}, {}, {})}) {
+  for (const auto& empty :
+       {Value::struct_scalar({}), Value::structure({0, 0}, {"NumVariables"}, {}), Value::structure({1, 0}, {}, {})}) {
     options p;
     call(p, {empty});
     EXPECT_TRUE(p.detecting_num_variables());
@@ -182,8 +179,8 @@ TEST(OptionNameOrdering, ComparesFoldedSignedBytesWithThePrefixFirst) {
   EXPECT_FALSE(less("ABC", "abc"));
   EXPECT_TRUE(less("ab", "ABC"));
   EXPECT_FALSE(less("ABC", "ab"));
-  EXPECT_TRUE(less("a", "_"));       // 'A' (65) below '_' (95) after folding
-  EXPECT_TRUE(less("\x80", "A"));   // bytes from 0x80 compare as negative
+  EXPECT_TRUE(less("a", "_"));     // 'A' (65) below '_' (95) after folding
+  EXPECT_TRUE(less("\x80", "A"));  // bytes from 0x80 compare as negative
   EXPECT_TRUE(less("", "A"));
 }
 

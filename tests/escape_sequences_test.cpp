@@ -11,9 +11,8 @@
 
 namespace {
 
-using textio::options::decode_escape_sequences;
 using test_support::reference_decode;
-
+using textio::options::decode_escape_sequences;
 
 struct decode_case {
   std::u16string given;
@@ -25,14 +24,14 @@ const decode_case decode_cases[] = {
     {u"", u"", true},
     {u"ab", u"ab", true},
     {u"a\\tb", u"a\tb", true},
-    {u"\\\\n", u"\\n", true},            // the decoded backslash starts nothing
-    {u"\\\\\\n", u"\\\n", true},         // pairs form from the left
-    {u"\\\\q", u"\\q", true},            // q follows a decoded backslash, so it is plain
-    {u"\\", u"\\", true},                // a lone backslash at the end stays
+    {u"\\\\n", u"\\n", true},     // the decoded backslash starts nothing
+    {u"\\\\\\n", u"\\\n", true},  // pairs form from the left
+    {u"\\\\q", u"\\q", true},     // q follows a decoded backslash, so it is plain
+    {u"\\", u"\\", true},         // a lone backslash at the end stays
     {u"abc\\", u"abc\\", true},
     {u"\\\\\\", u"\\\\", true},
     {u"\\q", u"", false},
-    {u"\\qa\\n", u"a\n", false},         // the scan goes on behind an unknown pair
+    {u"\\qa\\n", u"a\n", false},  // the scan goes on behind an unknown pair
     {u"\\q\\", u"\\", false},
     // The five known sequences.
     {u"\\\\", u"\\", true},
@@ -57,9 +56,9 @@ const decode_case decode_cases[] = {
     {u"\\ ", u"", false},
     {std::u16string(u"\\\0", 2), u"", false},  // a NUL unit behind a backslash
     {u"\\\u00E9", u"", false},
-    {u"\\t\\f", u"\t", false},                // known ahead of unknown
-    {u"\\f\\t", u"\t", false},                // unknown ahead of known
-    {u"\\qn", u"n", false},                   // the unit behind the pair is plain
+    {u"\\t\\f", u"\t", false},  // known ahead of unknown
+    {u"\\f\\t", u"\t", false},  // unknown ahead of known
+    {u"\\qn", u"n", false},     // the unit behind the pair is plain
     {u"\\\\\\q", u"\\", false},
     // NUL units elsewhere are ordinary text.
     {std::u16string(u"a\0\\t", 4), std::u16string(u"a\0\t", 3), true},
@@ -120,9 +119,9 @@ TEST(EscapeSequences, AgreesWithReferenceOnAllShortTexts) {
 // Random texts, heavy in backslashes, over every known letter, unknown letters
 // (upper case, digits, NUL, a lone surrogate) and plain units.
 TEST(EscapeSequences, AgreesWithReferenceOnRandomTexts) {
-  const std::vector<char16_t> units = {u'\\', u'\\', u'\\', u'\\', u'\\', u'\\', u'b', u'n', u'r', u't',
-                                      u'N', u'T', u'q', u'x', u'0', u' ', u'"', u'a', u',', u'\0',
-                                      u'\u00E9', char16_t{0xD800}};
+  const std::vector<char16_t> units = {
+      u'\\', u'\\', u'\\', u'\\', u'\\', u'\\', u'b', u'n', u'r',  u't',      u'N',
+      u'T',  u'q',  u'x',  u'0',  u' ',  u'"',  u'a', u',', u'\0', u'\u00E9', char16_t{0xD800}};
   std::mt19937 generator(20240611u);
   std::uniform_int_distribution<std::size_t> pick(0, units.size() - 1);
   std::uniform_int_distribution<std::size_t> length(0, 48);

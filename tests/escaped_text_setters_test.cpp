@@ -20,8 +20,8 @@ namespace msg = ZORVEK::textio::textio;
 using hv::Value;
 using textio::parser::options;
 using text_list = options::text_list;
-using test_support::Args;
 using test_support::apply_option;
+using test_support::Args;
 using test_support::same_record;
 using test_support::text_arg;
 
@@ -53,13 +53,10 @@ TEST(WhitespaceOption, StoresTheDecodedText) {
     Value value;
     ustring stored;
   } const cases[] = {
-      {Value::text(u"ab c"), u"ab c"},
-      {Value::text(u""), u""},
-      {Value::chars({0, 0}, u""), u""},
-      {Value::text(u" \\b\\t"), u" \b\t"},
-      {Value::text(u"  \t\t"), u"  \t\t"},  // neither sorted nor merged
-      {Value::text(u"ab\\"), u"ab\\"},
-      {Value::text(u"\\\\n"), u"\\n"},       // decoded once only
+      {Value::text(u"ab c"), u"ab c"},     {Value::text(u""), u""},
+      {Value::chars({0, 0}, u""), u""},    {Value::text(u" \\b\\t"), u" \b\t"},
+      {Value::text(u"  \t\t"), u"  \t\t"},                                   // neither sorted nor merged
+      {Value::text(u"ab\\"), u"ab\\"},     {Value::text(u"\\\\n"), u"\\n"},  // decoded once only
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.stored));
@@ -106,14 +103,16 @@ struct list_key {
 
 const std::vector<list_key>& list_keys() {
   static const std::vector<list_key> keys = {
-      {"Delimiter", &test_support::throws_message<msg::DelimiterType>, {},
+      {"Delimiter",
+       &test_support::throws_message<msg::DelimiterType>,
+       {},
        [](options& o, const text_list& l) { o.delimiter(l); }},
-      {"LineEnding", &test_support::throws_message<msg::InvalidStringOrCellStringProperty>,
-       text_arg("LineEnding"), [](options& o, const text_list& l) { o.line_ending(l); }},
+      {"LineEnding", &test_support::throws_message<msg::InvalidStringOrCellStringProperty>, text_arg("LineEnding"),
+       [](options& o, const text_list& l) { o.line_ending(l); }},
       {"TreatAsMissing", &test_support::throws_message<msg::InvalidStringOrCellStringProperty>,
        text_arg("TreatAsMissing"), [](options& o, const text_list& l) { o.missing_placeholders(l); }},
-      {"CommentStyle", &test_support::throws_message<msg::InvalidStringOrCellStringProperty>,
-       text_arg("CommentStyle"), [](options& o, const text_list& l) { o.comment_style(l); }},
+      {"CommentStyle", &test_support::throws_message<msg::InvalidStringOrCellStringProperty>, text_arg("CommentStyle"),
+       [](options& o, const text_list& l) { o.comment_style(l); }},
   };
   return keys;
 }
@@ -154,7 +153,8 @@ TEST(ListOptions, StoreEveryEntryDecodedAndReplaceTheField) {
 
 // Four entries in a 2-by-2 cell, column-major; CommentStyle would refuse them.
 TEST(ListOptions, AnyShapeAndNumberOfEntriesWithoutLimit) {
-  const Value square = Value::cell({2, 2}, {Value::text(u"a"), Value::text(u"b"), Value::text(u"\\t"), Value::text(u"a")});
+  const Value square =
+      Value::cell({2, 2}, {Value::text(u"a"), Value::text(u"b"), Value::text(u"\\t"), Value::text(u"a")});
   for (const auto& k : list_keys()) {
     if (std::string(k.key) == "CommentStyle") continue;
     SCOPED_TRACE(k.key);
@@ -192,7 +192,8 @@ std::vector<std::pair<std::string, Value>> neither_text_nor_list() {
   v.emplace_back("cell with a null slot", Value::cell_row({Value::text(u","), Value::none()}));
   // Three entries, so CommentStyle's limit would also fail: the type test
   // comes first.
-  v.emplace_back("three entries, one a number", Value::cell_row({Value::text(u"a"), Value::text(u"b"), Value::scalar(1)}));
+  v.emplace_back("three entries, one a number",
+                 Value::cell_row({Value::text(u"a"), Value::text(u"b"), Value::scalar(1)}));
   return v;
 }
 

@@ -29,8 +29,8 @@ namespace {
 
 namespace msg = ZORVEK::textio::textio;
 using matrix::detail::char_exception_mode;
-using textio::options::compare_text_to_flag;
 using test_support::text_arg;
+using textio::options::compare_text_to_flag;
 
 struct compare_case {
   hv::Value text;
@@ -85,9 +85,9 @@ TEST(CompareTextToFlag, NonAsciiCharacterGoesToTheDispatcherInEveryMode) {
     const char* flag;
   };
   const text_case reached[] = {
-      {hv::Value::text(u"\u0141"), "a"},       // low byte 0x41 is "A"
-      {hv::Value::text(u"ab\u0165"), "abe"},   // low byte 0x65 is "e"
-      {hv::Value::text(u"aA"), "a\xC3\x81"},   // the flag side is folded and checked as well
+      {hv::Value::text(u"\u0141"), "a"},      // low byte 0x41 is "A"
+      {hv::Value::text(u"ab\u0165"), "abe"},  // low byte 0x65 is "e"
+      {hv::Value::text(u"aA"), "a\xC3\x81"},  // the flag side is folded and checked as well
   };
   for (const auto& m : modes) {
     const test_support::char_exception_mode_guard guard(m.mode);
@@ -115,7 +115,7 @@ TEST(CompareTextToFlag, CharactersBehindTheComparedRangeAreNotLookedAt) {
     std::int32_t expected;
   };
   const case_ cases[] = {
-      {hv::Value::text(u"b\u0141"), "ab", 1},      // first place differs
+      {hv::Value::text(u"b\u0141"), "ab", 1},       // first place differs
       {hv::Value::text(u"keep\u0141"), "keep", 1},  // behind the whole flag
       {hv::Value::text(u"k"), "k\xFF", -1},         // behind the whole text
   };
@@ -130,8 +130,10 @@ TEST(FlagMatching, EndOfTheListThrowsADefaultStdException) {
   const auto text = hv::Value::text(u"none");
   for (const bool abbreviated : {false, true}) {
     try {
-      if (abbreviated) textio::options::match_abbreviated_flags(text.get(), "a", "b", "c");
-      else textio::options::match_exact_flags(text.get(), "a", "b", "c");
+      if (abbreviated)
+        textio::options::match_abbreviated_flags(text.get(), "a", "b", "c");
+      else
+        textio::options::match_exact_flags(text.get(), "a", "b", "c");
       ADD_FAILURE() << "matched";
     } catch (const std::exception& e) {
       EXPECT_EQ(typeid(e), typeid(std::exception));
@@ -195,7 +197,6 @@ TEST(FlagMatching, ListsOfOneToSixFlags) {
 // ---- Differential check of every rule option against a plain reference ----
 
 using test_support::reference_position;
-
 
 // Every flag of every list, all of its beginnings, in three cases, with a
 // character added or swapped for a look-alike; then random texts over the

@@ -100,7 +100,8 @@ TEST(HostValue, CellsAndStructsHoldOwnedElementsAndNullSlots) {
   EXPECT_EQ(copy_slots[1], nullptr);
   EXPECT_EQ(matrix::get_ustring(copy_slots[3]), u"d");
 
-  const Value s = Value::structure({1, 2}, {"a", "b"}, {Value::scalar(1), Value::scalar(2), Value::scalar(3), Value::none()});
+  const Value s =
+      Value::structure({1, 2}, {"a", "b"}, {Value::scalar(1), Value::scalar(2), Value::scalar(3), Value::none()});
   ASSERT_EQ(s.get()->get_number_of_struct_fields(), 2);
   EXPECT_STREQ(s.get()->get_struct_field_names()[1], "b");
   const auto* fields = static_cast<const hvArray_tag* const*>(hvGetData(s.get()));
@@ -124,7 +125,11 @@ TEST(HostValue, TextGettersConvertBetweenUtf16AndUtf8) {
             u"a\u00e9\u20ac\U0001F600");
   // A lone surrogate has no UTF-8 form and becomes U+FFFD; invalid UTF-8 bytes too.
   EXPECT_EQ(matrix::get_string(Value::text(std::u16string(1, u'\xD800')).get()), "\xEF\xBF\xBD");
-  EXPECT_EQ(matrix::get_ustring(Value::text_utf8("\xFF" "a").get()), u"\uFFFD" u"a");
+  EXPECT_EQ(matrix::get_ustring(Value::text_utf8("\xFF"
+                                                 "a")
+                                    .get()),
+            u"\uFFFD"
+            u"a");
   // Column-major order for a 2-by-2 char array.
   EXPECT_EQ(matrix::get_ustring(Value::chars({2, 2}, u"acbd").get()), u"acbd");
   // Non-char values have no characters.

@@ -33,8 +33,11 @@ TEST(Messages, TagsCarryCatalogKeyAndArgumentsInTheirAlternatives) {
       {msg::ExpectedNonNegativeScalarInt(), "ExpectedNonNegativeScalarInt", {}},
       {msg::ExpectedPositiveScalarInt(), "ExpectedPositiveScalarInt", {}},
       {msg::ExpectedScalarLogical(), "ExpectedScalarLogical", {}},
-      {msg::InvalidEscapeSequence("Whitespace"), "InvalidEscapeSequence", {MsgArg(std::in_place_index<1>, "Whitespace")}},
-      {msg::InvalidStringOrCellStringProperty("LineEnding"), "InvalidStringOrCellStringProperty",
+      {msg::InvalidEscapeSequence("Whitespace"),
+       "InvalidEscapeSequence",
+       {MsgArg(std::in_place_index<1>, "Whitespace")}},
+      {msg::InvalidStringOrCellStringProperty("LineEnding"),
+       "InvalidStringOrCellStringProperty",
        {MsgArg(std::in_place_index<1>, "LineEnding")}},
       {msg::InvalidStringProperty("ExpChars"), "InvalidStringProperty", {MsgArg(std::in_place_index<1>, "ExpChars")}},
       {msg::OddNumberNVPairs(), "OddNumberNVPairs", {}},
@@ -49,13 +52,17 @@ TEST(Messages, TagsCarryCatalogKeyAndArgumentsInTheirAlternatives) {
 }
 
 TEST(Messages, EveryTagHasACatalogEntryUsingItsArgument) {
-  const std::vector<std::pair<std::string, bool>> keys = {
-      {"BadTextFlag", true},          {"CommentStyleSize", false},
-      {"DelimiterType", false},       {"ExpectedNonNegativeScalarInt", false},
-      {"ExpectedPositiveScalarInt", false}, {"ExpectedScalarLogical", false},
-      {"InvalidEscapeSequence", true}, {"InvalidStringOrCellStringProperty", true},
-      {"InvalidStringProperty", true}, {"OddNumberNVPairs", false},
-      {"UnknownParameter", true}};
+  const std::vector<std::pair<std::string, bool>> keys = {{"BadTextFlag", true},
+                                                          {"CommentStyleSize", false},
+                                                          {"DelimiterType", false},
+                                                          {"ExpectedNonNegativeScalarInt", false},
+                                                          {"ExpectedPositiveScalarInt", false},
+                                                          {"ExpectedScalarLogical", false},
+                                                          {"InvalidEscapeSequence", true},
+                                                          {"InvalidStringOrCellStringProperty", true},
+                                                          {"InvalidStringProperty", true},
+                                                          {"OddNumberNVPairs", false},
+                                                          {"UnknownParameter", true}};
   for (const auto& [key, has_argument] : keys) {
     SCOPED_TRACE(key);
     const auto text = foundation::core::catalog::find_message("ZORVEK:textio:textio", key);

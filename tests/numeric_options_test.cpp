@@ -35,11 +35,16 @@ TEST(NumericTests, FixTowardZeroAndIntegerTest) {
     bool integer;
   };
   const Case cases[] = {
-      {2.5, 2.0, false},         {-2.5, -2.0, false},
-      {-0.5, -0.0, false},       {0.5, 0.0, false},
-      {2147483647.0, 2147483647.0, true}, {2147483648.5, 2147483648.0, false},
-      {4503599627370495.5, 4503599627370495.0, false}, {4503599627370496.0, 4503599627370496.0, true},
-      {1e300, 1e300, true},      {-1e300, -1e300, true},
+      {2.5, 2.0, false},
+      {-2.5, -2.0, false},
+      {-0.5, -0.0, false},
+      {0.5, 0.0, false},
+      {2147483647.0, 2147483647.0, true},
+      {2147483648.5, 2147483648.0, false},
+      {4503599627370495.5, 4503599627370495.0, false},
+      {4503599627370496.0, 4503599627370496.0, true},
+      {1e300, 1e300, true},
+      {-1e300, -1e300, true},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.x);
@@ -183,9 +188,9 @@ TEST(LogicalOptions, MultipleDelimsAsOneWritesBothRulesAndNotTrailing) {
 }
 
 TEST(LogicalOptions, OnlyALogicalScalarPasses) {
-  const Value refused[] = {Value::scalar(1), Value::scalar(0), Value::text(u"true"),
-                           Value::array<bool>({1, 2}, std::vector<bool>{true, true}), Value::none(),
-                           Value::array<bool>({0, 0}, std::vector<bool>{})};
+  const Value refused[] = {Value::scalar(1),     Value::scalar(0),
+                           Value::text(u"true"), Value::array<bool>({1, 2}, std::vector<bool>{true, true}),
+                           Value::none(),        Value::array<bool>({0, 0}, std::vector<bool>{})};
   for (const auto* key : {u"MultipleDelimsAsOne", u"TrimNonNumeric"}) {
     for (const auto& value : refused) {
       options o;

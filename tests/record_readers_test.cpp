@@ -44,16 +44,33 @@ struct line_case {
 
 const line_case line_cases[] = {
     {"defaults", keep_defaults, u"\n\r", false, {default_endings, {}, default_endings}},
-    {"empty lines read", [](options& o) { o.empty_line_rule(enums::EmptyLineRule::Read); }, u"\n\r", true,
+    {"empty lines read",
+     [](options& o) { o.empty_line_rule(enums::EmptyLineRule::Read); },
+     u"\n\r",
+     true,
      {default_endings, {}, default_endings}},
-    {"empty lines an error", [](options& o) { o.empty_line_rule(enums::EmptyLineRule::Error); }, u"\n\r", false,
+    {"empty lines an error",
+     [](options& o) { o.empty_line_rule(enums::EmptyLineRule::Error); },
+     u"\n\r",
+     false,
      {default_endings, {}, default_endings}},
     {"no line endings", [](options& o) { o.line_ending(text_list{}); }, u"", false, {{}, {}, {}}},
-    {"an empty line ending", [](options& o) { o.line_ending(text_list{u""}); }, ustring(1, u'\0'), false,
+    {"an empty line ending",
+     [](options& o) { o.line_ending(text_list{u""}); },
+     ustring(1, u'\0'),
+     false,
      {{u""}, {}, {u""}}},
-    {"custom endings, first units only", [](options& o) { o.line_ending(text_list{u"<EOR>", u"\n", u"<EOF>"}); },
-     u"\n<", false, {{u"<EOR>", u"\n", u"<EOF>"}, {}, {u"<EOR>", u"\n", u"<EOF>"}}},
-    {"delimiters play no part", [](options& o) { o.delimiter(text_list{u","}); }, u"\n\r", false,
+    {"custom endings, first units only",
+     [](options& o) {
+       o.line_ending(text_list{u"<EOR>", u"\n", u"<EOF>"});
+     },
+     u"\n<",
+     false,
+     {{u"<EOR>", u"\n", u"<EOF>"}, {}, {u"<EOR>", u"\n", u"<EOF>"}}},
+    {"delimiters play no part",
+     [](options& o) { o.delimiter(text_list{u","}); },
+     u"\n\r",
+     false,
      {default_endings, {}, default_endings}},
 };
 
@@ -136,24 +153,36 @@ struct delimited_case {
 
 const delimited_case delimited_cases[] = {
     {"defaults: the empty delimiter list", keep_defaults, u"\n\r", {{}, default_endings, default_endings, {}}},
-    {"comma and tab", [](options& o) { o.delimiter(text_list{u",", u"\t"}); }, u"\t\n\r,",
+    {"comma and tab",
+     [](options& o) {
+       o.delimiter(text_list{u",", u"\t"});
+     },
+     u"\t\n\r,",
      {{u",", u"\t"}, default_endings, default_endings, {u",", u"\t"}}},
-    {"a delimiter of several units", [](options& o) { o.delimiter(text_list{u"::", u";"}); }, u"\n\r:;",
+    {"a delimiter of several units",
+     [](options& o) {
+       o.delimiter(text_list{u"::", u";"});
+     },
+     u"\n\r:;",
      {{u"::", u";"}, default_endings, default_endings, {u"::", u";"}}},
-    {"an empty delimiter", [](options& o) { o.delimiter(text_list{u""}); }, ustring(u"\0\n\r", 3),
+    {"an empty delimiter",
+     [](options& o) { o.delimiter(text_list{u""}); },
+     ustring(u"\0\n\r", 3),
      {{u""}, default_endings, default_endings, {u""}}},
     {"a delimiter to be detected is still used",
      [](options& o) {
        o.delimiter(text_list{u"|"});
        o.unset_delimiter();
      },
-     u"\n\r|", {{u"|"}, default_endings, default_endings, {u"|"}}},
+     u"\n\r|",
+     {{u"|"}, default_endings, default_endings, {u"|"}}},
     {"no line endings",
      [](options& o) {
        o.delimiter(text_list{u","});
        o.line_ending(text_list{});
      },
-     u",", {{u","}, {}, {}, {u","}}},
+     u",",
+     {{u","}, {}, {}, {u","}}},
 };
 
 TEST(DelimitedRecordReader, BuiltFromRecords) {
@@ -231,14 +260,32 @@ struct fixed_width_case {
 
 const fixed_width_case fixed_width_cases[] = {
     {"defaults: one unit per ending, duplicates kept", keep_defaults, u"\r\n\r", 0},
-    {"widths 3, 5, 2", [](options& o) { o.field_widths(width_list{3, 5, 2}); }, u"\r\n\r", 10},
-    {"a sum past 2^64 wraps", [](options& o) { o.field_widths(width_list{UINT64_MAX, 2}); }, u"\r\n\r", 1},
-    {"a sum of exactly 2^64 wraps to 0", [](options& o) { o.field_widths(width_list{UINT64_MAX, 1}); }, u"\r\n\r",
-     0},
-    {"zero widths", [](options& o) { o.field_widths(width_list{0, 0, 7}); }, u"\r\n\r", 7},
+    {"widths 3, 5, 2",
+     [](options& o) {
+       o.field_widths(width_list{3, 5, 2});
+     },
+     u"\r\n\r", 10},
+    {"a sum past 2^64 wraps",
+     [](options& o) {
+       o.field_widths(width_list{UINT64_MAX, 2});
+     },
+     u"\r\n\r", 1},
+    {"a sum of exactly 2^64 wraps to 0",
+     [](options& o) {
+       o.field_widths(width_list{UINT64_MAX, 1});
+     },
+     u"\r\n\r", 0},
+    {"zero widths",
+     [](options& o) {
+       o.field_widths(width_list{0, 0, 7});
+     },
+     u"\r\n\r", 7},
     {"no line endings", [](options& o) { o.line_ending(text_list{}); }, u"", 0},
     {"one empty line ending", [](options& o) { o.line_ending(text_list{u""}); }, ustring(1, u'\0'), 0},
-    {"list order, not sorted", [](options& o) { o.line_ending(text_list{u"z", u"\n", u"ab", u"\n", u""}); },
+    {"list order, not sorted",
+     [](options& o) {
+       o.line_ending(text_list{u"z", u"\n", u"ab", u"\n", u""});
+     },
      ustring(u"z\na\n\0", 5), 0},
 };
 

@@ -22,12 +22,12 @@
 namespace {
 
 namespace msg = ZORVEK::textio::textio;
-using textio::parser::options;
 using test_support::apply_option;
-using test_support::same_record;
 using test_support::rule_field;
+using test_support::same_record;
 using test_support::set_rule_field;
 using test_support::text_arg;
+using textio::parser::options;
 
 constexpr int bad = -1;  // BadTextFlag expected
 
@@ -77,8 +77,8 @@ std::vector<rule_case> text_cases() {
       {"ConsecutiveDelimitersRule", t(u"J"), 1},
       {"ConsecutiveDelimitersRule", t(u"join"), 1},
       {"ConsecutiveDelimitersRule", t(u"e"), 2},
-      {"ConsecutiveDelimitersRule", t(u"splits"), bad},   // longer than the flag
-      {"ConsecutiveDelimitersRule", t(u"join "), bad},    // nothing is trimmed
+      {"ConsecutiveDelimitersRule", t(u"splits"), bad},  // longer than the flag
+      {"ConsecutiveDelimitersRule", t(u"join "), bad},   // nothing is trimmed
       {"ConsecutiveDelimitersRule", t(u" join"), bad},
       {"ConsecutiveDelimitersRule", t(u"\u0173plit"), bad},  // low byte is "s"
       {"FileType", t(u"t"), 0},
@@ -156,11 +156,16 @@ std::vector<rule_case> text_cases() {
 // looked at, and everything that is no text fails as BadTextFlag.
 std::vector<rule_case> value_cases() {
   const std::map<std::string, std::pair<std::u16string, int>> a_flag = {
-      {"ConsecutiveDelimitersRule", {u"join", 1}}, {"FileType", {u"fixedwidth", 2}},
-      {"LeadingDelimitersRule", {u"ignore", 1}},   {"TrailingDelimitersRule", {u"error", 2}},
-      {"EmptyLineRule", {u"read", 1}},             {"OutputBuilderType", {u"cell", 2}},
-      {"ExtraColumnsRule", {u"wrap", 2}},          {"ImportErrorRule", {u"omitvar", 2}},
-      {"MissingRule", {u"error", 3}},              {"ParserType", {u"line", 3}},
+      {"ConsecutiveDelimitersRule", {u"join", 1}},
+      {"FileType", {u"fixedwidth", 2}},
+      {"LeadingDelimitersRule", {u"ignore", 1}},
+      {"TrailingDelimitersRule", {u"error", 2}},
+      {"EmptyLineRule", {u"read", 1}},
+      {"OutputBuilderType", {u"cell", 2}},
+      {"ExtraColumnsRule", {u"wrap", 2}},
+      {"ImportErrorRule", {u"omitvar", 2}},
+      {"MissingRule", {u"error", 3}},
+      {"ParserType", {u"line", 3}},
       {"PartialFieldRule", {u"wrap", 4}},
   };
   std::vector<rule_case> cases;
@@ -238,8 +243,8 @@ TEST(RuleSetters, EarlierPairsOfTheCallStayWritten) {
   const auto omit = hv::Value::text(u"omit");
   const auto missing_rule = hv::Value::text(u"MissingRule");
   const auto error = hv::Value::text(u"error");
-  const hvArray_tag* args[] = {num_variables.get(), three.get(), parser_type.get(), line.get(),
-                               import_error_rule.get(), omit.get(), missing_rule.get(), error.get()};
+  const hvArray_tag* args[] = {num_variables.get(),     three.get(), parser_type.get(),  line.get(),
+                               import_error_rule.get(), omit.get(),  missing_rule.get(), error.get()};
   options record;
   options expected;
   expected.num_variables(3);

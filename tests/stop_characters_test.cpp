@@ -35,8 +35,7 @@ const stop_case stop_cases[] = {
     {"a unit in both lists stands once", {u";"}, {u";;", u"\n"}, u"\n;"},
     {"the second list alone", {}, {u"b", u"a"}, u"ab"},
     {"unsigned order: 0x8000 and 0xFFFF after 0x7FFF", {u"\uFFFF", u"\u8000x"}, {u"\u7FFF"}, u"\u7FFF\u8000\uFFFF"},
-    {"a surrogate sorts between 0xD7FF and 0xE000", {u"\uE000", u"\xDC00\xD800"}, {u"\uD7FF"},
-     u"\uD7FF\xDC00\uE000"},
+    {"a surrogate sorts between 0xD7FF and 0xE000", {u"\uE000", u"\xDC00\xD800"}, {u"\uD7FF"}, u"\uD7FF\xDC00\uE000"},
     {"empty strings in both lists", {u""}, {u"", u"z"}, ustring(u"\0z", 2)},
 };
 

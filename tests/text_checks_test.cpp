@@ -65,11 +65,10 @@ std::vector<shape_case> shape_cases() {
   add("cell 2x2", texts({2, 2}, {u"a", u"b", u"c", u"d"}), false, true);
   add("cell 2x1x2", texts({2, 1, 2}, {u"a", u"b", u"c", u"d"}), false, true);
   add("cell with an empty text", texts({1, 2}, {u"a", u""}), false, true);
-  add("cell of 0x0 and 1x0 chars",
-      Value::cell_row({chars({0, 0}, u""), chars({1, 0}, u"")}), false, true);
+  add("cell of 0x0 and 1x0 chars", Value::cell_row({chars({0, 0}, u""), chars({1, 0}, u"")}), false, true);
   add("cell under an extended class number", texts({1, 1}, {u"a"}).with_extended_class(33), false, true);
-  add("cell holding a text under an extended class",
-      Value::cell_row({Value::text(u"a").with_extended_class(21)}), false, true);
+  add("cell holding a text under an extended class", Value::cell_row({Value::text(u"a").with_extended_class(21)}),
+      false, true);
   // Cell arrays with an element that is no text, wherever it stands.
   add("cell with a number last", Value::cell_row({Value::text(u"a"), Value::scalar(1)}), false, false);
   add("cell with a number first", Value::cell_row({Value::scalar(1), Value::text(u"a")}), false, false);

@@ -16,10 +16,10 @@ namespace {
 
 namespace msg = ZORVEK::textio::textio;
 using hv::Value;
-using textio::parser::options;
 using test_support::apply_option;
 using test_support::same_record;
 using test_support::text_arg;
+using textio::parser::options;
 
 using text_field = const ustring& (*)(const options&);
 const text_field date_locale = [](const options& o) -> const ustring& { return o.date_locale(); };
@@ -120,12 +120,9 @@ TEST(TextSetters, NonTextFailsWithTheOptionNameAndWritesNothing) {
     const char* key;
     const char* reported;
   } const keys[] = {
-      {"DateLocale", "DateLocale"},
-      {"DecimalSeparator", "DecimalSeparator"},
-      {"ExpChars", "ExpChars"},
-      {"ExponentCharacter", "ExpChars"},  // shared setter, same argument
-      {"EXPONENTCHARACTER", "ExpChars"},
-      {"ThousandsSeparator", "ThousandsSeparator"},
+      {"DateLocale", "DateLocale"},      {"DecimalSeparator", "DecimalSeparator"},
+      {"ExpChars", "ExpChars"},          {"ExponentCharacter", "ExpChars"},  // shared setter, same argument
+      {"EXPONENTCHARACTER", "ExpChars"}, {"ThousandsSeparator", "ThousandsSeparator"},
   };
   for (const auto& k : keys) {
     for (const auto& [what, given] : non_texts()) {

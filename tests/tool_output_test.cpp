@@ -30,14 +30,16 @@ TEST(ToolJsonText, UnitsAsUtf8WithLoneSurrogatesEscaped) {
       {u"a\"b\\c/", R"("a\"b\\c/")"},
       {u"\r\n\t\b\f", R"("\r\n\t\b\f")"},
       {std::u16string(u"\0\x01\x1f\x7f", 4), "\"\\u0000\\u0001\\u001f\x7f\""},
-      {u"\u00e9\u20ac", "\"\xC3\xA9\xE2\x82\xAC\""},              // two- and three-byte forms
-      {u"\U0001F600", "\"\xF0\x9F\x98\x80\""},                      // a pair combines
-      {u"\xD800", R"("\ud800")"},                                   // lone high
-      {u"\xDFFF", R"("\udfff")"},                                   // lone low
-      {u"a\xD83D", R"("a\ud83d")"},                                 // high at the end
-      {u"\xD83D" u"x", R"("\ud83dx")"},                             // high before no low
-      {u"\xDE00\xD83D", R"("\ude00\ud83d")"},                       // low before high: no pair
-      {u"\xD83D\xD83D\xDE00", "\"\\ud83d\xF0\x9F\x98\x80\""},       // the second high pairs
+      {u"\u00e9\u20ac", "\"\xC3\xA9\xE2\x82\xAC\""},  // two- and three-byte forms
+      {u"\U0001F600", "\"\xF0\x9F\x98\x80\""},        // a pair combines
+      {u"\xD800", R"("\ud800")"},                     // lone high
+      {u"\xDFFF", R"("\udfff")"},                     // lone low
+      {u"a\xD83D", R"("a\ud83d")"},                   // high at the end
+      {u"\xD83D"
+       u"x",
+       R"("\ud83dx")"},                                        // high before no low
+      {u"\xDE00\xD83D", R"("\ude00\ud83d")"},                  // low before high: no pair
+      {u"\xD83D\xD83D\xDE00", "\"\\ud83d\xF0\x9F\x98\x80\""},  // the second high pairs
   };
   for (const auto& c : cases) EXPECT_EQ(json_quote_units(c.units), c.json);
 }
@@ -51,13 +53,15 @@ TEST(ToolJsonText, BytesKeepUtf8AndEscapeEveryOtherByte) {
       {"tab\there\n", R"("tab\there\n")"},
       {"\xC3\xA9\xF0\x9F\x98\x80", "\"\xC3\xA9\xF0\x9F\x98\x80\""},  // valid UTF-8 as is
       {"\xFF", R"("\u00ff")"},
-      {"a\x80" "b", R"("a\u0080b")"},                  // stray continuation byte
-      {"\xC0\x80", R"("\u00c0\u0080")"},              // overlong form
-      {"\xE0\x80\x80", R"("\u00e0\u0080\u0080")"},    // overlong three-byte form
-      {"\xED\xA0\x80", R"("\u00ed\u00a0\u0080")"},    // an encoded surrogate
+      {"a\x80"
+       "b",
+       R"("a\u0080b")"},                                      // stray continuation byte
+      {"\xC0\x80", R"("\u00c0\u0080")"},                      // overlong form
+      {"\xE0\x80\x80", R"("\u00e0\u0080\u0080")"},            // overlong three-byte form
+      {"\xED\xA0\x80", R"("\u00ed\u00a0\u0080")"},            // an encoded surrogate
       {"\xF4\x90\x80\x80", R"("\u00f4\u0090\u0080\u0080")"},  // above U+10FFFF
-      {"\xE2\x82", R"("\u00e2\u0082")"},              // cut short at the end
-      {"\xE2\x82x", R"("\u00e2\u0082x")"},            // cut short by another byte
+      {"\xE2\x82", R"("\u00e2\u0082")"},                      // cut short at the end
+      {"\xE2\x82x", R"("\u00e2\u0082x")"},                    // cut short by another byte
   };
   for (const auto& c : cases) EXPECT_EQ(json_quote_bytes(c.bytes), c.json) << c.json;
 }
@@ -108,8 +112,10 @@ TEST(ToolMessageLine, JoinsLinesAndTrims) {
 
 TEST(ToolMessageFailure, WritesArgumentsByTheirOwnAlternative) {
   zvtool::message_failure failure{"A:B:C:Key", resource_core::BaseMsgID("A:B:C", "Key"), u"m\n"};
-  failure.id.args.emplace_back(std::in_place_index<1>, std::string("\xFF" "8-bit"));
-  failure.id.args.emplace_back(std::in_place_index<2>, std::u16string(u"\xD800" "16"));
+  failure.id.args.emplace_back(std::in_place_index<1>, std::string("\xFF"
+                                                                   "8-bit"));
+  failure.id.args.emplace_back(std::in_place_index<2>, std::u16string(u"\xD800"
+                                                                      "16"));
   json_writer out;
   zvtool::write_message_failure(out, failure);
   EXPECT_EQ(out.text(),

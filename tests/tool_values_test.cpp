@@ -40,8 +40,8 @@ using hv::Value;
       if (fields != b->get_number_of_struct_fields()) return ::testing::AssertionFailure() << where << ": field count";
       for (int f = 0; f < fields; ++f) {
         if (std::strcmp(a->get_struct_field_names()[f], b->get_struct_field_names()[f]) != 0) {
-          return ::testing::AssertionFailure() << where << ": field " << f << " is named "
-                                               << a->get_struct_field_names()[f];
+          return ::testing::AssertionFailure()
+                 << where << ": field " << f << " is named " << a->get_struct_field_names()[f];
         }
       }
     }
@@ -97,7 +97,8 @@ TEST(ToolValues, JsonMapsOntoHostValues) {
       {R"({"$class": "int64", "$size": [1, 2], "$data": [-9223372036854775808, -0]})",
        typed<std::int64_t>({1, 2}, {std::numeric_limits<std::int64_t>::min(), 0})},
       {R"({"$class": "int8", "$size": [1, 2], "$data": [-128, 127]})", typed<std::int8_t>({1, 2}, {-128, 127})},
-      {R"({"$class": "double", "$size": [1, 3], "$data": ["Inf", "-Inf", -0]})", typed<double>({1, 3}, {inf, -inf, -0.0})},
+      {R"({"$class": "double", "$size": [1, 3], "$data": ["Inf", "-Inf", -0]})",
+       typed<double>({1, 3}, {inf, -inf, -0.0})},
       {R"({"$class": "double", "$size": [0, 3]})", typed<double>({0, 3}, {})},
       {R"({"$class": "logical", "$size": [2, 1], "$data": [true, false]})", typed<bool>({2, 1}, {true, false})},
       {R"({"$class": "char", "$size": [2, 3], "$data": "adbecf"})", Value::chars({2, 3}, u"adbecf")},
@@ -140,12 +141,9 @@ TEST(ToolValues, NumberMinusZeroKeepsItsSign) {
 
 TEST(ToolValues, ArgumentThatIsNoJsonIsText) {
   const mapping_case cases[] = {
-      {"abc", Value::text(u"abc")},
-      {"", Value::text(u"")},
-      {"{bad", Value::text(u"{bad")},
-      {"\xC3\xA9t\xFF", Value::text(u"\u00e9t\uFFFD")},
-      {"\"quoted\"", Value::text(u"quoted")},
-      {"-1", Value::scalar(-1)},
+      {"abc", Value::text(u"abc")},           {"", Value::text(u"")},
+      {"{bad", Value::text(u"{bad")},         {"\xC3\xA9t\xFF", Value::text(u"\u00e9t\uFFFD")},
+      {"\"quoted\"", Value::text(u"quoted")}, {"-1", Value::scalar(-1)},
   };
   for (const auto& c : cases) {
     EXPECT_TRUE(same_value(zvtool::value_argument(c.json).get(), c.expected.get())) << c.json;
@@ -224,7 +222,10 @@ TEST(ToolArguments, OnlyTheToolsOwnOptionsAreTakenOut) {
     args positionals;
   } cases[] = {
       {{}, std::nullopt, false, {}},
-      {{"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"}, std::nullopt, false, {"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"}},
+      {{"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"},
+       std::nullopt,
+       false,
+       {"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"}},
       {{"--struct", "-1"}, "-1", false, {}},
       {{"--struct={\"a\":1}", "x"}, "{\"a\":1}", false, {"x"}},
       {{"--struct="}, "", false, {}},

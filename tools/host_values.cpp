@@ -224,7 +224,8 @@ class mapper {
       fail(path, "$size " + describe(*size) + " must be a list of at least two dimensions");
     }
     hv::Dims dims;
-    for (const auto& d : *size) dims.push_back(integer_element<std::uint64_t>(d, child_path(path, "$size"), "a $size entry"));
+    for (const auto& d : *size)
+      dims.push_back(integer_element<std::uint64_t>(d, child_path(path, "$size"), "a $size entry"));
     return dims;
   }
 
@@ -234,7 +235,8 @@ class mapper {
       if (d == 0) return 0;
     }
     for (const auto d : dims) {
-      if (n > std::numeric_limits<std::uint64_t>::max() / d) fail(path, "$size holds more elements than can be counted");
+      if (n > std::numeric_limits<std::uint64_t>::max() / d)
+        fail(path, "$size holds more elements than can be counted");
       n *= d;
     }
     return n;
@@ -242,9 +244,11 @@ class mapper {
 
   static void check_keys(const json& j, hvClassID id, const std::string& path) {
     for (const auto& [name, value] : j.items()) {
-      const bool known = name == "$class" || name == "$size" || name == "$data" || (name == "$fields" && id == hvStructClass);
+      const bool known =
+          name == "$class" || name == "$size" || name == "$data" || (name == "$fields" && id == hvStructClass);
       if (!known) {
-        fail(path, "unknown key \"" + name + "\" in a typed value (keys: $class, $size, $data, and $fields for a struct)");
+        fail(path,
+             "unknown key \"" + name + "\" in a typed value (keys: $class, $size, $data, and $fields for a struct)");
       }
     }
   }
@@ -257,7 +261,8 @@ class mapper {
     static const json no_data = json::array();
     const auto found = j.find("$data");
     const json& data = found == j.end() ? no_data : *found;
-    if (found == j.end() && count != 0) fail(path, "$data is missing, and $size asks for " + std::to_string(count) + " elements");
+    if (found == j.end() && count != 0)
+      fail(path, "$data is missing, and $size asks for " + std::to_string(count) + " elements");
 
     if (id == hvCharClass && data.is_string()) {
       const ustring units = foundation::core::unicode::to_utf16(data.get_ref<const std::string&>());
@@ -271,7 +276,8 @@ class mapper {
       case hvCellClass: {
         std::vector<hv::Value> elements;
         elements.reserve(data.size());
-        for (std::size_t i = 0; i < data.size(); ++i) elements.push_back(map(data[i], element_path(path, i), depth + 1));
+        for (std::size_t i = 0; i < data.size(); ++i)
+          elements.push_back(map(data[i], element_path(path, i), depth + 1));
         return hv::Value::cell(std::move(dims), std::move(elements));
       }
       case hvStructClass:
@@ -279,7 +285,8 @@ class mapper {
       case hvLogicalClass: {
         std::vector<bool> b;
         for (std::size_t i = 0; i < data.size(); ++i) {
-          if (!data[i].is_boolean()) fail(element_path(path, i), describe(data[i]) + " is not true or false, as logical data must be");
+          if (!data[i].is_boolean())
+            fail(element_path(path, i), describe(data[i]) + " is not true or false, as logical data must be");
           b.push_back(data[i].get<bool>());
         }
         return hv::Value::array<bool>(std::move(dims), b);
@@ -296,14 +303,22 @@ class mapper {
         for (std::size_t i = 0; i < data.size(); ++i) x.push_back(single_element(data[i], element_path(path, i)));
         return hv::Value::array<float>(std::move(dims), x);
       }
-      case hvInt8Class: return numeric<std::int8_t>(data, std::move(dims), path, "int8 data");
-      case hvUint8Class: return numeric<std::uint8_t>(data, std::move(dims), path, "uint8 data");
-      case hvInt16Class: return numeric<std::int16_t>(data, std::move(dims), path, "int16 data");
-      case hvUint16Class: return numeric<std::uint16_t>(data, std::move(dims), path, "uint16 data");
-      case hvInt32Class: return numeric<std::int32_t>(data, std::move(dims), path, "int32 data");
-      case hvUint32Class: return numeric<std::uint32_t>(data, std::move(dims), path, "uint32 data");
-      case hvInt64Class: return numeric<std::int64_t>(data, std::move(dims), path, "int64 data");
-      case hvUint64Class: return numeric<std::uint64_t>(data, std::move(dims), path, "uint64 data");
+      case hvInt8Class:
+        return numeric<std::int8_t>(data, std::move(dims), path, "int8 data");
+      case hvUint8Class:
+        return numeric<std::uint8_t>(data, std::move(dims), path, "uint8 data");
+      case hvInt16Class:
+        return numeric<std::int16_t>(data, std::move(dims), path, "int16 data");
+      case hvUint16Class:
+        return numeric<std::uint16_t>(data, std::move(dims), path, "uint16 data");
+      case hvInt32Class:
+        return numeric<std::int32_t>(data, std::move(dims), path, "int32 data");
+      case hvUint32Class:
+        return numeric<std::uint32_t>(data, std::move(dims), path, "uint32 data");
+      case hvInt64Class:
+        return numeric<std::int64_t>(data, std::move(dims), path, "int64 data");
+      case hvUint64Class:
+        return numeric<std::uint64_t>(data, std::move(dims), path, "uint64 data");
       default:
         break;
     }
@@ -311,8 +326,9 @@ class mapper {
   }
 
   static std::string length_mismatch(std::size_t given, std::uint64_t wanted, std::string_view what) {
-    return "$data holds " + std::to_string(given) + " " + std::string(given == 1 ? what.substr(0, what.size() - 1) : what) +
-           ", but $size asks for " + std::to_string(wanted);
+    return "$data holds " + std::to_string(given) + " " +
+           std::string(given == 1 ? what.substr(0, what.size() - 1) : what) + ", but $size asks for " +
+           std::to_string(wanted);
   }
 
   // Integer data read as Read (range checked), stored as Stored.
@@ -415,7 +431,8 @@ std::vector<hv::Value> option_arguments(const std::optional<std::string>& struct
     try {
       values.push_back(value_argument(positionals[i]));
     } catch (const usage_error& e) {
-      throw usage_error("argument " + std::to_string(i + 1) + ", the value of '" + positionals[i - 1] + "': " + e.what());
+      throw usage_error("argument " + std::to_string(i + 1) + ", the value of '" + positionals[i - 1] +
+                        "': " + e.what());
     }
   }
   return values;

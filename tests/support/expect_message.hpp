@@ -19,9 +19,12 @@ using Args = std::vector<resource_core::MsgArg>;
 inline std::string describe(const resource_core::BaseMsgID& id) {
   std::string text = id.key + "(";
   for (const auto& arg : id.args) {
-    if (const auto* s = std::get_if<std::string>(&arg)) text += "\"" + *s + "\" ";
-    else if (const auto* u = std::get_if<::ustring>(&arg)) text += "u\"" + foundation::core::unicode::to_utf8(*u) + "\" ";
-    else text += "<plain> ";
+    if (const auto* s = std::get_if<std::string>(&arg))
+      text += "\"" + *s + "\" ";
+    else if (const auto* u = std::get_if<::ustring>(&arg))
+      text += "u\"" + foundation::core::unicode::to_utf8(*u) + "\" ";
+    else
+      text += "<plain> ";
   }
   return text + ")";
 }

@@ -15,8 +15,10 @@ namespace test_support {
 inline std::string describe_text(const ::ustring& text) {
   std::string out = "\"";
   for (const char16_t c : text) {
-    if (c >= 0x20 && c < 0x7F) out += static_cast<char>(c);
-    else out += "\\u" + std::to_string(static_cast<unsigned>(c));
+    if (c >= 0x20 && c < 0x7F)
+      out += static_cast<char>(c);
+    else
+      out += "\\u" + std::to_string(static_cast<unsigned>(c));
   }
   return out + "\"";
 }
@@ -41,18 +43,30 @@ inline int rule_field(const textio::parser::options& o, std::string_view key) {
 inline void set_rule_field(textio::parser::options& o, std::string_view key, int position) {
   namespace enums = textio::enums;
   const auto p = static_cast<std::uint8_t>(position);
-  if (key == "ConsecutiveDelimitersRule") o.consecutive_delim_rule(enums::ConsecutiveDelimitersRule{p});
-  else if (key == "FileType") o.file_type(enums::FileType{p});
-  else if (key == "LeadingDelimitersRule") o.leading_delim_rule(enums::LeadingDelimiterRule{p});
-  else if (key == "TrailingDelimitersRule") o.trailing_delim_rule(enums::TrailingDelimiterRule{p});
-  else if (key == "EmptyLineRule") o.empty_line_rule(enums::EmptyLineRule{p});
-  else if (key == "OutputBuilderType") o.output_type(enums::OutputBuilderType{p});
-  else if (key == "ExtraColumnsRule") o.extra_columns_rule(enums::ExtraColumnsRule{p});
-  else if (key == "ImportErrorRule") o.import_error_rule(enums::BadDataRule{p});
-  else if (key == "MissingRule") o.missing_rule(enums::BadDataRule{p});
-  else if (key == "ParserType") o.parser_type(enums::ParserType{p});
-  else if (key == "PartialFieldRule") o.partial_field_rule(enums::PartialFieldRule{p});
-  else throw std::invalid_argument("no rule option " + std::string(key));
+  if (key == "ConsecutiveDelimitersRule")
+    o.consecutive_delim_rule(enums::ConsecutiveDelimitersRule{p});
+  else if (key == "FileType")
+    o.file_type(enums::FileType{p});
+  else if (key == "LeadingDelimitersRule")
+    o.leading_delim_rule(enums::LeadingDelimiterRule{p});
+  else if (key == "TrailingDelimitersRule")
+    o.trailing_delim_rule(enums::TrailingDelimiterRule{p});
+  else if (key == "EmptyLineRule")
+    o.empty_line_rule(enums::EmptyLineRule{p});
+  else if (key == "OutputBuilderType")
+    o.output_type(enums::OutputBuilderType{p});
+  else if (key == "ExtraColumnsRule")
+    o.extra_columns_rule(enums::ExtraColumnsRule{p});
+  else if (key == "ImportErrorRule")
+    o.import_error_rule(enums::BadDataRule{p});
+  else if (key == "MissingRule")
+    o.missing_rule(enums::BadDataRule{p});
+  else if (key == "ParserType")
+    o.parser_type(enums::ParserType{p});
+  else if (key == "PartialFieldRule")
+    o.partial_field_rule(enums::PartialFieldRule{p});
+  else
+    throw std::invalid_argument("no rule option " + std::string(key));
 }
 
 }  // namespace test_support

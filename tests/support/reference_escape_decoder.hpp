@@ -19,12 +19,23 @@ inline bool reference_decode(ustring& text) noexcept {
     if (i == ustring::npos || i + 1 >= text.size()) break;
     char16_t decoded = 0;
     switch (text[i + 1]) {
-      case u'\\': decoded = u'\\'; break;
-      case u'b': decoded = u'\b'; break;
-      case u'n': decoded = u'\n'; break;
-      case u'r': decoded = u'\r'; break;
-      case u't': decoded = u'\t'; break;
-      default: break;
+      case u'\\':
+        decoded = u'\\';
+        break;
+      case u'b':
+        decoded = u'\b';
+        break;
+      case u'n':
+        decoded = u'\n';
+        break;
+      case u'r':
+        decoded = u'\r';
+        break;
+      case u't':
+        decoded = u'\t';
+        break;
+      default:
+        break;
     }
     if (decoded != 0) {
       text.replace(i, 2, 1, decoded);

@@ -13,7 +13,8 @@ namespace test_support {
 
 // Folds ASCII by arithmetic and refuses anything from 128 up; then compares
 // strings. No part of it is shared with the matcher.
-inline std::optional<int> reference_position(std::u16string_view text, const textio::options::rule_option_flags& option) {
+inline std::optional<int> reference_position(std::u16string_view text,
+                                             const textio::options::rule_option_flags& option) {
   if (text.empty()) return std::nullopt;
   std::string folded;
   for (const char16_t c : text) {

@@ -66,8 +66,10 @@ tool_run run_tool(const std::vector<std::string>& args) {
     if (errno != EINTR) throw std::runtime_error("waitpid failed");
   }
   tool_run run;
-  if (WIFEXITED(wait_status)) run.status = WEXITSTATUS(wait_status);
-  else if (WIFSIGNALED(wait_status)) run.status = 128 + WTERMSIG(wait_status);
+  if (WIFEXITED(wait_status))
+    run.status = WEXITSTATUS(wait_status);
+  else if (WIFSIGNALED(wait_status))
+    run.status = 128 + WTERMSIG(wait_status);
   run.out = out.contents();
   run.err = err.contents();
   return run;

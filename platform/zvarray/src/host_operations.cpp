@@ -23,9 +23,7 @@ const std::uint64_t* hvGetDimensions(const hvArray_tag* value) {
   return value == nullptr ? nullptr : value->dimensions().data();
 }
 
-std::uint64_t hvGetM(const hvArray_tag* value) {
-  return value == nullptr ? 0 : value->dimensions().front();
-}
+std::uint64_t hvGetM(const hvArray_tag* value) { return value == nullptr ? 0 : value->dimensions().front(); }
 
 std::uint64_t hvGetN(const hvArray_tag* value) {
   if (value == nullptr) return 0;
@@ -46,28 +44,38 @@ double hvGetScalar(const hvArray_tag* value) {
   if (hvGetNumberOfElements(value) == 0) return none;
   const void* d = value->data();
   switch (value->class_id()) {
-    case hvDoubleClass: return element_as_double<double>(d);
-    case hvSingleClass: return element_as_double<float>(d);
-    case hvLogicalClass: return element_as_double<std::uint8_t>(d);
-    case hvCharClass: return element_as_double<char16_t>(d);
-    case hvInt8Class: return element_as_double<std::int8_t>(d);
-    case hvUint8Class: return element_as_double<std::uint8_t>(d);
-    case hvInt16Class: return element_as_double<std::int16_t>(d);
-    case hvUint16Class: return element_as_double<std::uint16_t>(d);
-    case hvInt32Class: return element_as_double<std::int32_t>(d);
-    case hvUint32Class: return element_as_double<std::uint32_t>(d);
-    case hvInt64Class: return element_as_double<std::int64_t>(d);
-    case hvUint64Class: return element_as_double<std::uint64_t>(d);
-    default: return none;
+    case hvDoubleClass:
+      return element_as_double<double>(d);
+    case hvSingleClass:
+      return element_as_double<float>(d);
+    case hvLogicalClass:
+      return element_as_double<std::uint8_t>(d);
+    case hvCharClass:
+      return element_as_double<char16_t>(d);
+    case hvInt8Class:
+      return element_as_double<std::int8_t>(d);
+    case hvUint8Class:
+      return element_as_double<std::uint8_t>(d);
+    case hvInt16Class:
+      return element_as_double<std::int16_t>(d);
+    case hvUint16Class:
+      return element_as_double<std::uint16_t>(d);
+    case hvInt32Class:
+      return element_as_double<std::int32_t>(d);
+    case hvUint32Class:
+      return element_as_double<std::uint32_t>(d);
+    case hvInt64Class:
+      return element_as_double<std::int64_t>(d);
+    case hvUint64Class:
+      return element_as_double<std::uint64_t>(d);
+    default:
+      return none;
   }
 }
 
-bool hvIsLogicalScalar(const hvArray_tag* value) {
-  return hvGetClassID(value) == hvLogicalClass && hvIsScalar(value);
-}
+bool hvIsLogicalScalar(const hvArray_tag* value) { return hvGetClassID(value) == hvLogicalClass && hvIsScalar(value); }
 
 const std::uint8_t* hvGetLogicals(const hvArray_tag* value) {
   if (hvGetClassID(value) != hvLogicalClass) return nullptr;
   return static_cast<const std::uint8_t*>(value->data());
 }
-

@@ -12,9 +12,7 @@ std::u16string_view chars_of(const hvArray_tag* value) {
 
 }  // namespace
 
-std::string get_string(const hvArray_tag* value) {
-  return foundation::core::unicode::to_utf8(chars_of(value));
-}
+std::string get_string(const hvArray_tag* value) { return foundation::core::unicode::to_utf8(chars_of(value)); }
 
 ::ustring get_ustring(const hvArray_tag* value) { return ::ustring(chars_of(value)); }
 

@@ -19,9 +19,12 @@ std::uint64_t element_count(const Dims& dims) {
   std::uint64_t n = 1;
   bool zero = false;
   for (const auto d : dims) {
-    if (d == 0) zero = true;
-    else if (n > std::numeric_limits<std::uint64_t>::max() / d) n = std::numeric_limits<std::uint64_t>::max();
-    else n *= d;
+    if (d == 0)
+      zero = true;
+    else if (n > std::numeric_limits<std::uint64_t>::max() / d)
+      n = std::numeric_limits<std::uint64_t>::max();
+    else
+      n *= d;
   }
   return zero ? 0 : n;
 }
@@ -80,9 +83,7 @@ Value Value::text(std::u16string_view units) {
   return make_plain(hvCharClass, {1, units.size()}, units.data(), units.size());
 }
 
-Value Value::text_utf8(std::string_view utf8) {
-  return text(foundation::core::unicode::to_utf16(utf8));
-}
+Value Value::text_utf8(std::string_view utf8) { return text(foundation::core::unicode::to_utf16(utf8)); }
 
 Value Value::chars(Dims dims, std::u16string_view units) {
   return make_plain(hvCharClass, std::move(dims), units.data(), units.size());

@@ -5,8 +5,7 @@
 namespace foundation::core::except {
 
 // The cached text is not copied: each exception builds its own on demand.
-IException::IException(const IException& other)
-    : boost::exception_detail::clone_base(other), boost::exception(other) {}
+IException::IException(const IException& other) : boost::exception_detail::clone_base(other), boost::exception(other) {}
 
 IException::~IException() noexcept = default;
 
@@ -27,13 +26,9 @@ const char* IException::what() const noexcept {
 
 IUserException::~IUserException() noexcept = default;
 
-::ustring IUserException::convert_str(const std::string& text) const {
-  return unicode::to_utf16(text);
-}
+::ustring IUserException::convert_str(const std::string& text) const { return unicode::to_utf16(text); }
 
-std::string IUserException::convert_str(const ::ustring& text) const {
-  return unicode::to_utf8(text);
-}
+std::string IUserException::convert_str(const ::ustring& text) const { return unicode::to_utf8(text); }
 
 ::ustring IUserException::ToUstringImpl() const { return u"Unknown exception."; }
 

@@ -29,8 +29,8 @@ Registry& registry() {
 
 std::pair<std::string, Messages> parse_catalog(std::string_view json_text) {
   const auto doc = nlohmann::json::parse(json_text, nullptr, /*allow_exceptions=*/false);
-  if (!doc.is_object() || !doc.contains("catalog") || !doc["catalog"].is_string() ||
-      !doc.contains("messages") || !doc["messages"].is_object()) {
+  if (!doc.is_object() || !doc.contains("catalog") || !doc["catalog"].is_string() || !doc.contains("messages") ||
+      !doc["messages"].is_object()) {
     throw std::runtime_error("message catalog: expected {\"catalog\": ..., \"messages\": {...}}");
   }
   Messages messages;
@@ -59,9 +59,7 @@ std::unique_lock<std::mutex> lock_loaded(Registry& r) {
 
 ::ustring argument_text(const resource_core::MsgArg& arg) {
   struct Visitor {
-    ::ustring operator()(std::uint64_t v) const {
-      return unicode::to_utf16(std::to_string(v));
-    }
+    ::ustring operator()(std::uint64_t v) const { return unicode::to_utf16(std::to_string(v)); }
     ::ustring operator()(const std::string& s) const { return unicode::to_utf16(s); }
     ::ustring operator()(const ::ustring& s) const { return s; }
   };

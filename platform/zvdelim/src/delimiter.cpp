@@ -25,8 +25,8 @@ Delimiter::Delimiter(std::vector<::ustring> strings) : strings_(std::move(string
 }
 
 const Delimiter::group* Delimiter::find_group(char16_t unit) const noexcept {
-  const auto it = std::lower_bound(groups_.begin(), groups_.end(), unit,
-                                   [](const group& g, char16_t u) { return g.first < u; });
+  const auto it =
+      std::lower_bound(groups_.begin(), groups_.end(), unit, [](const group& g, char16_t u) { return g.first < u; });
   if (it == groups_.end() || it->first != unit) return nullptr;
   return &*it;
 }

@@ -77,9 +77,9 @@ struct hvArray_tag {
   void _complete_opaque_dimensions() const;
   std::unique_ptr<hvArray_tag> clone() const;
 
-  std::uint32_t class_number_ = hvUnknownClass;    // plain class, or extended (> 16)
-  hvClassID extended_as_ = hvUnknownClass;         // what an extended number stands for
-  mutable std::vector<std::uint64_t> dimensions_;  // complete form
+  std::uint32_t class_number_ = hvUnknownClass;           // plain class, or extended (> 16)
+  hvClassID extended_as_ = hvUnknownClass;                // what an extended number stands for
+  mutable std::vector<std::uint64_t> dimensions_;         // complete form
   mutable std::vector<std::uint64_t> opaque_dimensions_;  // incomplete form, if any
   mutable bool dimensions_opaque_ = false;
   std::unique_ptr<std::byte[]> data_;

@@ -30,19 +30,32 @@ using Dims = std::vector<std::uint64_t>;
 // The class a C++ element type is stored as (bool is logical, char16_t char).
 template <typename T>
 constexpr hvClassID class_of() {
-  if constexpr (std::is_same_v<T, double>) return hvDoubleClass;
-  else if constexpr (std::is_same_v<T, float>) return hvSingleClass;
-  else if constexpr (std::is_same_v<T, bool>) return hvLogicalClass;
-  else if constexpr (std::is_same_v<T, char16_t>) return hvCharClass;
-  else if constexpr (std::is_same_v<T, std::int8_t>) return hvInt8Class;
-  else if constexpr (std::is_same_v<T, std::uint8_t>) return hvUint8Class;
-  else if constexpr (std::is_same_v<T, std::int16_t>) return hvInt16Class;
-  else if constexpr (std::is_same_v<T, std::uint16_t>) return hvUint16Class;
-  else if constexpr (std::is_same_v<T, std::int32_t>) return hvInt32Class;
-  else if constexpr (std::is_same_v<T, std::uint32_t>) return hvUint32Class;
-  else if constexpr (std::is_same_v<T, std::int64_t>) return hvInt64Class;
-  else if constexpr (std::is_same_v<T, std::uint64_t>) return hvUint64Class;
-  else static_assert(sizeof(T) == 0, "no host class for this element type");
+  if constexpr (std::is_same_v<T, double>)
+    return hvDoubleClass;
+  else if constexpr (std::is_same_v<T, float>)
+    return hvSingleClass;
+  else if constexpr (std::is_same_v<T, bool>)
+    return hvLogicalClass;
+  else if constexpr (std::is_same_v<T, char16_t>)
+    return hvCharClass;
+  else if constexpr (std::is_same_v<T, std::int8_t>)
+    return hvInt8Class;
+  else if constexpr (std::is_same_v<T, std::uint8_t>)
+    return hvUint8Class;
+  else if constexpr (std::is_same_v<T, std::int16_t>)
+    return hvInt16Class;
+  else if constexpr (std::is_same_v<T, std::uint16_t>)
+    return hvUint16Class;
+  else if constexpr (std::is_same_v<T, std::int32_t>)
+    return hvInt32Class;
+  else if constexpr (std::is_same_v<T, std::uint32_t>)
+    return hvUint32Class;
+  else if constexpr (std::is_same_v<T, std::int64_t>)
+    return hvInt64Class;
+  else if constexpr (std::is_same_v<T, std::uint64_t>)
+    return hvUint64Class;
+  else
+    static_assert(sizeof(T) == 0, "no host class for this element type");
 }
 
 class Value {
@@ -72,11 +85,11 @@ class Value {
     }
   }
 
-  static Value scalar(double x);                 // 1-by-1 double
-  static Value logical(bool b);                  // 1-by-1 logical
-  static Value row(const std::vector<double>& x);  // 1-by-N double (N = 0: 1-by-0)
-  static Value text(std::u16string_view units);  // 1-by-N char (N = 0: 1-by-0)
-  static Value text_utf8(std::string_view utf8); // 1-by-N char from UTF-8
+  static Value scalar(double x);                             // 1-by-1 double
+  static Value logical(bool b);                              // 1-by-1 logical
+  static Value row(const std::vector<double>& x);            // 1-by-N double (N = 0: 1-by-0)
+  static Value text(std::u16string_view units);              // 1-by-N char (N = 0: 1-by-0)
+  static Value text_utf8(std::string_view utf8);             // 1-by-N char from UTF-8
   static Value chars(Dims dims, std::u16string_view units);  // char of any shape
 
   // A cell array of the given shape; elements may be empty Values (null slots).
