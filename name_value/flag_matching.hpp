@@ -38,8 +38,8 @@ concept flag_list = (sizeof...(Flags) >= 1 && sizeof...(Flags) <= 6) && (std::sa
 template <class... Flags>
 requires flag_list<Flags...> std::uint8_t match_exact_flags(const hvArray_tag* value, Flags... flags) {
   const char* const list[] = {flags...};
-  for (std::uint8_t position = 0; position < sizeof...(Flags); ++position) {
-    if (text_equals_flag(value, list[position])) return position;
+  for (std::size_t position = 0; position < sizeof...(Flags); ++position) {
+    if (text_equals_flag(value, list[position])) return static_cast<std::uint8_t>(position);
   }
   throw std::exception();
 }
@@ -47,8 +47,8 @@ requires flag_list<Flags...> std::uint8_t match_exact_flags(const hvArray_tag* v
 template <class... Flags>
 requires flag_list<Flags...> std::uint8_t match_abbreviated_flags(const hvArray_tag* value, Flags... flags) {
   const char* const list[] = {flags...};
-  for (std::uint8_t position = 0; position < sizeof...(Flags); ++position) {
-    if (text_abbreviates_flag(value, list[position])) return position;
+  for (std::size_t position = 0; position < sizeof...(Flags); ++position) {
+    if (text_abbreviates_flag(value, list[position])) return static_cast<std::uint8_t>(position);
   }
   throw std::exception();
 }

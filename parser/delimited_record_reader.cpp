@@ -12,6 +12,7 @@ DelimitedRecordReader::DelimitedRecordReader(const options& o)
 
 DelimitedRecordReader::DelimitedRecordReader(const DelimitedRecordReader& other) = default;
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): copying the pair may allocate
 DelimitedRecordReader::DelimitedRecordReader(DelimitedRecordReader&& other)
     : opts(other.opts),
       quoted_delimiters(other.quoted_delimiters),

@@ -14,7 +14,7 @@ LineRecordReader::LineRecordReader(const options& opts)
 
 LineRecordReader::LineRecordReader(const LineRecordReader& other) = default;
 
-LineRecordReader::LineRecordReader(LineRecordReader&& other)
+LineRecordReader::LineRecordReader(LineRecordReader&& other)  // NOLINT(performance-noexcept-move-constructor)
     : delimiters(other.delimiters),
       line_delimiter(std::move(other.line_delimiter)),
       whitespace(other.whitespace),

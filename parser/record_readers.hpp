@@ -27,8 +27,9 @@ class ZVTEXTPARSER_API LineRecordReader {
   // line_ending again.
   explicit LineRecordReader(const options& opts);
   LineRecordReader(const LineRecordReader& other);
-  // Copies delimiters (the source keeps them) and takes line_delimiter.
-  LineRecordReader(LineRecordReader&& other);
+  // Copies delimiters (the source keeps them) and takes line_delimiter. The
+  // copy may allocate, so this move can throw.
+  LineRecordReader(LineRecordReader&& other);  // NOLINT(performance-noexcept-move-constructor)
   LineRecordReader& operator=(const LineRecordReader&) = delete;
   ~LineRecordReader();
 
@@ -47,8 +48,8 @@ class ZVTEXTPARSER_API DelimitedRecordReader {
   explicit DelimitedRecordReader(const options& opts);
   DelimitedRecordReader(const DelimitedRecordReader& other);
   // Copies quoted_delimiters (the source keeps them) and takes the other two
-  // handles.
-  DelimitedRecordReader(DelimitedRecordReader&& other);
+  // handles. The copy may allocate, so this move can throw.
+  DelimitedRecordReader(DelimitedRecordReader&& other);  // NOLINT(performance-noexcept-move-constructor)
   DelimitedRecordReader& operator=(const DelimitedRecordReader&) = delete;
   ~DelimitedRecordReader();
 
