@@ -15,6 +15,8 @@ constexpr const char* arguments_help = R"(Arguments:
   alike: an odd number of them reaches the library (which refuses it), and
   none at all is a call with no arguments. With --struct the one argument is
   the struct built from the JSON object; no positional argument may follow.
+  For reader, the first positional argument is the reader's kind (line,
+  delimited or fixedwidth) and the others are the options.
 
 Values:
   A NAME is text. A VALUE is read as JSON when it parses as JSON, and
@@ -50,6 +52,9 @@ Examples:
   zvtextparser options VariableWidths \
       '{"$class": "uint64", "$size": [1, 2], "$data": [4, 18446744073709551615]}'
   zvtextparser options NumVariables '{"$class": "int32", "$size": [1, 1], "$data": [3]}'
+  zvtextparser reader line EmptyLineRule read
+  zvtextparser reader delimited Delimiter '[",", "\t"]'
+  zvtextparser reader fixedwidth --struct '{"VariableWidths": [3, 5, 2]}'
 
 )";
 
@@ -63,11 +68,26 @@ Output:
   shows what the call had written before the failure, and the message goes
   to standard error as well.
 
+  reader prints {"options": {...}, "reader": {...}}: "options" exactly as
+  the options subcommand prints it for the same options, and the plain
+  fields of the reader built from that record. Stop characters are arrays
+  of UTF-16 code units as integers (an empty string counts as unit 0):
+    line        {"kind": "line", "stop_chars": [10, 13],
+                 "reads_empty_lines": false}
+    delimited   {"kind": "delimited", "quote": 34, "stop_chars": [10, 13]}
+    fixedwidth  {"kind": "fixedwidth", "field_widths": [3, 5, 2],
+                 "record_width": 10, "stop_chars": [13, 10, 13]}
+  line and delimited hold the first unit of each line ending (delimited:
+  and of each delimiter) once, in ascending order; fixedwidth holds the
+  first unit of each line ending in list order, repeats kept, and
+  record_width is the sum of the widths modulo 2^64. When the library
+  refuses an option, reader prints what options prints: no "reader".
+
 Exit status:
   0  success
   1  the library refused an option (message exception)
   2  usage error of the tool (bad JSON after --struct, a malformed typed
-     value, an unknown subcommand)
+     value, an unknown subcommand, a missing or unknown reader kind)
   3  any other failure, with its description on standard error
 )";
 

@@ -7,7 +7,7 @@
 namespace zvtool {
 
 // The text shown below the generated usage of `zvtextparser --help` and of
-// `zvtextparser options --help`.
+// each subcommand's --help.
 std::string help_footer();
 
 // The option keys with a description of each key's value, one per line.

@@ -1,11 +1,12 @@
 // zvtextparser: the library's settings from the shell.
 //
 //   zvtextparser options [--struct JSON] [NAME VALUE ...]
+//   zvtextparser reader line|delimited|fixedwidth [--struct JSON] [NAME VALUE ...]
 //
 // CLI11 gives the subcommand structure and the help. The arguments after a
 // subcommand are sorted by hand (see subcommand_arguments.hpp) and CLI11 sees
 // only the subcommand's name and --help; its --struct option and positional
-// arguments are declared for the help alone. Exit status: 0 success, 1 a
+// arguments (the reader's kind among them) are declared for the help alone. Exit status: 0 success, 1 a
 // message exception of the library, 2 a usage error, 3 any other failure.
 #include <CLI/CLI.hpp>
 
@@ -18,6 +19,7 @@
 
 #include "tools/help_text.hpp"
 #include "tools/options_command.hpp"
+#include "tools/reader_command.hpp"
 #include "tools/report.hpp"
 #include "tools/subcommand_arguments.hpp"
 #include "tools/usage_error.hpp"
@@ -27,16 +29,23 @@ namespace {
 using zvtool::subcommand_arguments;
 using zvtool::tool_result;
 
-// A subcommand that takes --struct JSON or NAME VALUE pairs.
+// A subcommand that takes --struct JSON or NAME VALUE pairs, after a first
+// positional argument of its own when it has one.
 struct subcommand {
   std::string_view name;
   std::string_view summary;
   tool_result (*run)(const subcommand_arguments&);
+  std::string_view first_positional = {};  ///< its name in the help; empty for none
+  std::string_view first_positional_help = {};
 };
 
 constexpr std::array subcommands{
     subcommand{"options", "Apply options to a default record in one call and print the record as JSON.",
                &zvtool::run_options_command},
+    subcommand{"reader",
+               "Apply options as options does, build the reader of the given kind from the record and print both "
+               "as JSON.",
+               &zvtool::run_reader_command, "kind", "The reader to build: line, delimited or fixedwidth"},
 };
 
 const subcommand* find_subcommand(std::string_view name) {
@@ -56,18 +65,24 @@ std::string subcommand_names() {
 }
 
 int run(const std::vector<std::string>& args) {
-  CLI::App app{"Turns option names and values into the text parser's settings record and prints it as JSON.",
-               "zvtextparser"};
+  CLI::App app{
+      "Turns option names and values into the text parser's settings record, and the record into a reader "
+      "configuration, and prints them as JSON.",
+      "zvtextparser"};
   app.require_subcommand(1);
   app.footer(zvtool::help_footer());
 
   // Declared for the help; the values come from the hand-sorted arguments.
   std::string struct_json;
+  std::string first;
   std::vector<std::string> pairs;
   for (const auto& s : subcommands) {
     CLI::App* sub = app.add_subcommand(std::string(s.name), std::string(s.summary));
     sub->add_option("--struct", struct_json, "A JSON object whose fields are the options (the call's one argument)")
         ->type_name("JSON");
+    if (!s.first_positional.empty()) {
+      sub->add_option(std::string(s.first_positional), first, std::string(s.first_positional_help))->type_name("KIND");
+    }
     sub->add_option("pairs", pairs, "Option names and their values")->type_name("NAME VALUE");
     sub->footer(zvtool::help_footer());
   }

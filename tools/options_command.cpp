@@ -1,21 +1,28 @@
 #include "tools/options_command.hpp"
 
-#include "parser/options.hpp"
+#include <vector>
+
 #include "tools/apply_options.hpp"
 #include "tools/host_values.hpp"
 #include "tools/record_json.hpp"
 
 namespace zvtool {
 
-tool_result run_options_command(const subcommand_arguments& args) {
-  const std::vector<hv::Value> values = option_arguments(args.struct_json, args.positionals);
+tool_result report_options_call(const std::optional<std::string>& struct_json, std::span<const std::string> positionals,
+                                record_members more) {
+  const std::vector<hv::Value> values = option_arguments(struct_json, positionals);
   textio::parser::options record;
   const auto failure = apply_options(values, record);
   json_writer out;
   out.begin_object();
   out.key("options");
   write_options_record(out, record);
+  if (!failure && more != nullptr) more(out, record);
   return finish_report(out, failure);
+}
+
+tool_result run_options_command(const subcommand_arguments& args) {
+  return report_options_call(args.struct_json, args.positionals);
 }
 
 }  // namespace zvtool
