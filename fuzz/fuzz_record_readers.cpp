@@ -52,7 +52,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (line.whitespace != &record.whitespace()) fail("line reader whitespace pointer");
   if (line.reads_empty_lines != (record.empty_line_rule() == textio::enums::EmptyLineRule::Read))
     fail("reads_empty_lines");
-  textio::parser::LineRecordReader line_moved(std::move(textio::parser::LineRecordReader(line)));
+  textio::parser::LineRecordReader line_copy(line);
+  const textio::parser::LineRecordReader line_moved(std::move(line_copy));
   if (line_moved.delimiters.primary != line.delimiters.primary) fail("line reader copy shares its delimiters");
 
   const textio::parser::DelimitedRecordReader delimited(record);
