@@ -1,5 +1,6 @@
-// Sets options through the installed library and catches one of its message
-// exceptions by its exact type, across the shared-library boundary.
+// Sets options through the installed library, builds a reader from them, and
+// catches one of its message exceptions by its exact type, across the
+// shared-library boundary.
 #include <cstdio>
 #include <exception>
 
@@ -7,6 +8,7 @@
 #include "errors/tags.hpp"
 #include "name_value/set_parser_options.hpp"
 #include "parser/options.hpp"
+#include "parser/record_readers.hpp"
 #include "zvarray/value.hpp"
 
 int main() {
@@ -17,6 +19,12 @@ int main() {
   textio::options::set_parser_options(args, 2, opts);
   if (opts.num_header_lines() != 2) {
     std::puts("wrong num_header_lines");
+    return 1;
+  }
+  const textio::parser::DelimitedRecordReader reader(opts);
+  const textio::parser::DelimitedRecordReader copy(reader);
+  if (copy.quoted_delimiters.delimiters.stop_chars != u"\n\r" || copy.opts != &opts) {
+    std::puts("wrong delimited reader");
     return 1;
   }
 
