@@ -1,6 +1,7 @@
 // zvtextparser: the library's settings from the shell.
 //
 //   zvtextparser options [--struct JSON] [NAME VALUE ...]
+//   zvtextparser read FILE [--struct JSON] [NAME VALUE ...] [--format jsonl|csv] [--count]
 //
 // CLI11 gives the subcommand structure and the help. The arguments after a
 // subcommand are sorted by hand (see subcommand_arguments.hpp) and CLI11 sees
@@ -18,6 +19,7 @@
 
 #include "tools/help_text.hpp"
 #include "tools/options_command.hpp"
+#include "tools/read_command.hpp"
 #include "tools/report.hpp"
 #include "tools/subcommand_arguments.hpp"
 #include "tools/usage_error.hpp"
@@ -37,6 +39,10 @@ struct subcommand {
 constexpr std::array subcommands{
     subcommand{"options", "Apply options to a default record in one call and print the record as JSON.",
                &zvtool::run_options_command},
+    subcommand{
+        "read",
+        "Read FILE with the reader the options name and print its records (FILE [--format jsonl|csv] [--count]).",
+        &zvtool::run_read_command},
 };
 
 const subcommand* find_subcommand(std::string_view name) {
