@@ -45,6 +45,7 @@ std::optional<double> to_number(std::basic_string_view<CharT> text, const number
   // The plain form that from_chars reads.
   std::string ascii;
   ascii.reserve(end - begin);
+  bool other = false;  // a unit with no part in a number: only NaN or Inf can still match
   for (std::size_t i = begin; i < end; ++i) {
     const char16_t u = unit(i);
     if (u == format.decimal_separator) {
@@ -57,11 +58,12 @@ std::optional<double> to_number(std::basic_string_view<CharT> text, const number
       continue;
     } else if (u < 0x80) {
       ascii.push_back(static_cast<char>(lower(u)));
+      other = true;
     } else {
       return std::nullopt;
     }
   }
-  if (const auto special = special_value(ascii)) return special;
+  if (other) return special_value(ascii);
   std::string_view digits = ascii;
   if (!digits.empty() && digits[0] == '+') digits.remove_prefix(1);
   if (digits.empty() || digits[0] == '+') return std::nullopt;

@@ -155,6 +155,8 @@ class table_reader {
         add_comments_and_finish(data_rules_);
         data_rules_.mark_stop_characters(reader.stop_chars, starts_line_ending);
         widths_ = reader.field_widths;
+        // Without a given count, a fixed-width record has a variable per width.
+        if (!variables_ && !widths_.empty() && opts_.variable_names_line() == 0) variables_ = widths_.size();
         break;
       }
       case ParserType::Line:

@@ -66,8 +66,10 @@ bool utf8_input::read(std::string& out, std::size_t want) {
   }
   for (;;) {
     if (pending_.empty() && !fill(want)) return false;
+    // The good text ahead of a bad sequence is handed out first; the next
+    // call then fails at the sequence.
     const utf8_check check = check_utf8(pending_);
-    if (check.invalid) throw_msg_id_exception(ZORVEK::textio::reader::InvalidUtf8(offset_ + check.valid));
+    if (check.valid == 0 && check.invalid) throw_msg_id_exception(ZORVEK::textio::reader::InvalidUtf8(offset_));
     if (check.valid > 0) {
       out.append(pending_, 0, check.valid);
       pending_.erase(0, check.valid);
