@@ -2,6 +2,7 @@
 // one record at a time. Values are views that stay valid only for the call.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -32,6 +33,11 @@ class record_sink {
   virtual ~record_sink() = default;
   virtual void header(const table_header& header) = 0;
   virtual void record(std::span<const output_value> values) = 0;
+  // A sink that only counts says so here and then receives the field count
+  // of each record instead of its values, where the values cannot change
+  // what is counted.
+  virtual bool counts_only() const { return false; }
+  virtual void record_count(std::size_t fields) { (void)fields; }
 };
 
 }  // namespace textio::import

@@ -6,8 +6,8 @@
 namespace textio::import {
 
 template <class CharT>
-void record_scanner<CharT>::append(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from,
-                                   std::size_t to) {
+void record_scanner<CharT>::append_slow(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from,
+                                        std::size_t to) {
   if (from >= to) return;
   if (!f.in_scratch) {
     if (f.length == 0) {
@@ -46,10 +46,7 @@ typename record_scanner<CharT>::field_end record_scanner<CharT>::scan_unquoted(v
   const std::size_t n = text.size();
   std::size_t segment = pos_;
   for (;;) {
-    while (pos_ < n && (rules_.classes(text[pos_]) & stops) == 0) {
-      if (!is_blank_unit(text[pos_])) out.empty = false;
-      ++pos_;
-    }
+    while (pos_ < n && (rules_.classes(text[pos_]) & stops) == 0) ++pos_;
     if (pos_ == n) {
       if (!at_end) return field_end::need_more;
       append(text, out, f, segment, pos_);
@@ -101,7 +98,6 @@ typename record_scanner<CharT>::field_end record_scanner<CharT>::scan_unquoted(v
       segment = pos_;
       continue;
     }
-    if (!is_blank_unit(text[pos_])) out.empty = false;
     ++pos_;
   }
 }
@@ -177,7 +173,21 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
     std::size_t match = 0;
     const field_end end = scan_unquoted(text, at_end, out, f, match);
     if (end == field_end::need_more) return scan_result::need_more;
-    if (rules_.trim) trim_end(text, out, f, keep);
+    if (rules_.trim && f.length > keep && is_blank_unit(out.text(text, f).back())) trim_end(text, out, f, keep);
+    // Emptiness: a unit that is no whitespace (trimmed fields have none at
+    // their ends, so any unit left counts).
+    if (out.empty && f.length != 0) {
+      if (rules_.trim) {
+        out.empty = false;
+      } else {
+        for (const CharT u : out.text(text, f)) {
+          if (!is_blank_unit(u)) {
+            out.empty = false;
+            break;
+          }
+        }
+      }
+    }
     if (end == field_end::delimiter) {
       f.delimiter = here();
       out.fields.push_back(f);

@@ -123,7 +123,15 @@ class record_scanner {
  private:
   enum class field_end { delimiter, line_ending, end_of_input, need_more };
 
-  void append(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to);
+  void append(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to) {
+    if (!f.in_scratch && f.length == 0) [[likely]] {
+      f.begin = from;
+      f.length = to - from;
+      return;
+    }
+    append_slow(text, out, f, from, to);
+  }
+  void append_slow(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to);
   // Scans unquoted text of a field up to the next delimiter or line ending,
   // removing comments. Leaves pos_ at that delimiter or line ending.
   field_end scan_unquoted(view text, bool at_end, scanned_record<CharT>& out, raw_field& f, std::size_t& match);

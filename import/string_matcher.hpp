@@ -40,8 +40,12 @@ class string_matcher {
   std::size_t match(std::basic_string_view<CharT> text, std::size_t pos) const noexcept {
     if constexpr (sizeof(CharT) == 1) {
       std::size_t best = 0;
+      const std::size_t left = text.size() - pos;
       for (const auto& s : strings_) {
-        if (s.size() > best && text.substr(pos).starts_with(s)) best = s.size();
+        if (s.size() <= best || s.size() > left) continue;
+        std::size_t i = 0;
+        while (i < s.size() && text[pos + i] == s[i]) ++i;
+        if (i == s.size()) best = s.size();
       }
       return best;
     } else {

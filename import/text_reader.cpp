@@ -126,6 +126,12 @@ class table_reader {
         opts_.missing_rule() == BadDataRule::OmitVar ||
         (opts_.output_type() == OutputBuilderType::Matrix && opts_.import_error_rule() == BadDataRule::OmitVar) ||
         (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar);
+    // Counting needs no values when no rule looks at them.
+    counting_ = sink_.counts_only() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
+                (opts_.output_type() != OutputBuilderType::Matrix || opts_.import_error_rule() == BadDataRule::Fill) &&
+                (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
+                 opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
+                opts_.parser_type() != ParserType::FixedWidth;
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     const textio::parser::LineRecordReader line_reader(opts_);
@@ -201,13 +207,7 @@ class table_reader {
     switch (opts_.parser_type()) {
       case ParserType::Delimited:
       case ParserType::Tabular: {
-        const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_, kept_);
-        if (outcome.fault != delimiter_fault::none) {
-          const source_position p = resolve(rec_.fields[outcome.field].delimiter);
-          if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
-          if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
-          fail<reader_error::ConsecutiveDelimiters>(p);
-        }
+        keep_delimited_fields();
         for (const std::size_t i : kept_) {
           cell c;
           c.text = rec_.text(w, rec_.fields[i]);
@@ -231,6 +231,25 @@ class table_reader {
         return false;
     }
     return false;
+  }
+
+  // The fields of a delimited record that its delimiter rules keep, in kept_.
+  void keep_delimited_fields() {
+    const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_, kept_);
+    if (outcome.fault != delimiter_fault::none) {
+      const source_position p = resolve(rec_.fields[outcome.field].delimiter);
+      if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
+      if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
+      fail<reader_error::ConsecutiveDelimiters>(p);
+    }
+  }
+
+  // The field count of a record that is only counted (see counting_).
+  void count_record(std::size_t fields) {
+    if (!variables_) variables_ = fields;
+    // Extra fields are kept (AddVars) or dropped (Ignore), missing ones filled.
+    if (fields > *variables_ && opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
+    sink_.record_count(*variables_);
   }
 
   // Cuts a fixed-width record (the pending units of an earlier line first).
@@ -373,6 +392,7 @@ class table_reader {
             fail<reader_error::EmptyLine>({rec_.fields.front().start.line, 1});
           case EmptyLineRule::Read:
             send_header();
+            if (counting_) return count_record(variables_ ? *variables_ : 1);
             cells_.clear();
             if (!variables_) variables_ = 1;
             shape_and_emit();
@@ -381,6 +401,11 @@ class table_reader {
       }
     }
     send_header();
+    if (counting_) {
+      if (opts_.parser_type() == ParserType::Line) return count_record(1);
+      keep_delimited_fields();
+      return count_record(kept_.size());
+    }
     if (!record_cells()) return;
     shape_and_emit();
     if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
@@ -422,12 +447,11 @@ class table_reader {
           fail<reader_error::ExtraColumns>(where(cells_[*variables_]));
       }
     }
-    const source_position end = rec_.fields.empty() ? source_position{} : resolve(rec_.end);
     while (cells_.size() < *variables_) {
       cell c;
       c.missing = true;
-      c.resolved = true;
-      c.where = end;
+      c.resolved = rec_.fields.empty();
+      c.at = rec_.end;
       cells_.push_back(c);
     }
     emit();
@@ -560,6 +584,7 @@ class table_reader {
   bool reads_empty_lines_ = false;
   bool header_sent_ = false;
   bool buffering_ = false;
+  bool counting_ = false;
   delimiter_rule_set delimiter_rules_;
   number_format format_;
   std::vector<string> placeholders_;

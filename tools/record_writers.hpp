@@ -70,6 +70,11 @@ class count_writer : public textio::import::record_sink {
     ++records_;
     fields_ += values.size();
   }
+  bool counts_only() const override { return true; }
+  void record_count(std::size_t fields) override {
+    ++records_;
+    fields_ += fields;
+  }
   std::uint64_t records() const noexcept { return records_; }
   std::uint64_t fields() const noexcept { return fields_; }
 
