@@ -38,6 +38,7 @@ utf8_input::~utf8_input() {
 
 bool utf8_input::fill(std::size_t want) {
   if (at_end_) return false;
+  if (want > read_limit_) want = read_limit_;
   const std::size_t old = pending_.size();
   pending_.resize(old + want);
   ssize_t got = 0;

@@ -26,6 +26,10 @@ class utf8_input {
   // CannotReadFile when reading fails.
   bool read(std::string& out, std::size_t want);
 
+  // Takes at most `bytes` (at least 1) from the input per read call, as a
+  // slow pipe would; tests use it to cut the text at every place.
+  void limit_reads(std::size_t bytes) noexcept { read_limit_ = bytes == 0 ? 1 : bytes; }
+
   // The file's size when it is a regular file, else 0.
   std::uint64_t size() const noexcept { return size_; }
   // Bytes taken from the input so far.
@@ -43,6 +47,7 @@ class utf8_input {
   std::string pending_;       // raw bytes not yet handed out
   bool at_end_ = false;
   bool started_ = false;  // the byte-order mark has been looked for
+  std::size_t read_limit_ = static_cast<std::size_t>(-1);
 };
 
 }  // namespace textio::import
