@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "import/count_kernel.hpp"
 #include "import/delimiter_rules.hpp"
 #include "import/fixed_width_cutter.hpp"
 #include "import/number_conversion.hpp"
@@ -71,11 +72,26 @@ class table_reader {
     for (;;) {
       const bool header_line = line <= header_lines_;
       const bool meta = !header_sent_ && is_meta_line(line);
+      if constexpr (sizeof(CharT) == 1) {
+        if (kernel_ && !header_line && !meta) {
+          const count_kernel::result r = kernel_->scan(window_.view(), window_.at_end(), line);
+          if (r.what == count_kernel::status::need_more) {
+            more();
+            continue;
+          }
+          if (r.what == count_kernel::status::end_of_input) break;
+          if (r.what == count_kernel::status::record && counted_by_kernel(r)) {
+            window_.consume(r.consumed);
+            line = r.next_line;
+            continue;
+          }
+          // Otherwise the full scanner takes this record.
+        }
+      }
       record_scanner<CharT>& scanner = header_line && !meta ? raw_scanner_ : data_scanner_;
       const scan_result result = scanner.scan(window_.view(), window_.at_end(), line, rec_);
       if (result == scan_result::need_more) {
-        window_.more();
-        if (progress_) progress_(input_.bytes_read(), input_.size());
+        more();
         continue;
       }
       if (result == scan_result::end_of_input) break;
@@ -132,6 +148,9 @@ class table_reader {
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
+    if constexpr (sizeof(CharT) == 1) {
+      if (counting_) kernel_ = count_kernel::for_options(opts_);
+    }
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     const textio::parser::LineRecordReader line_reader(opts_);
@@ -231,6 +250,26 @@ class table_reader {
         return false;
     }
     return false;
+  }
+
+  void more() {
+    window_.more();
+    if (progress_) progress_(input_.bytes_read(), input_.size());
+  }
+
+  // A record that the count kernel scanned; false when the full scanner must
+  // take it (an empty line that is an error).
+  bool counted_by_kernel(const count_kernel::result& r) {
+    if (r.empty) {
+      if (opts_.empty_line_rule() == EmptyLineRule::Error) return false;
+      if (opts_.empty_line_rule() == EmptyLineRule::Skip) return true;
+      send_header();
+      count_record(variables_ ? *variables_ : 1);
+      return true;
+    }
+    send_header();
+    count_record(r.fields);
+    return true;
   }
 
   // The fields of a delimited record that its delimiter rules keep, in kept_.
@@ -585,6 +624,7 @@ class table_reader {
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
+  std::optional<count_kernel> kernel_;  // UTF-8 counting of plain delimited text
   delimiter_rule_set delimiter_rules_;
   number_format format_;
   std::vector<string> placeholders_;
