@@ -351,7 +351,8 @@ class table_reader {
           case ExtraColumnsRule::Ignore:
             break;
           case ExtraColumnsRule::Wrap:
-            next_pending_.assign(record_text.substr(cut.extra_begin));
+            // With a record width of 0 no record could ever take them.
+            if (cut.extra_begin > 0) next_pending_.assign(record_text.substr(cut.extra_begin));
             break;
           case ExtraColumnsRule::Error:
             fail<reader_error::ExtraColumns>(column(cut.extra_begin));
@@ -477,7 +478,8 @@ class table_reader {
           cells_.resize(*variables_);
           break;
         case ExtraColumnsRule::Wrap:
-          for (std::size_t i = *variables_; i < cells_.size(); ++i) {
+          // With no variables no record could ever take them.
+          for (std::size_t i = *variables_; *variables_ > 0 && i < cells_.size(); ++i) {
             carry_.push_back({string(cells_[i].text), cells_[i].quoted, where(cells_[i])});
           }
           cells_.resize(*variables_);

@@ -5,8 +5,10 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "import/utf8_input.hpp"
 #include "import/utf8_text.hpp"
@@ -16,8 +18,6 @@ namespace textio::import {
 template <class CharT>
 class unit_window {
  public:
-  static constexpr std::size_t block_size = std::size_t{1} << 20;
-
   explicit unit_window(utf8_input& input) : input_(input) {}
 
   // The unread units; valid until the next call of more().
@@ -27,22 +27,40 @@ class unit_window {
   void consume(std::size_t n) noexcept { begin_ += n; }
 
   // Appends more input: at least a block, and at least as much as the window
-  // holds, so that rescanning a long record costs linear time. False at the
-  // end of the input.
+  // holds (reading on where the input gives less at a time), so that
+  // rescanning a long record costs linear time. False at the end of the
+  // input.
   bool more() {
     if (at_end_) return false;
+    if (deferred_) std::rethrow_exception(std::exchange(deferred_, nullptr));
     units_.erase(0, begin_);
     begin_ = 0;
-    const std::size_t want = units_.size() > block_size ? units_.size() : block_size;
+    const std::size_t block = input_.block_size();
+    const std::size_t want = units_.size() > block ? units_.size() : block;
+    const std::size_t before = units_.size();
     bool got = false;
-    if constexpr (sizeof(CharT) == 1) {
-      got = input_.read(units_, want);
-    } else {
-      bytes_.clear();
-      got = input_.read(bytes_, want);
-      append_utf16(units_, bytes_);
+    while (units_.size() - before < want) {
+      bool read = false;
+      try {
+        if constexpr (sizeof(CharT) == 1) {
+          read = input_.read(units_, want - (units_.size() - before));
+        } else {
+          bytes_.clear();
+          read = input_.read(bytes_, want - (units_.size() - before));
+          append_utf16(units_, bytes_);
+        }
+      } catch (...) {
+        // The text read before the failure is read first.
+        if (!got) throw;
+        deferred_ = std::current_exception();
+        break;
+      }
+      if (!read) {
+        at_end_ = !got;
+        break;
+      }
+      got = true;
     }
-    if (!got) at_end_ = true;
     return got;
   }
 
@@ -52,6 +70,7 @@ class unit_window {
   std::size_t begin_ = 0;
   std::string bytes_;  // staging for the conversion to UTF-16
   bool at_end_ = false;
+  std::exception_ptr deferred_;  // a read failure kept until the text before it is used
 };
 
 }  // namespace textio::import

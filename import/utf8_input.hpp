@@ -27,8 +27,11 @@ class utf8_input {
   bool read(std::string& out, std::size_t want);
 
   // Takes at most `bytes` (at least 1) from the input per read call, as a
-  // slow pipe would; tests use it to cut the text at every place.
-  void limit_reads(std::size_t bytes) noexcept { read_limit_ = bytes == 0 ? 1 : bytes; }
+  // slow pipe would, and makes that the block size; tests use it to cut the
+  // text at every place.
+  void limit_reads(std::size_t bytes) noexcept { read_limit_ = block_size_ = bytes == 0 ? 1 : bytes; }
+  // The amount a reader asks for at least when it needs more text.
+  std::size_t block_size() const noexcept { return block_size_; }
 
   // The file's size when it is a regular file, else 0.
   std::uint64_t size() const noexcept { return size_; }
@@ -48,6 +51,7 @@ class utf8_input {
   bool at_end_ = false;
   bool started_ = false;  // the byte-order mark has been looked for
   std::size_t read_limit_ = static_cast<std::size_t>(-1);
+  std::size_t block_size_ = std::size_t{1} << 20;
 };
 
 }  // namespace textio::import

@@ -212,3 +212,16 @@ TEST(ReadHeader, OmittedVariablesLeaveTheNames) {
 }
 
 }  // namespace
+
+namespace {
+
+const setting_case no_room_cases[] = {
+    {"wrap_without_variables_drops_extras", "1,2\n3", {"NumVariables", "0", "ExtraColumnsRule", "wrap"}, "[] | []"},
+    {"wrap_without_record_width_drops_extras",
+     "abc\nd",
+     {"ParserType", "fixedwidth", "VariableWidths", "[0]", "ExtraColumnsRule", "wrap"},
+     "[null] | [null]"},
+};
+INSTANTIATE_TEST_SUITE_P(NoRoom, ReadSetting, ::testing::ValuesIn(no_room_cases));
+
+}  // namespace
