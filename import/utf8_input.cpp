@@ -65,6 +65,28 @@ bool utf8_input::read(std::string& out, std::size_t want) {
     }
     started_ = true;
   }
+  if (pending_.empty() && !at_end_) {
+    // Straight into the caller's buffer; a sequence cut off at the end (or
+    // a bad one) waits in pending_.
+    const std::size_t start = out.size();
+    const std::size_t size = want < read_limit_ ? want : read_limit_;
+    out.resize(start + size);
+    ssize_t got = 0;
+    do {
+      got = ::read(fd_, out.data() + start, size);
+    } while (got < 0 && errno == EINTR);
+    if (got < 0) {
+      out.resize(start);
+      throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(name_));
+    }
+    const auto bytes = static_cast<std::size_t>(got);
+    if (bytes == 0) at_end_ = true;
+    const utf8_check check = check_utf8(std::string_view(out).substr(start, bytes));
+    pending_.assign(out, start + check.valid, bytes - check.valid);
+    out.resize(start + check.valid);
+    offset_ += check.valid;
+    if (check.valid > 0) return true;
+  }
   for (;;) {
     if (pending_.empty() && !fill(want)) return false;
     // The good text ahead of a bad sequence is handed out first; the next
