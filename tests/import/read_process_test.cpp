@@ -29,11 +29,19 @@ TEST(ReadProcess, ReadingErrorExitsOneWithTheMessage) {
   EXPECT_NE(run.err.find("line 2, column 3"), std::string::npos) << run.err;
 }
 
+TEST(ReadProcess, StructGivesTheOptions) {
+  const std::string path = import_test::write_file("a;b\n");
+  const auto run = run_tool({"read", "--struct", R"({"Delimiter": ";", "VariableNamesLine": 1})", path});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.out, "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": []}\n");
+}
+
 TEST(ReadProcess, UsageErrors) {
   const std::string path = import_test::write_file("1");
   EXPECT_EQ(run_tool({"read"}).status, 2);
   EXPECT_EQ(run_tool({"read", path, "--format", "xml"}).status, 2);
   EXPECT_EQ(run_tool({"read", path, "--format"}).status, 2);
+  EXPECT_EQ(run_tool({"read", path, "--struct", "{}", "Delimiter", ","}).status, 2);
 }
 
 TEST(ReadProcess, CountAndCsvOptions) {
