@@ -16,7 +16,9 @@ constexpr const char* arguments_help = R"(Arguments:
   none at all is a call with no arguments. With --struct the one argument is
   the struct built from the JSON object; no positional argument may follow.
   For reader, the first positional argument is the reader's kind (line,
-  delimited or fixedwidth) and the others are the options.
+  delimited or fixedwidth) and the others are the options. For read, the
+  first positional argument is FILE (- for standard input), and --format
+  jsonl|csv and --count choose the output; they may stand anywhere after it.
 
 Values:
   A NAME is text. A VALUE is read as JSON when it parses as JSON, and

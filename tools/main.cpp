@@ -2,6 +2,7 @@
 //
 //   zvtextparser options [--struct JSON] [NAME VALUE ...]
 //   zvtextparser reader line|delimited|fixedwidth [--struct JSON] [NAME VALUE ...]
+//   zvtextparser read FILE [--struct JSON] [NAME VALUE ...] [--format jsonl|csv] [--count]
 //
 // CLI11 gives the subcommand structure and the help. The arguments after a
 // subcommand are sorted by hand (see subcommand_arguments.hpp) and CLI11 sees
@@ -20,6 +21,7 @@
 #include "tools/help_text.hpp"
 #include "tools/options_command.hpp"
 #include "tools/reader_command.hpp"
+#include "tools/read_command.hpp"
 #include "tools/report.hpp"
 #include "tools/subcommand_arguments.hpp"
 #include "tools/usage_error.hpp"
@@ -46,6 +48,10 @@ constexpr std::array subcommands{
                "Apply options as options does, build the reader of the given kind from the record and print both "
                "as JSON.",
                &zvtool::run_reader_command, "kind", "The reader to build: line, delimited or fixedwidth"},
+    subcommand{
+        "read",
+        "Read FILE with the reader the options name and print its records (FILE [--format jsonl|csv] [--count]).",
+        &zvtool::run_read_command, "file", "The file to read, or - for standard input"},
 };
 
 const subcommand* find_subcommand(std::string_view name) {

@@ -1,0 +1,87 @@
+// Throughput of the reference reader on a generated CSV (10 columns, mixed
+// text and numbers, some quoted fields): counting (the one-pass kernel),
+// reading every value (the full scanner, on UTF-8 bytes), and reading as
+// UTF-16 (a non-ASCII delimiter forces that path). The comparison with other
+// programs on a 256 MiB file is bench/read_comparison.sh.
+#include <benchmark/benchmark.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "import/output.hpp"
+#include "import/text_reader.hpp"
+#include "import/utf8_input.hpp"
+#include "parser/options.hpp"
+
+namespace {
+
+// A file of about 16 MiB, written once.
+const std::string& sample_path() {
+  static const std::string path = [] {
+    std::string file = "/tmp/zvtextimport_bench_" + std::to_string(::getpid()) + ".csv";
+    std::ofstream out(file, std::ios::binary);
+    std::string row;
+    for (int i = 0; out.tellp() < (16 << 20); ++i) {
+      row = std::to_string(i) + "," + std::to_string(i * 0.37) + ",gamma," + std::to_string(i * 7919) +
+            (i % 3 == 0 ? ",\"alpha, beta\"" : ",delta") + ",8.2127e-01" +
+            (i % 7 == 0 ? ",\"say \"\"hi\"\"\"" : ",plain") + ",-404,zeta_" + std::to_string(i % 97) + ",0.583\n";
+      out << row;
+    }
+    return file;
+  }();
+  return path;
+}
+
+struct null_sink : textio::import::record_sink {
+  void header(const textio::import::table_header&) override {}
+  void record(std::span<const textio::import::output_value> values) override {
+    benchmark::DoNotOptimize(values.data());
+    fields += values.size();
+  }
+  std::size_t fields = 0;
+};
+
+struct counting_sink : null_sink {
+  bool counts_only() const override { return true; }
+  void record_count(std::size_t n) override { fields += n; }
+};
+
+template <class Sink>
+void read_sample(benchmark::State& state, const textio::parser::options& opts) {
+  std::int64_t bytes = 0;
+  for (auto _ : state) {
+    textio::import::utf8_input input(sample_path());
+    Sink sink;
+    textio::import::read_table(opts, input, sink);
+    benchmark::DoNotOptimize(sink.fields);
+    bytes += static_cast<std::int64_t>(input.bytes_read());
+  }
+  state.SetBytesProcessed(bytes);
+}
+
+void BM_CountDelimited(benchmark::State& state) { read_sample<counting_sink>(state, textio::parser::options()); }
+BENCHMARK(BM_CountDelimited)->Unit(benchmark::kMillisecond);
+
+void BM_ReadDelimitedValues(benchmark::State& state) { read_sample<null_sink>(state, textio::parser::options()); }
+BENCHMARK(BM_ReadDelimitedValues)->Unit(benchmark::kMillisecond);
+
+void BM_ReadDelimitedUtf16(benchmark::State& state) {
+  textio::parser::options opts;
+  opts.delimiter(std::vector<ustring>{u",", u"\u00a6"});
+  read_sample<null_sink>(state, opts);
+}
+BENCHMARK(BM_ReadDelimitedUtf16)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  std::remove(sample_path().c_str());
+  return 0;
+}

@@ -1,0 +1,199 @@
+// Reads fuzzed bytes as a text file under a fuzzed set of options: whatever
+// the bytes and options, the reader ends normally or with one of its
+// messages, and what it hands on is well formed (a header first, text that
+// is valid UTF-8 on the byte path). The input is cut into reads of a fuzzed
+// size, so records break across the window at every place.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "fuzz/fuzz_input.hpp"
+#include "import/output.hpp"
+#include "import/text_reader.hpp"
+#include "import/utf8_input.hpp"
+#include "import/utf8_text.hpp"
+#include "name_value/set_parser_options.hpp"
+#include "zvarray/value.hpp"
+#include "zvcore/exceptions.hpp"
+
+namespace {
+
+[[noreturn]] void fail(const char* what) {
+  std::fprintf(stderr, "invariant broken: %s\n", what);
+  std::abort();
+}
+
+// Units that matter to the reader, and a few that test the encodings.
+const char16_t alphabet[] = {u',', u';', u'\n', u'\r', u'"',  u'#',      u'/',      u'*',      u' ',      u'\t', u'a',
+                             u'1', u'.', u'e',  u'-',  u'\0', u'\u00e9', u'\u3000', u'\xd834', u'\xdd1e', u'N'};
+
+std::u16string draw_text(fuzz::FuzzInput& in, std::uint32_t max_length) {
+  std::u16string text;
+  const std::uint32_t length = in.below(max_length + 1);
+  for (std::uint32_t i = 0; i < length; ++i) text.push_back(in.pick(alphabet));
+  return text;
+}
+
+hv::Value draw_list(fuzz::FuzzInput& in) {
+  std::vector<hv::Value> items;
+  const std::uint32_t n = in.below(4);
+  for (std::uint32_t i = 0; i < n; ++i) items.push_back(hv::Value::text(draw_text(in, 3)));
+  return hv::Value::cell_row(std::move(items));
+}
+
+struct option_kind {
+  const char16_t* name;
+  enum { flag, text, list, count, widths, logical } shape;
+  std::vector<const char16_t*> flags;
+};
+
+const option_kind options_to_draw[] = {
+    {u"ParserType", option_kind::flag, {u"delimited", u"fixedwidth", u"tabular", u"line"}},
+    {u"OutputBuilderType", option_kind::flag, {u"table", u"matrix", u"cell"}},
+    {u"MissingRule", option_kind::flag, {u"fill", u"omitrow", u"omitvar", u"error"}},
+    {u"ImportErrorRule", option_kind::flag, {u"fill", u"omitrow", u"omitvar", u"error"}},
+    {u"ConsecutiveDelimitersRule", option_kind::flag, {u"split", u"join", u"error"}},
+    {u"LeadingDelimitersRule", option_kind::flag, {u"keep", u"ignore", u"error"}},
+    {u"TrailingDelimitersRule", option_kind::flag, {u"keep", u"ignore", u"error"}},
+    {u"EmptyLineRule", option_kind::flag, {u"skip", u"read", u"error"}},
+    {u"ExtraColumnsRule", option_kind::flag, {u"addvars", u"ignore", u"wrap", u"error"}},
+    {u"PartialFieldRule", option_kind::flag, {u"keep", u"omitrow", u"omitvar", u"fill", u"wrap", u"error"}},
+    {u"Delimiter", option_kind::list, {}},
+    {u"LineEnding", option_kind::list, {}},
+    {u"CommentStyle", option_kind::list, {}},
+    {u"TreatAsMissing", option_kind::list, {}},
+    {u"Whitespace", option_kind::text, {}},
+    {u"DecimalSeparator", option_kind::text, {}},
+    {u"ThousandsSeparator", option_kind::text, {}},
+    {u"ExpChars", option_kind::text, {}},
+    {u"NumHeaderLines", option_kind::count, {}},
+    {u"NumVariables", option_kind::count, {}},
+    {u"VariableNamesLine", option_kind::count, {}},
+    {u"VariableUnitsLine", option_kind::count, {}},
+    {u"VariableDescriptionsLine", option_kind::count, {}},
+    {u"VariableWidths", option_kind::widths, {}},
+    {u"TrimNonNumeric", option_kind::logical, {}},
+    {u"MultipleDelimsAsOne", option_kind::logical, {}},
+};
+
+hv::Value draw_value(fuzz::FuzzInput& in, const option_kind& kind) {
+  switch (kind.shape) {
+    case option_kind::flag:
+      return hv::Value::text(kind.flags[in.below(static_cast<std::uint32_t>(kind.flags.size()))]);
+    case option_kind::text:
+      return hv::Value::text(draw_text(in, 2));
+    case option_kind::list:
+      return in.flag() ? draw_list(in) : hv::Value::text(draw_text(in, 2));
+    case option_kind::count:
+      return hv::Value::scalar(in.below(4));
+    case option_kind::widths: {
+      std::vector<double> widths;
+      const std::uint32_t n = in.below(4);
+      for (std::uint32_t i = 0; i < n; ++i) widths.push_back(in.below(5));
+      return hv::Value::row(widths);
+    }
+    case option_kind::logical:
+      return hv::Value::logical(in.flag());
+  }
+  return hv::Value::none();
+}
+
+// Checks the order of calls and the values.
+class checking_sink : public textio::import::record_sink {
+ public:
+  void header(const textio::import::table_header& h) override {
+    if (header_seen_) fail("header twice");
+    header_seen_ = true;
+    for (const auto* list : {&h.names, &h.units, &h.descriptions}) check(*list);
+  }
+  void record(std::span<const textio::import::output_value> values) override {
+    if (!header_seen_) fail("record before header");
+    check(values);
+    ++records;
+    fields += values.size();
+  }
+  std::uint64_t records = 0;
+  std::uint64_t fields = 0;
+
+ private:
+  static void check(std::span<const textio::import::output_value> values) {
+    for (const auto& v : values) {
+      if (v.kind != textio::import::value_kind::text) continue;
+      if (!v.utf16 && textio::import::check_utf8(v.bytes).valid != v.bytes.size()) fail("text is not UTF-8");
+    }
+  }
+  bool header_seen_ = false;
+};
+
+class counting_sink : public textio::import::record_sink {
+ public:
+  void header(const textio::import::table_header&) override {}
+  void record(std::span<const textio::import::output_value> values) override { record_count(values.size()); }
+  bool counts_only() const override { return true; }
+  void record_count(std::size_t n) override {
+    ++records;
+    fields += n;
+  }
+  std::uint64_t records = 0;
+  std::uint64_t fields = 0;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size > 8192) return 0;
+  fuzz::FuzzInput in(data, size);
+  textio::parser::options record;
+  const std::uint32_t settings = in.below(8);
+  for (std::uint32_t i = 0; i < settings; ++i) {
+    const option_kind& kind = in.pick(options_to_draw);
+    const hv::Value name = hv::Value::text(kind.name);
+    const hv::Value value = draw_value(in, kind);
+    const hvArray_tag* args[] = {name.get(), value.get()};
+    try {
+      textio::options::set_parser_options(args, 2, record);
+    } catch (const foundation::core::except::IMsgIDException&) {
+      // The record stays as the failed call left it.
+    }
+  }
+  const std::size_t read_size = 1 + in.below(16);
+
+  // The rest of the bytes are the file.
+  std::vector<std::uint8_t> file;
+  while (!in.empty()) file.push_back(in.byte());
+  const int fd = ::memfd_create("fuzz_text_reader", 0);
+  if (fd < 0) return 0;
+  if (!file.empty() && ::write(fd, file.data(), file.size()) != static_cast<ssize_t>(file.size())) fail("write");
+  ::lseek(fd, 0, SEEK_SET);
+  checking_sink sink;
+  bool read_all = false;
+  try {
+    textio::import::utf8_input input(fd, "fuzz");
+    input.limit_reads(read_size);
+    textio::import::read_table(record, input, sink);
+    read_all = true;
+  } catch (const foundation::core::except::IMsgIDException&) {
+    // A reading error is a normal end.
+  }
+  // Counting takes shorter ways; it must come to the same numbers.
+  counting_sink counter;
+  bool counted_all = false;
+  ::lseek(fd, 0, SEEK_SET);
+  try {
+    textio::import::utf8_input input(fd, "fuzz");
+    input.limit_reads(read_size);
+    textio::import::read_table(record, input, counter);
+    counted_all = true;
+  } catch (const foundation::core::except::IMsgIDException&) {
+  }
+  ::close(fd);
+  if (read_all != counted_all) fail("counting and reading disagree on failing");
+  if (read_all && (counter.records != sink.records || counter.fields != sink.fields)) fail("count differs");
+  return 0;
+}

@@ -1,0 +1,37 @@
+// What delimiters at the start, at the end and two in a row mean for the
+// fields of a delimited record. A field is blank when it is unquoted and has
+// no units after trimming. The leading run (blank fields ahead of the first
+// field with text) and the trailing run (blank fields after the last) are
+// settled by their own rules first; the blank fields between two fields with
+// text then follow the consecutive rule.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "import/record_scanner.hpp"
+#include "parser/enums.hpp"
+
+namespace textio::import {
+
+struct delimiter_rule_set {
+  textio::enums::LeadingDelimiterRule leading = textio::enums::LeadingDelimiterRule::Keep;
+  textio::enums::TrailingDelimiterRule trailing = textio::enums::TrailingDelimiterRule::Keep;
+  textio::enums::ConsecutiveDelimitersRule consecutive = textio::enums::ConsecutiveDelimitersRule::Split;
+};
+
+enum class delimiter_fault { none, leading, trailing, consecutive };
+
+struct delimiter_outcome {
+  delimiter_fault fault = delimiter_fault::none;
+  std::size_t field = 0;  // the field whose ending delimiter breaks an "error" rule
+};
+
+// Fills `kept` with the indices of the fields that stay, in order, or gives
+// the first fault under an "error" rule (leading, then trailing, then
+// consecutive).
+delimiter_outcome apply_delimiter_rules(std::span<const raw_field> fields, const delimiter_rule_set& rules,
+                                        std::vector<std::size_t>& kept);
+
+}  // namespace textio::import

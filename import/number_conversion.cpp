@@ -1,0 +1,88 @@
+#include "import/number_conversion.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace textio::import {
+namespace {
+
+bool is_digit(char16_t u) { return u >= u'0' && u <= u'9'; }
+
+char16_t lower(char16_t u) { return u >= u'A' && u <= u'Z' ? static_cast<char16_t>(u + 32) : u; }
+
+// NaN or Inf with an optional sign, the whole of `ascii`.
+std::optional<double> special_value(std::string_view ascii) {
+  bool negative = false;
+  if (!ascii.empty() && (ascii[0] == '+' || ascii[0] == '-')) {
+    negative = ascii[0] == '-';
+    ascii.remove_prefix(1);
+  }
+  if (ascii == "nan") return std::numeric_limits<double>::quiet_NaN();
+  if (ascii == "inf" || ascii == "infinity") {
+    return negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+template <class CharT>
+std::optional<double> to_number(std::basic_string_view<CharT> text, const number_format& format) {
+  const auto unit = [&](std::size_t i) {
+    return static_cast<char16_t>(static_cast<std::make_unsigned_t<CharT>>(text[i]));
+  };
+  std::size_t begin = 0;
+  std::size_t end = text.size();
+  if (format.trim_non_numeric) {
+    // Up to the first unit that can start a number, back from the last digit.
+    while (begin < end && !(is_digit(unit(begin)) || unit(begin) == u'+' || unit(begin) == u'-' ||
+                            unit(begin) == format.decimal_separator))
+      ++begin;
+    while (end > begin && !is_digit(unit(end - 1))) --end;
+  }
+  if (begin == end) return std::nullopt;
+  // The plain form that from_chars reads.
+  std::string ascii;
+  ascii.reserve(end - begin);
+  bool other = false;  // a unit with no part in a number: only NaN or Inf can still match
+  for (std::size_t i = begin; i < end; ++i) {
+    const char16_t u = unit(i);
+    if (u == format.decimal_separator) {
+      ascii.push_back('.');
+    } else if (is_digit(u) || u == u'+' || u == u'-') {
+      ascii.push_back(static_cast<char>(u));
+    } else if (format.exp_chars.find(u) != std::u16string::npos) {
+      ascii.push_back('e');
+    } else if (format.thousands_separator.find(u) != std::u16string::npos) {
+      continue;
+    } else if (u < 0x80) {
+      ascii.push_back(static_cast<char>(lower(u)));
+      other = true;
+    } else {
+      return std::nullopt;
+    }
+  }
+  if (other) return special_value(ascii);
+  std::string_view digits = ascii;
+  if (!digits.empty() && digits[0] == '+') digits.remove_prefix(1);
+  if (digits.empty() || digits[0] == '+') return std::nullopt;
+  double value = 0;
+  const auto [ptr, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (ptr != digits.data() + digits.size()) return std::nullopt;
+  if (ec == std::errc::result_out_of_range) {
+    // Too large or too small for a double: its infinity or zero.
+    const bool negative = digits[0] == '-';
+    const bool tiny =
+        digits.find_first_of("123456789") == std::string_view::npos || digits.find("e-") != std::string_view::npos;
+    if (tiny) return negative ? -0.0 : 0.0;
+    return negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+  }
+  if (ec != std::errc()) return std::nullopt;
+  return value;
+}
+
+template std::optional<double> to_number<char>(std::string_view, const number_format&);
+template std::optional<double> to_number<char16_t>(std::u16string_view, const number_format&);
+
+}  // namespace textio::import

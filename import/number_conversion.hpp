@@ -1,0 +1,25 @@
+// Turns the text of a field into a number the way the options describe
+// numbers: a decimal separator, thousands separators that are dropped, any
+// of the exponent characters for the exponent mark, and optionally
+// non-numeric units dropped before and after the number.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace textio::import {
+
+struct number_format {
+  char16_t decimal_separator = u'.';
+  std::u16string thousands_separator;  // each unit is a separator
+  std::u16string exp_chars = u"eEdD";
+  bool trim_non_numeric = false;
+};
+
+// The number, or nothing when the text is no number. "NaN" and "Inf" with an
+// optional sign are numbers, in any case.
+template <class CharT>
+std::optional<double> to_number(std::basic_string_view<CharT> text, const number_format& format);
+
+}  // namespace textio::import

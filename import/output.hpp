@@ -1,0 +1,43 @@
+// What the reader hands on: a header of names, units and descriptions, then
+// one record at a time. Values are views that stay valid only for the call.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace textio::import {
+
+enum class value_kind : std::uint8_t { missing, text, number };
+
+struct output_value {
+  value_kind kind = value_kind::missing;
+  // Text in the reader's units: UTF-16 when `utf16`, else UTF-8 bytes.
+  bool utf16 = false;
+  std::string_view bytes;
+  std::u16string_view units;
+  double number = 0;
+};
+
+struct table_header {
+  std::vector<output_value> names;
+  std::vector<output_value> units;
+  std::vector<output_value> descriptions;
+};
+
+// Receives the header once, before any record, then every record in order.
+class record_sink {
+ public:
+  virtual ~record_sink() = default;
+  virtual void header(const table_header& header) = 0;
+  virtual void record(std::span<const output_value> values) = 0;
+  // A sink that only counts says so here and then receives the field count
+  // of each record instead of its values, where the values cannot change
+  // what is counted.
+  virtual bool counts_only() const { return false; }
+  virtual void record_count(std::size_t fields) { (void)fields; }
+};
+
+}  // namespace textio::import

@@ -1,0 +1,64 @@
+// The messages of the reference text reader, catalog "ZORVEK:textio:reader".
+// A reading error names where it happened: the physical line and column
+// (both 1-based, the column in UTF-16 units) or, for input that is no UTF-8,
+// the byte offset. Thrown with the same exception template as the library's
+// own messages.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "errors/msg_id_exception.hpp"
+#include "zvcore/base_msg_id.hpp"
+
+namespace ZORVEK::textio::reader {
+
+inline constexpr const char* catalog_name = "ZORVEK:textio:reader";
+
+// Declares a tag whose arguments are a physical line and a column.
+#define ZVTI_POSITION_TAG(Name)                                                                      \
+  struct Name : resource_core::BaseMsgID {                                                           \
+    Name(std::uint64_t line, std::uint64_t column) : resource_core::BaseMsgID(catalog_name, #Name) { \
+      args.emplace_back(std::in_place_index<0>, line);                                               \
+      args.emplace_back(std::in_place_index<0>, column);                                             \
+    }                                                                                                \
+  }
+
+// Two field delimiters in a row under ConsecutiveDelimitersRule "error".
+ZVTI_POSITION_TAG(ConsecutiveDelimiters);
+// A delimiter at the start of a record under LeadingDelimitersRule "error".
+ZVTI_POSITION_TAG(LeadingDelimiter);
+// A delimiter at the end of a record under TrailingDelimitersRule "error".
+ZVTI_POSITION_TAG(TrailingDelimiter);
+// An empty line under EmptyLineRule "error".
+ZVTI_POSITION_TAG(EmptyLine);
+// A fixed-width record shorter than the record width under PartialFieldRule "error".
+ZVTI_POSITION_TAG(PartialField);
+// More fields (or units) than the record takes under ExtraColumnsRule "error".
+ZVTI_POSITION_TAG(ExtraColumns);
+// A missing value under MissingRule "error".
+ZVTI_POSITION_TAG(MissingValue);
+// A field that is no number under ImportErrorRule "error".
+ZVTI_POSITION_TAG(ImportError);
+// A quoted field that is still open at the end of the input.
+ZVTI_POSITION_TAG(UnterminatedQuote);
+
+#undef ZVTI_POSITION_TAG
+
+// A byte sequence that is no UTF-8; argument: its byte offset from the start
+// of the input (0-based, the byte-order mark included).
+struct InvalidUtf8 : resource_core::BaseMsgID {
+  explicit InvalidUtf8(std::uint64_t offset) : resource_core::BaseMsgID(catalog_name, "InvalidUtf8") {
+    args.emplace_back(std::in_place_index<0>, offset);
+  }
+};
+
+// The input could not be opened or read; argument: its name as given.
+struct CannotReadFile : resource_core::BaseMsgID {
+  explicit CannotReadFile(const std::string& path) : resource_core::BaseMsgID(catalog_name, "CannotReadFile") {
+    args.emplace_back(std::in_place_index<1>, path);
+  }
+};
+
+}  // namespace ZORVEK::textio::reader

@@ -1,0 +1,148 @@
+// Finds one record at the start of a window of text: where its fields begin
+// and end, outside quotes and comments, and where the record ends (a line
+// ending, or the end of the input). One scanner serves every reader; its
+// rules say which of delimiters, quotes, comments and trimming take part.
+//
+// Field text stays in the window where it is contiguous; text that is not
+// (a quoted field with doubled quotes, a field with a block comment inside)
+// is copied into the record's scratch buffer.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "import/string_matcher.hpp"
+
+namespace textio::import {
+
+// A place in the window: its physical line, where that line starts in the
+// window, and the unit itself.
+struct window_position {
+  std::uint64_t line = 0;
+  std::size_t line_start = 0;
+  std::size_t pos = 0;
+};
+
+struct raw_field {
+  std::size_t begin = 0;   // first unit, in the window or in scratch
+  std::size_t length = 0;  // after trimming
+  bool in_scratch = false;
+  bool quoted = false;
+  window_position start;      // where the field's text starts
+  window_position delimiter;  // the delimiter that ends it (when one does)
+};
+
+template <class CharT>
+struct scanned_record {
+  std::vector<raw_field> fields;
+  std::basic_string<CharT> scratch;
+  std::size_t consumed = 0;     // units of the window that the record took
+  std::uint64_t next_line = 0;  // physical line after the record
+  window_position end;          // where the record's text ends
+  // No units but whitespace (and delimiters made of whitespace), no quote.
+  bool empty = true;
+  bool had_comment = false;
+
+  std::basic_string_view<CharT> text(std::basic_string_view<CharT> window, const raw_field& f) const noexcept {
+    return f.in_scratch ? std::basic_string_view<CharT>(scratch).substr(f.begin, f.length)
+                        : window.substr(f.begin, f.length);
+  }
+};
+
+enum class scan_result { record, need_more, end_of_input };
+
+// Unit classes of the scan table.
+enum unit_class : std::uint8_t {
+  starts_field_delimiter = 1,
+  starts_line_ending = 2,
+  starts_comment = 4,
+  is_quote = 8,
+  is_whitespace = 16,
+};
+
+template <class CharT>
+struct scan_rules {
+  string_matcher<CharT> field_delimiters;  // none: one field per record
+  string_matcher<CharT> line_endings;
+  string_matcher<CharT> comment_open;   // none: no comments
+  string_matcher<CharT> comment_close;  // none with an open marker: to the end of the line
+  bool quotes = false;
+  CharT quote = CharT('"');
+  bool trim = false;  // trim whitespace at both ends of unquoted fields
+  std::u16string whitespace;
+
+  static constexpr std::size_t table_size = std::size_t{1} << (8 * sizeof(CharT));
+  std::array<std::uint8_t, table_size> table{};
+  std::size_t lookahead = 1;  // units a match may need from a position
+
+  // Fills the table from the comment markers, the quote and the whitespace,
+  // and the lookahead from all strings. Delimiters and line endings are
+  // marked from the reader's stop characters (mark_stop_characters).
+  void finish() {
+    table.fill(0);
+    for (const char16_t u : comment_open.first_units()) mark(u, starts_comment);
+    if (quotes) mark(static_cast<char16_t>(static_cast<std::make_unsigned_t<CharT>>(quote)), is_quote);
+    for (const char16_t u : whitespace) mark(u, is_whitespace);
+    lookahead = 1;
+    for (const auto* m : {&field_delimiters, &line_endings, &comment_open, &comment_close}) {
+      if (m->longest() > lookahead) lookahead = m->longest();
+    }
+  }
+
+  // Marks each unit of a stop-character string: a place where a delimiter
+  // or a line ending may start, which the matchers then decide.
+  void mark_stop_characters(std::u16string_view stop_chars, std::uint8_t classes) {
+    for (const char16_t u : stop_chars) mark(u, classes);
+  }
+
+  void mark(char16_t unit, std::uint8_t cls) {
+    if (unit < table_size) table[unit] |= cls;
+  }
+
+  std::uint8_t classes(CharT unit) const noexcept { return table[static_cast<std::make_unsigned_t<CharT>>(unit)]; }
+};
+
+template <class CharT>
+class record_scanner {
+ public:
+  using view = std::basic_string_view<CharT>;
+
+  explicit record_scanner(const scan_rules<CharT>& rules) : rules_(rules) {}
+
+  // Scans the record at the start of `text`, whose first unit is on physical
+  // line `first_line`. need_more: the window ends before the record is known
+  // to end and the input has not ended; the caller appends and scans again.
+  // Throws UnterminatedQuote for a quoted field open at the end of the input.
+  scan_result scan(view text, bool at_end, std::uint64_t first_line, scanned_record<CharT>& out);
+
+ private:
+  enum class field_end { delimiter, line_ending, end_of_input, need_more };
+
+  void append(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to) {
+    if (!f.in_scratch && f.length == 0) [[likely]] {
+      f.begin = from;
+      f.length = to - from;
+      return;
+    }
+    append_slow(text, out, f, from, to);
+  }
+  void append_slow(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to);
+  // Scans unquoted text of a field up to the next delimiter or line ending,
+  // removing comments. Leaves pos_ at that delimiter or line ending.
+  field_end scan_unquoted(view text, bool at_end, scanned_record<CharT>& out, raw_field& f, std::size_t& match);
+  bool is_blank_unit(CharT unit) const noexcept { return (rules_.classes(unit) & is_whitespace) != 0; }
+  bool needs_more(view text, bool at_end) const noexcept { return !at_end && pos_ + rules_.lookahead > text.size(); }
+  void trim_end(view text, scanned_record<CharT>& out, raw_field& f, std::size_t keep) const noexcept;
+
+  const scan_rules<CharT>& rules_;
+  std::size_t pos_ = 0;
+  std::uint64_t line_ = 0;
+  std::size_t line_start_ = 0;
+};
+
+}  // namespace textio::import

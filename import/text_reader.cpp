@@ -1,0 +1,663 @@
+#include "import/text_reader.hpp"
+
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "import/count_kernel.hpp"
+#include "import/delimiter_rules.hpp"
+#include "import/fixed_width_cutter.hpp"
+#include "import/number_conversion.hpp"
+#include "import/reader_errors.hpp"
+#include "import/reader_settings.hpp"
+#include "import/record_scanner.hpp"
+#include "import/unit_window.hpp"
+#include "import/utf8_text.hpp"
+#include "parser/record_readers.hpp"
+#include "zvcore/ustring.hpp"
+
+namespace textio::import {
+namespace {
+
+using textio::enums::BadDataRule;
+using textio::enums::EmptyLineRule;
+using textio::enums::ExtraColumnsRule;
+using textio::enums::OutputBuilderType;
+using textio::enums::ParserType;
+using textio::enums::PartialFieldRule;
+namespace reader_error = ZORVEK::textio::reader;
+
+template <class CharT>
+string_matcher<CharT> comment_matcher(const std::vector<ustring>& style, std::size_t index) {
+  if (style.size() <= index || style[index].empty()) return {};
+  return string_matcher<CharT>(textio::get_or_create_delim({style[index]}));
+}
+
+template <class CharT>
+std::basic_string<CharT> encode(const ustring& text) {
+  if constexpr (sizeof(CharT) == 1) {
+    return foundation::core::unicode::to_utf8(text);
+  } else {
+    return text;
+  }
+}
+
+// Whether a text has a UTF-8 form (no lone surrogate).
+bool has_utf8_form(const ustring& text) {
+  return foundation::core::unicode::to_utf16(foundation::core::unicode::to_utf8(text)) == text;
+}
+
+struct source_position {
+  std::uint64_t line = 0;
+  std::uint64_t column = 0;
+};
+
+template <class CharT>
+class table_reader {
+ public:
+  using view = std::basic_string_view<CharT>;
+  using string = std::basic_string<CharT>;
+
+  table_reader(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+               const progress_callback& progress)
+      : opts_(effective_options(given)), input_(input), window_(input), sink_(sink), progress_(progress) {
+    set_up();
+  }
+
+  void run() {
+    std::uint64_t line = 1;
+    for (;;) {
+      const bool header_line = line <= header_lines_;
+      const bool meta = !header_sent_ && is_meta_line(line);
+      if constexpr (sizeof(CharT) == 1) {
+        if (kernel_ && !header_line && !meta) {
+          const count_kernel::result r = kernel_->scan(window_.view(), window_.at_end(), line);
+          if (r.what == count_kernel::status::need_more) {
+            more();
+            continue;
+          }
+          if (r.what == count_kernel::status::end_of_input) break;
+          if (r.what == count_kernel::status::record && counted_by_kernel(r)) {
+            window_.consume(r.consumed);
+            line = r.next_line;
+            continue;
+          }
+          // Otherwise the full scanner takes this record.
+        }
+      }
+      record_scanner<CharT>& scanner = header_line && !meta ? raw_scanner_ : data_scanner_;
+      const scan_result result = scanner.scan(window_.view(), window_.at_end(), line, rec_);
+      if (result == scan_result::need_more) {
+        more();
+        continue;
+      }
+      if (result == scan_result::end_of_input) break;
+      if (meta) {
+        take_meta_line(line);
+      } else if (!header_line) {
+        data_record();
+      }
+      window_.consume(rec_.consumed);
+      line = rec_.next_line;
+    }
+    finish();
+  }
+
+ private:
+  // A field of the record being shaped, with where it came from.
+  struct cell {
+    view text;
+    bool quoted = false;
+    bool missing = false;  // already known to be missing (padding, a filled partial field)
+    bool resolved = false;
+    window_position at;
+    source_position where;
+  };
+  // A field kept beyond its record (wrapped extra columns).
+  struct owned_cell {
+    string content;
+    bool quoted = false;
+    source_position where;
+  };
+  struct owned_value {
+    value_kind kind = value_kind::missing;
+    string content;
+    double number = 0;
+  };
+
+  void set_up() {
+    header_lines_ = opts_.num_header_lines();
+    if (!opts_.detecting_num_variables()) variables_ = opts_.num_variables();
+    format_.decimal_separator = opts_.decimal_separator();
+    format_.thousands_separator = opts_.thousands_separator();
+    format_.exp_chars = opts_.exp_chars();
+    format_.trim_non_numeric = opts_.trim_non_numeric();
+    for (const auto& p : opts_.missing_placeholders()) {
+      if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
+    }
+    buffering_ =
+        opts_.missing_rule() == BadDataRule::OmitVar ||
+        (opts_.output_type() == OutputBuilderType::Matrix && opts_.import_error_rule() == BadDataRule::OmitVar) ||
+        (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar);
+    // Counting needs no values when no rule looks at them.
+    counting_ = sink_.counts_only() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
+                (opts_.output_type() != OutputBuilderType::Matrix || opts_.import_error_rule() == BadDataRule::Fill) &&
+                (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
+                 opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
+                opts_.parser_type() != ParserType::FixedWidth;
+    if constexpr (sizeof(CharT) == 1) {
+      if (counting_) kernel_ = count_kernel::for_options(opts_);
+    }
+    delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
+
+    const textio::parser::LineRecordReader line_reader(opts_);
+    raw_rules_.line_endings = string_matcher<CharT>(line_reader.line_delimiter);
+    raw_rules_.whitespace = *line_reader.whitespace;
+    raw_rules_.finish();
+    raw_rules_.mark_stop_characters(line_reader.delimiters.stop_chars, starts_line_ending);
+    reads_empty_lines_ = line_reader.reads_empty_lines;
+
+    switch (opts_.parser_type()) {
+      case ParserType::Delimited:
+      case ParserType::Tabular: {
+        const textio::parser::DelimitedRecordReader reader(opts_);
+        data_rules_.field_delimiters = string_matcher<CharT>(reader.field_delimiter);
+        data_rules_.line_endings = string_matcher<CharT>(reader.line_delimiter);
+        data_rules_.quotes = true;
+        data_rules_.quote = static_cast<CharT>(reader.quoted_delimiters.quote);
+        data_rules_.trim = true;
+        add_comments_and_finish(data_rules_);
+        data_rules_.mark_stop_characters(reader.quoted_delimiters.delimiters.stop_chars,
+                                         starts_field_delimiter | starts_line_ending);
+        break;
+      }
+      case ParserType::FixedWidth: {
+        const textio::parser::FixedWidthRecordReader reader(opts_);
+        data_rules_.line_endings = string_matcher<CharT>(reader.line_delimiter);
+        add_comments_and_finish(data_rules_);
+        data_rules_.mark_stop_characters(reader.stop_chars, starts_line_ending);
+        widths_ = reader.field_widths;
+        // Without a given count, a fixed-width record has a variable per width.
+        if (!variables_ && !widths_.empty() && opts_.variable_names_line() == 0) variables_ = widths_.size();
+        break;
+      }
+      case ParserType::Line:
+        data_rules_.line_endings = raw_rules_.line_endings;
+        data_rules_.whitespace = raw_rules_.whitespace;
+        data_rules_.finish();
+        data_rules_.mark_stop_characters(line_reader.delimiters.stop_chars, starts_line_ending);
+        break;
+    }
+  }
+
+  void add_comments_and_finish(scan_rules<CharT>& rules) {
+    rules.comment_open = comment_matcher<CharT>(opts_.comment_style(), 0);
+    if (!rules.comment_open.empty()) rules.comment_close = comment_matcher<CharT>(opts_.comment_style(), 1);
+    rules.whitespace = opts_.whitespace();
+    rules.finish();
+  }
+
+  bool is_meta_line(std::uint64_t line) const noexcept {
+    return line == opts_.variable_names_line() || line == opts_.variable_units_line() ||
+           line == opts_.variable_descriptions_line();
+  }
+
+  source_position resolve(const window_position& at) const {
+    const view w = window_.view();
+    std::uint64_t column = at.pos - at.line_start;
+    if constexpr (sizeof(CharT) == 1) column = utf16_length(w.substr(at.line_start, at.pos - at.line_start));
+    return {at.line, column + 1};
+  }
+  source_position where(const cell& c) const { return c.resolved ? c.where : resolve(c.at); }
+
+  template <class Tag>
+  [[noreturn]] void fail(source_position p) const {
+    throw_msg_id_exception(Tag(p.line, p.column));
+  }
+
+  // The fields of the scanned record as cells, by the parser's rules. False
+  // when the record gives no row.
+  bool record_cells() {
+    cells_.clear();
+    const view w = window_.view();
+    switch (opts_.parser_type()) {
+      case ParserType::Delimited:
+      case ParserType::Tabular: {
+        keep_delimited_fields();
+        for (const std::size_t i : kept_) {
+          cell c;
+          c.text = rec_.text(w, rec_.fields[i]);
+          c.quoted = rec_.fields[i].quoted;
+          c.at = rec_.fields[i].start;
+          cells_.push_back(c);
+        }
+        return true;
+      }
+      case ParserType::Line: {
+        cell c;
+        c.text = rec_.text(w, rec_.fields[0]);
+        c.at = rec_.fields[0].start;
+        cells_.push_back(c);
+        return true;
+      }
+      case ParserType::FixedWidth:
+        if constexpr (sizeof(CharT) == 2) {
+          return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.fields[0].start.line, false);
+        }
+        return false;
+    }
+    return false;
+  }
+
+  void more() {
+    window_.more();
+    if (progress_) progress_(input_.bytes_read(), input_.size());
+  }
+
+  // A record that the count kernel scanned; false when the full scanner must
+  // take it (an empty line that is an error).
+  bool counted_by_kernel(const count_kernel::result& r) {
+    if (r.empty) {
+      if (opts_.empty_line_rule() == EmptyLineRule::Error) return false;
+      if (opts_.empty_line_rule() == EmptyLineRule::Skip) return true;
+      send_header();
+      count_record(variables_ ? *variables_ : 1);
+      return true;
+    }
+    send_header();
+    count_record(r.fields);
+    return true;
+  }
+
+  // The fields of a delimited record that its delimiter rules keep, in kept_.
+  void keep_delimited_fields() {
+    const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_, kept_);
+    if (outcome.fault != delimiter_fault::none) {
+      const source_position p = resolve(rec_.fields[outcome.field].delimiter);
+      if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
+      if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
+      fail<reader_error::ConsecutiveDelimiters>(p);
+    }
+  }
+
+  // The field count of a record that is only counted (see counting_).
+  void count_record(std::size_t fields) {
+    if (!variables_) variables_ = fields;
+    // Extra fields are kept (AddVars) or dropped (Ignore), missing ones filled.
+    if (fields > *variables_ && opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
+    sink_.record_count(*variables_);
+  }
+
+  // Cuts a fixed-width record (the pending units of an earlier line first).
+  // `final`: no line follows, so a record to be wrapped is kept as it is.
+  bool fixed_width_cells(std::u16string_view line_text, std::uint64_t line, bool final) {
+    if constexpr (sizeof(CharT) == 2) {
+      std::u16string_view record_text = line_text;
+      if (!pending_units_.empty()) {
+        fixed_text_ = pending_units_;
+        fixed_text_ += line_text;
+        pending_units_.clear();
+        record_text = fixed_text_;
+      }
+      const fixed_width_cut cut = cut_fixed_width(record_text, widths_, opts_.whitespace());
+      const auto column = [&](std::size_t offset) { return source_position{line, offset + 1}; };
+      std::optional<std::size_t> filled;
+      if (cut.short_record) {
+        switch (opts_.partial_field_rule()) {
+          case PartialFieldRule::Keep:
+            break;
+          case PartialFieldRule::OmitRow:
+            return false;
+          case PartialFieldRule::OmitVar:
+            mark_omitted(cut.incomplete);
+            break;
+          case PartialFieldRule::Fill:
+            filled = cut.incomplete;
+            break;
+          case PartialFieldRule::Wrap:
+            if (final) break;
+            pending_units_.assign(record_text);
+            return false;
+          case PartialFieldRule::Error:
+            fail<reader_error::PartialField>(column(record_text.size()));
+        }
+      }
+      for (std::size_t i = 0; i < cut.fields.size(); ++i) {
+        cell c;
+        c.text = record_text.substr(cut.fields[i].begin, cut.fields[i].length);
+        c.missing = filled && *filled == i;
+        c.resolved = true;
+        c.where = column(cut.fields[i].offset);
+        cells_.push_back(c);
+      }
+      if (cut.has_extra) {
+        switch (opts_.extra_columns_rule()) {
+          case ExtraColumnsRule::AddVars: {
+            std::size_t b = cut.extra_begin;
+            std::size_t e = record_text.size();
+            const std::u16string_view ws = opts_.whitespace();
+            while (b < e && ws.find(record_text[b]) != std::u16string_view::npos) ++b;
+            while (e > b && ws.find(record_text[e - 1]) != std::u16string_view::npos) --e;
+            cell c;
+            c.text = record_text.substr(b, e - b);
+            c.resolved = true;
+            c.where = column(cut.extra_begin);
+            cells_.push_back(c);
+            break;
+          }
+          case ExtraColumnsRule::Ignore:
+            break;
+          case ExtraColumnsRule::Wrap:
+            // With a record width of 0 no record could ever take them.
+            if (cut.extra_begin > 0) next_pending_.assign(record_text.substr(cut.extra_begin));
+            break;
+          case ExtraColumnsRule::Error:
+            fail<reader_error::ExtraColumns>(column(cut.extra_begin));
+        }
+      }
+      return true;
+    } else {
+      (void)line_text;
+      (void)line;
+      (void) final;
+      return false;
+    }
+  }
+
+  void mark_omitted(std::size_t variable) {
+    if (omitted_.size() <= variable) omitted_.resize(variable + 1, false);
+    omitted_[variable] = true;
+  }
+
+  void send_header() {
+    if (header_sent_) return;
+    header_sent_ = true;
+    if (!buffering_) sink_.header(header_values({}));
+  }
+
+  table_header header_values(const std::vector<bool>& omitted) const {
+    table_header h;
+    const auto fill = [&](const std::vector<string>& texts, std::vector<output_value>& out) {
+      for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i < omitted.size() && omitted[i]) continue;
+        out.push_back(text_value(texts[i]));
+      }
+    };
+    fill(names_, h.names);
+    fill(units_, h.units);
+    fill(descriptions_, h.descriptions);
+    return h;
+  }
+
+  static output_value text_value(view t) {
+    output_value v;
+    v.kind = value_kind::text;
+    if constexpr (sizeof(CharT) == 1) {
+      v.bytes = t;
+    } else {
+      v.utf16 = true;
+      v.units = t;
+    }
+    return v;
+  }
+
+  void take_meta_line(std::uint64_t line) {
+    std::vector<string> texts;
+    if (!rec_.empty && record_cells()) {
+      for (const cell& c : cells_) texts.emplace_back(c.text);
+    }
+    pending_units_.clear();
+    next_pending_.clear();
+    if (line == opts_.variable_names_line()) {
+      names_ = texts;
+      if (!variables_) variables_ = names_.size();
+    }
+    if (line == opts_.variable_units_line()) units_ = texts;
+    if (line == opts_.variable_descriptions_line()) descriptions_ = std::move(texts);
+  }
+
+  void data_record() {
+    if (rec_.empty) {
+      if (rec_.had_comment) return;
+      if (opts_.parser_type() == ParserType::Line) {
+        if (!reads_empty_lines_) return;
+      } else {
+        switch (opts_.empty_line_rule()) {
+          case EmptyLineRule::Skip:
+            return;
+          case EmptyLineRule::Error:
+            fail<reader_error::EmptyLine>({rec_.fields.front().start.line, 1});
+          case EmptyLineRule::Read:
+            send_header();
+            if (counting_) return count_record(variables_ ? *variables_ : 1);
+            cells_.clear();
+            if (!variables_) variables_ = 1;
+            shape_and_emit();
+            return;
+        }
+      }
+    }
+    send_header();
+    if (counting_) {
+      if (opts_.parser_type() == ParserType::Line) return count_record(1);
+      keep_delimited_fields();
+      return count_record(kept_.size());
+    }
+    if (!record_cells()) return;
+    shape_and_emit();
+    if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
+  }
+
+  void shape_and_emit() {
+    // Wrapped extra fields of the previous record come first.
+    current_carry_ = std::move(carry_);
+    carry_.clear();
+    if (!current_carry_.empty()) {
+      std::vector<cell> joined;
+      for (const owned_cell& o : current_carry_) {
+        cell c;
+        c.text = o.content;
+        c.quoted = o.quoted;
+        c.resolved = true;
+        c.where = o.where;
+        joined.push_back(c);
+      }
+      joined.insert(joined.end(), cells_.begin(), cells_.end());
+      cells_ = std::move(joined);
+    }
+    if (!variables_) variables_ = cells_.size();
+    if (cells_.size() > *variables_) {
+      switch (opts_.extra_columns_rule()) {
+        case ExtraColumnsRule::AddVars:
+          variables_ = cells_.size();
+          break;
+        case ExtraColumnsRule::Ignore:
+          cells_.resize(*variables_);
+          break;
+        case ExtraColumnsRule::Wrap:
+          // With no variables no record could ever take them.
+          for (std::size_t i = *variables_; *variables_ > 0 && i < cells_.size(); ++i) {
+            carry_.push_back({string(cells_[i].text), cells_[i].quoted, where(cells_[i])});
+          }
+          cells_.resize(*variables_);
+          break;
+        case ExtraColumnsRule::Error:
+          fail<reader_error::ExtraColumns>(where(cells_[*variables_]));
+      }
+    }
+    while (cells_.size() < *variables_) {
+      cell c;
+      c.missing = true;
+      c.resolved = rec_.fields.empty();
+      c.at = rec_.end;
+      cells_.push_back(c);
+    }
+    emit();
+  }
+
+  bool is_missing(const cell& c) const {
+    if (c.missing) return true;
+    if (c.quoted) return false;
+    view t = c.text;
+    if (!data_rules_.trim) {
+      while (!t.empty() && (data_rules_.classes(t.front()) & is_whitespace) != 0) t.remove_prefix(1);
+      while (!t.empty() && (data_rules_.classes(t.back()) & is_whitespace) != 0) t.remove_suffix(1);
+    }
+    if (t.empty()) return true;
+    for (const string& p : placeholders_) {
+      if (t == p) return true;
+    }
+    return false;
+  }
+
+  void emit() {
+    values_.clear();
+    const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+      const cell& c = cells_[i];
+      output_value v;
+      if (is_missing(c)) {
+        switch (opts_.missing_rule()) {
+          case BadDataRule::Fill:
+            break;
+          case BadDataRule::OmitRow:
+            return;
+          case BadDataRule::OmitVar:
+            mark_omitted(i);
+            break;
+          case BadDataRule::Error:
+            fail<reader_error::MissingValue>(where(c));
+        }
+      } else if (matrix) {
+        v.kind = value_kind::number;
+        if (const auto number = to_number(c.text, format_)) {
+          v.number = *number;
+        } else {
+          v.number = std::numeric_limits<double>::quiet_NaN();
+          switch (opts_.import_error_rule()) {
+            case BadDataRule::Fill:
+              break;
+            case BadDataRule::OmitRow:
+              return;
+            case BadDataRule::OmitVar:
+              mark_omitted(i);
+              break;
+            case BadDataRule::Error:
+              fail<reader_error::ImportError>(where(c));
+          }
+        }
+      } else {
+        v = text_value(c.text);
+      }
+      values_.push_back(v);
+    }
+    if (!buffering_) {
+      sink_.record(values_);
+      return;
+    }
+    std::vector<owned_value> row;
+    row.reserve(values_.size());
+    for (const output_value& v : values_) {
+      view t;
+      if constexpr (sizeof(CharT) == 1) {
+        t = v.bytes;
+      } else {
+        t = v.units;
+      }
+      row.push_back({v.kind, string(t), v.number});
+    }
+    table_.push_back(std::move(row));
+  }
+
+  void finish() {
+    // Units or fields still waiting for a line that never came.
+    if constexpr (sizeof(CharT) == 2) {
+      while (!pending_units_.empty()) {
+        send_header();
+        const std::u16string waiting = std::exchange(pending_units_, {});
+        cells_.clear();
+        rec_.fields.clear();
+        if (fixed_width_cells(waiting, 0, true)) shape_and_emit();
+        if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
+      }
+    }
+    while (!carry_.empty()) {
+      send_header();
+      cells_.clear();
+      rec_.fields.clear();
+      shape_and_emit();
+    }
+    send_header();
+    if (!buffering_) return;
+    sink_.header(header_values(omitted_));
+    std::vector<output_value> out;
+    for (const auto& row : table_) {
+      out.clear();
+      for (std::size_t i = 0; i < row.size(); ++i) {
+        if (i < omitted_.size() && omitted_[i]) continue;
+        output_value v;
+        v.kind = row[i].kind;
+        v.number = row[i].number;
+        if (v.kind == value_kind::text) v = text_value(row[i].content);
+        out.push_back(v);
+      }
+      sink_.record(out);
+    }
+  }
+
+  textio::parser::options opts_;
+  utf8_input& input_;
+  unit_window<CharT> window_;
+  record_sink& sink_;
+  const progress_callback& progress_;
+
+  scan_rules<CharT> raw_rules_;
+  scan_rules<CharT> data_rules_;
+  record_scanner<CharT> raw_scanner_{raw_rules_};
+  record_scanner<CharT> data_scanner_{data_rules_};
+  scanned_record<CharT> rec_;
+
+  std::uint64_t header_lines_ = 0;
+  std::optional<std::size_t> variables_;
+  bool reads_empty_lines_ = false;
+  bool header_sent_ = false;
+  bool buffering_ = false;
+  bool counting_ = false;
+  std::optional<count_kernel> kernel_;  // UTF-8 counting of plain delimited text
+  delimiter_rule_set delimiter_rules_;
+  number_format format_;
+  std::vector<string> placeholders_;
+  std::vector<std::uint64_t> widths_;
+
+  std::vector<string> names_;
+  std::vector<string> units_;
+  std::vector<string> descriptions_;
+
+  std::vector<std::size_t> kept_;
+  std::vector<cell> cells_;
+  std::vector<output_value> values_;
+  std::vector<owned_cell> carry_;
+  std::vector<owned_cell> current_carry_;
+  std::u16string pending_units_;
+  std::u16string next_pending_;
+  std::u16string fixed_text_;
+  std::vector<bool> omitted_;
+  std::vector<std::vector<owned_value>> table_;
+};
+
+}  // namespace
+
+void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                const progress_callback& progress) {
+  const textio::parser::options opts = effective_options(given);
+  if (scans_utf8_bytes(opts)) {
+    table_reader<char>(given, input, sink, progress).run();
+  } else {
+    table_reader<char16_t>(given, input, sink, progress).run();
+  }
+}
+
+}  // namespace textio::import

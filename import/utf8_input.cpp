@@ -1,0 +1,108 @@
+#include "import/utf8_input.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+#include <utility>
+
+#include "import/reader_errors.hpp"
+#include "import/utf8_text.hpp"
+
+namespace textio::import {
+namespace {
+
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+utf8_input::utf8_input(const std::string& path) : name_(path) {
+  if (path == "-") {
+    fd_ = STDIN_FILENO;
+  } else {
+    fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd_ < 0) throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(path));
+    owns_fd_ = true;
+  }
+  struct stat info {};
+  if (::fstat(fd_, &info) == 0 && S_ISREG(info.st_mode)) size_ = static_cast<std::uint64_t>(info.st_size);
+}
+
+utf8_input::utf8_input(int fd, std::string name) : fd_(fd), name_(std::move(name)) {}
+
+utf8_input::~utf8_input() {
+  if (owns_fd_) ::close(fd_);
+}
+
+bool utf8_input::fill(std::size_t want) {
+  if (at_end_) return false;
+  if (want > read_limit_) want = read_limit_;
+  const std::size_t old = pending_.size();
+  pending_.resize(old + want);
+  ssize_t got = 0;
+  do {
+    got = ::read(fd_, pending_.data() + old, want);
+  } while (got < 0 && errno == EINTR);
+  if (got < 0) {
+    pending_.resize(old);
+    throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(name_));
+  }
+  pending_.resize(old + static_cast<std::size_t>(got));
+  if (got == 0) at_end_ = true;
+  return got > 0;
+}
+
+bool utf8_input::read(std::string& out, std::size_t want) {
+  if (want == 0) want = 1;
+  if (!started_) {
+    while (pending_.size() < byte_order_mark.size() && fill(want)) {
+    }
+    if (std::string_view(pending_).starts_with(byte_order_mark)) {
+      pending_.erase(0, byte_order_mark.size());
+      offset_ += byte_order_mark.size();
+    }
+    started_ = true;
+  }
+  if (pending_.empty() && !at_end_) {
+    // Straight into the caller's buffer; a sequence cut off at the end (or
+    // a bad one) waits in pending_.
+    const std::size_t start = out.size();
+    const std::size_t size = want < read_limit_ ? want : read_limit_;
+    out.resize(start + size);
+    ssize_t got = 0;
+    do {
+      got = ::read(fd_, out.data() + start, size);
+    } while (got < 0 && errno == EINTR);
+    if (got < 0) {
+      out.resize(start);
+      throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(name_));
+    }
+    const auto bytes = static_cast<std::size_t>(got);
+    if (bytes == 0) at_end_ = true;
+    const utf8_check check = check_utf8(std::string_view(out).substr(start, bytes));
+    pending_.assign(out, start + check.valid, bytes - check.valid);
+    out.resize(start + check.valid);
+    offset_ += check.valid;
+    if (check.valid > 0) return true;
+  }
+  for (;;) {
+    if (pending_.empty() && !fill(want)) return false;
+    // The good text ahead of a bad sequence is handed out first; the next
+    // call then fails at the sequence.
+    const utf8_check check = check_utf8(pending_);
+    if (check.valid == 0 && check.invalid) throw_msg_id_exception(ZORVEK::textio::reader::InvalidUtf8(offset_));
+    if (check.valid > 0) {
+      out.append(pending_, 0, check.valid);
+      pending_.erase(0, check.valid);
+      offset_ += check.valid;
+      return true;
+    }
+    // Only the start of a sequence so far: it needs more bytes, or it is cut
+    // off by the end of the input.
+    if (!fill(want)) throw_msg_id_exception(ZORVEK::textio::reader::InvalidUtf8(offset_));
+  }
+}
+
+}  // namespace textio::import

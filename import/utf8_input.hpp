@@ -1,0 +1,57 @@
+// A file (or standard input) read as UTF-8 in large blocks: the byte-order
+// mark is skipped, and every block handed out ends at a character boundary
+// and holds only well-formed UTF-8. Memory: one block.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace textio::import {
+
+class utf8_input {
+ public:
+  // "-" reads standard input. Throws CannotReadFile when the file cannot be
+  // opened.
+  explicit utf8_input(const std::string& path);
+  // Reads from an open descriptor, which stays open.
+  utf8_input(int fd, std::string name);
+  utf8_input(const utf8_input&) = delete;
+  utf8_input& operator=(const utf8_input&) = delete;
+  ~utf8_input();
+
+  // Appends about `want` bytes (at least one character unless the input has
+  // ended) to `out`. Returns false, appending nothing, at the end of the
+  // input. Throws InvalidUtf8 with the byte offset of the first bad sequence,
+  // CannotReadFile when reading fails.
+  bool read(std::string& out, std::size_t want);
+
+  // Takes at most `bytes` (at least 1) from the input per read call, as a
+  // slow pipe would, and makes that the block size; tests use it to cut the
+  // text at every place.
+  void limit_reads(std::size_t bytes) noexcept { read_limit_ = block_size_ = bytes == 0 ? 1 : bytes; }
+  // The amount a reader asks for at least when it needs more text.
+  std::size_t block_size() const noexcept { return block_size_; }
+
+  // The file's size when it is a regular file, else 0.
+  std::uint64_t size() const noexcept { return size_; }
+  // Bytes taken from the input so far.
+  std::uint64_t bytes_read() const noexcept { return offset_; }
+
+ private:
+  // Reads raw bytes into pending_; false at the end of the input.
+  bool fill(std::size_t want);
+
+  int fd_ = -1;
+  bool owns_fd_ = false;
+  std::string name_;
+  std::uint64_t size_ = 0;
+  std::uint64_t offset_ = 0;  // bytes of the input before pending_
+  std::string pending_;       // raw bytes not yet handed out
+  bool at_end_ = false;
+  bool started_ = false;  // the byte-order mark has been looked for
+  std::size_t read_limit_ = static_cast<std::size_t>(-1);
+  std::size_t block_size_ = std::size_t{1} << 20;
+};
+
+}  // namespace textio::import

@@ -1,0 +1,63 @@
+#include "import/read_helpers.hpp"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <fstream>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "tools/read_command.hpp"
+#include "tools/subcommand_arguments.hpp"
+
+namespace import_test {
+
+std::string write_file(const std::string& contents) {
+  static std::atomic<int> counter{0};
+  const std::string path =
+      ::testing::TempDir() + "zvtextimport_" + std::to_string(::getpid()) + "_" + std::to_string(counter++) + ".txt";
+  std::ofstream out(path, std::ios::binary);
+  out << contents;
+  return path;
+}
+
+read_output read_file(const std::string& path, const std::vector<std::string>& args) {
+  std::vector<std::string> all{path};
+  all.insert(all.end(), args.begin(), args.end());
+  const zvtool::subcommand_arguments scanned = zvtool::scan_subcommand_arguments(all);
+  std::ostringstream text;
+  const zvtool::tool_result result = zvtool::run_read(scanned, text);
+  read_output out;
+  out.status = result.status;
+  out.raw = text.str();
+  std::istringstream lines(out.raw);
+  std::string line;
+  bool first = true;
+  while (std::getline(lines, line)) {
+    if (line.starts_with("{\"error\"")) {
+      out.error = line;
+    } else if (first) {
+      out.header = line;
+    } else {
+      out.records.push_back(line);
+    }
+    first = false;
+  }
+  return out;
+}
+
+read_output read_text(const std::string& contents, const std::vector<std::string>& args) {
+  return read_file(write_file(contents), args);
+}
+
+std::string joined(const read_output& out) {
+  std::string text;
+  for (const auto& r : out.records) {
+    if (!text.empty()) text += " | ";
+    text += r;
+  }
+  return text;
+}
+
+}  // namespace import_test

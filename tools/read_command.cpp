@@ -1,0 +1,132 @@
+#include "tools/read_command.hpp"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <iostream>
+#include <optional>
+
+#include "import/text_reader.hpp"
+#include "import/utf8_input.hpp"
+#include "parser/options.hpp"
+#include "tools/apply_options.hpp"
+#include "tools/host_values.hpp"
+#include "tools/json_writer.hpp"
+#include "tools/record_json.hpp"
+#include "tools/record_writers.hpp"
+#include "tools/usage_error.hpp"
+
+namespace zvtool {
+namespace {
+
+constexpr std::uint64_t progress_threshold = std::uint64_t{64} << 20;
+
+// {"error": {...}} on one line, arguments as written by the error object.
+std::string error_line(const message_failure& failure) {
+  std::string line = "{\"error\": {\"identifier\": " + json_quote_bytes(failure.identifier) +
+                     ", \"key\": " + json_quote_bytes(failure.id.key) + ", \"arguments\": [";
+  for (std::size_t i = 0; i < failure.id.args.size(); ++i) {
+    if (i > 0) line += ", ";
+    const auto& argument = failure.id.args[i];
+    if (const auto* bytes = std::get_if<std::string>(&argument)) {
+      line += json_quote_bytes(*bytes);
+    } else if (const auto* units = std::get_if<ustring>(&argument)) {
+      line += json_quote_units(*units);
+    } else {
+      line += std::to_string(std::get<std::uint64_t>(argument));
+    }
+  }
+  line += "], \"message\": " + json_quote_units(failure.message) + "}}\n";
+  return line;
+}
+
+// A percentage on standard error, redrawn in place.
+textio::import::progress_callback progress_bar(const textio::import::utf8_input& input) {
+  if (input.size() <= progress_threshold || ::isatty(STDERR_FILENO) == 0) return {};
+  return [last = -1](std::uint64_t done, std::uint64_t total) mutable {
+    const int percent = total == 0 ? 100 : static_cast<int>(done * 100 / total);
+    if (percent == last) return;
+    last = percent;
+    std::fprintf(stderr, "\rreading: %3d%%", percent);
+    if (percent >= 100) std::fprintf(stderr, "\r\033[K");
+    std::fflush(stderr);
+  };
+}
+
+}  // namespace
+
+read_arguments scan_read_arguments(std::span<const std::string> positionals) {
+  read_arguments scanned;
+  if (positionals.empty()) throw usage_error("read needs a FILE (or - for standard input)");
+  scanned.file = positionals[0];
+  const auto set_format = [&scanned](const std::string& name) {
+    if (name == "jsonl") {
+      if (scanned.format != read_format::count) scanned.format = read_format::jsonl;
+    } else if (name == "csv") {
+      if (scanned.format != read_format::count) scanned.format = read_format::csv;
+    } else {
+      throw usage_error("unknown --format '" + name + "'; the formats are jsonl and csv");
+    }
+  };
+  for (std::size_t i = 1; i < positionals.size(); ++i) {
+    const std::string& arg = positionals[i];
+    if (arg == "--count") {
+      scanned.format = read_format::count;
+    } else if (arg == "--format") {
+      if (i + 1 == positionals.size()) throw usage_error("--format needs jsonl or csv after it");
+      set_format(positionals[++i]);
+    } else if (arg.starts_with("--format=")) {
+      set_format(arg.substr(9));
+    } else {
+      scanned.option_arguments.push_back(arg);
+    }
+  }
+  return scanned;
+}
+
+tool_result run_read(const subcommand_arguments& args, std::ostream& out) {
+  const read_arguments scanned = scan_read_arguments(args.positionals);
+  const std::vector<hv::Value> values = option_arguments(args.struct_json, scanned.option_arguments);
+  textio::parser::options record;
+  if (const auto failure = apply_options(values, record)) {
+    json_writer report;
+    report.begin_object();
+    report.key("options");
+    write_options_record(report, record);
+    tool_result result = finish_report(report, failure);
+    out << result.out;
+    result.out.clear();
+    return result;
+  }
+
+  std::optional<jsonl_writer> jsonl;
+  std::optional<csv_writer> csv;
+  count_writer counter;
+  textio::import::record_sink* sink = &counter;
+  if (scanned.format == read_format::jsonl) sink = &jsonl.emplace(out);
+  if (scanned.format == read_format::csv) sink = &csv.emplace(out);
+
+  tool_result result;
+  try {
+    textio::import::utf8_input input(scanned.file);
+    textio::import::read_table(record, input, *sink, progress_bar(input));
+  } catch (const foundation::core::except::IMsgIDException& error) {
+    const message_failure failure = capture_message(error);
+    result.status = 1;
+    result.err = message_line(failure);
+    if (jsonl) jsonl->flush();
+    if (csv) csv->flush();
+    if (scanned.format != read_format::csv) out << error_line(failure);
+    return result;
+  }
+  if (jsonl) jsonl->flush();
+  if (csv) csv->flush();
+  if (scanned.format == read_format::count) {
+    out << "{\"records\": " << counter.records() << ", \"fields\": " << counter.fields() << "}\n";
+  }
+  return result;
+}
+
+tool_result run_read_command(const subcommand_arguments& args) { return run_read(args, std::cout); }
+
+}  // namespace zvtool

@@ -1,0 +1,134 @@
+#include "tools/record_writers.hpp"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "tools/json_writer.hpp"
+#include "zvcore/ustring.hpp"
+
+namespace zvtool {
+namespace {
+
+using textio::import::output_value;
+using textio::import::value_kind;
+
+void append_json(std::string& out, const output_value& v) {
+  switch (v.kind) {
+    case value_kind::missing:
+      out += "null";
+      return;
+    case value_kind::number:
+      if (std::isfinite(v.number)) {
+        out += number_text(v.number);
+      } else {
+        out += '"' + number_text(v.number) + '"';
+      }
+      return;
+    case value_kind::text:
+      out += v.utf16 ? json_quote_units(v.units) : json_quote_bytes(v.bytes);
+      return;
+  }
+}
+
+void append_json_array(std::string& out, std::span<const output_value> values) {
+  out += '[';
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (i > 0) out += ", ";
+    append_json(out, values[i]);
+  }
+  out += ']';
+}
+
+bool needs_quotes(std::string_view text) {
+  if (text.empty()) return true;
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\b'; };
+  if (blank(text.front()) || blank(text.back())) return true;
+  return text.find_first_of(",\"\r\n") != std::string_view::npos;
+}
+
+void append_csv_text(std::string& out, std::string_view text) {
+  if (!needs_quotes(text)) {
+    out += text;
+    return;
+  }
+  out += '"';
+  for (const char c : text) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  out += '"';
+}
+
+void append_csv(std::string& out, const output_value& v) {
+  switch (v.kind) {
+    case value_kind::missing:
+      return;
+    case value_kind::number:
+      out += number_text(v.number);
+      return;
+    case value_kind::text:
+      if (v.utf16) {
+        append_csv_text(out, foundation::core::unicode::to_utf8(v.units));
+      } else {
+        append_csv_text(out, v.bytes);
+      }
+      return;
+  }
+}
+
+void append_csv_row(std::string& out, std::span<const output_value> values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (i > 0) out += ',';
+    append_csv(out, values[i]);
+  }
+  out += "\r\n";
+}
+
+}  // namespace
+
+void buffered_output::flush() {
+  if (buffer_.empty()) return;
+  out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+  out_.flush();
+  buffer_.clear();
+}
+
+std::string number_text(double value) {
+  if (std::isnan(value)) return "NaN";
+  if (std::isinf(value)) return value > 0 ? "Inf" : "-Inf";
+  std::array<char, 32> digits{};
+  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  return std::string(digits.data(), result.ptr);
+}
+
+void jsonl_writer::header(const textio::import::table_header& header) {
+  std::string& out = out_.text();
+  out += "{\"variables\": ";
+  append_json_array(out, header.names);
+  out += ", \"units\": ";
+  append_json_array(out, header.units);
+  out += ", \"descriptions\": ";
+  append_json_array(out, header.descriptions);
+  out += "}\n";
+  out_.maybe_flush();
+}
+
+void jsonl_writer::record(std::span<const output_value> values) {
+  append_json_array(out_.text(), values);
+  out_.text() += '\n';
+  out_.maybe_flush();
+}
+
+void csv_writer::header(const textio::import::table_header& header) {
+  if (header.names.empty()) return;
+  append_csv_row(out_.text(), header.names);
+  out_.maybe_flush();
+}
+
+void csv_writer::record(std::span<const output_value> values) {
+  append_csv_row(out_.text(), values);
+  out_.maybe_flush();
+}
+
+}  // namespace zvtool

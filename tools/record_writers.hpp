@@ -1,0 +1,86 @@
+// The outputs of `zvtextparser read`: JSON lines, CSV (RFC 4180) and a count.
+// Each writer is a record sink that writes to a stream in large pieces.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <span>
+#include <string>
+
+#include "import/output.hpp"
+
+namespace zvtool {
+
+// Buffers output and writes it to a stream in large pieces.
+class buffered_output {
+ public:
+  explicit buffered_output(std::ostream& out) : out_(out) {}
+  buffered_output(const buffered_output&) = delete;
+  buffered_output& operator=(const buffered_output&) = delete;
+  ~buffered_output() { flush(); }
+
+  std::string& text() noexcept { return buffer_; }
+  void maybe_flush() {
+    if (buffer_.size() >= (std::size_t{1} << 16)) flush();
+  }
+  void flush();
+
+ private:
+  std::ostream& out_;
+  std::string buffer_;
+};
+
+// The text of a number as both outputs write it: the shortest form that
+// reads back to the same double; NaN, Inf and -Inf for the values that have
+// no digits.
+std::string number_text(double value);
+
+// A first line {"variables": [...], "units": [...], "descriptions": [...]},
+// then one JSON array per record: strings, numbers, null for missing.
+class jsonl_writer : public textio::import::record_sink {
+ public:
+  explicit jsonl_writer(std::ostream& out) : out_(out) {}
+  void header(const textio::import::table_header& header) override;
+  void record(std::span<const textio::import::output_value> values) override;
+  void flush() { out_.flush(); }
+
+ private:
+  buffered_output out_;
+};
+
+// RFC 4180: a header row when there are names, CRLF after every row, a field
+// quoted when it holds a comma, a quote, CR or LF, starts or ends with
+// whitespace, or is empty text (an unquoted empty field is missing).
+class csv_writer : public textio::import::record_sink {
+ public:
+  explicit csv_writer(std::ostream& out) : out_(out) {}
+  void header(const textio::import::table_header& header) override;
+  void record(std::span<const textio::import::output_value> values) override;
+  void flush() { out_.flush(); }
+
+ private:
+  buffered_output out_;
+};
+
+// Counts records and fields; writes nothing until asked.
+class count_writer : public textio::import::record_sink {
+ public:
+  void header(const textio::import::table_header&) override {}
+  void record(std::span<const textio::import::output_value> values) override {
+    ++records_;
+    fields_ += values.size();
+  }
+  bool counts_only() const override { return true; }
+  void record_count(std::size_t fields) override {
+    ++records_;
+    fields_ += fields;
+  }
+  std::uint64_t records() const noexcept { return records_; }
+  std::uint64_t fields() const noexcept { return fields_; }
+
+ private:
+  std::uint64_t records_ = 0;
+  std::uint64_t fields_ = 0;
+};
+
+}  // namespace zvtool
