@@ -237,8 +237,7 @@ TEST(VariableWidths, AcceptsUint64AndIntegralDoublesAndRefusesTheRest) {
 }
 
 TEST(IgnoredOptions, AcceptAnyValueAndChangeNothing) {
-  const Value values[] = {Value::none(), Value::struct_scalar({{"a", Value::scalar(1)}}), Value::text(u"x"),
-                          Value::scalar(nan)};
+  const Value values[] = {Value::none(), Value::struct_scalar({{"a", Value::scalar(1)}})};
   for (const auto* key : {u"EmptyValue", u"ReturnOnError", u"emptyvalue"}) {
     for (const auto& value : values) {
       options o;

@@ -98,12 +98,4 @@ TEST(QuotedDelimiterPair, HoldsTheQuoteAndCopiesOnRvalues) {
   static_assert(!std::is_move_assignable_v<QuotedDelimiterPair>);
 }
 
-TEST(DelimiterPair, AFailedSecondCallReleasesTheFirstHandle) {
-  const text_list first{u"pair-failure-test"};
-  const auto held = textio::get_or_create_delim(first);
-  test_support::delim_call_log log(2);
-  EXPECT_THROW(DelimiterPair(first, {u"\n"}), std::runtime_error);
-  EXPECT_EQ(held.use_count(), 1);
-}
-
 }  // namespace
