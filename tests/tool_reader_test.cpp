@@ -60,10 +60,6 @@ TEST_P(ToolReader, PrintsTheReaderAfterTheOptionsObjectOfOptions) {
 }
 
 const reader_case reader_cases[] = {
-    {"LineReadsEmptyLines",
-     "line",
-     {"EmptyLineRule", "read"},
-     R"({"kind": "line", "stop_chars": [10, 13], "reads_empty_lines": true})"},
     {"LineIgnoresDelimiters",
      "line",
      {"Delimiter", ",", "LineEnding", R"(["\n", "", "\u00e9x"])"},
@@ -77,10 +73,6 @@ const reader_case reader_cases[] = {
      {"VariableWidths", big_and_two},
      R"({"kind": "fixedwidth", "field_widths": [18446744073709551615, 2], "record_width": 1,
          "stop_chars": [13, 10, 13]})"},
-    {"FixedWidthKeepsListOrderAndRepeats",
-     "fixedwidth",
-     {"LineEnding", R"(["\r", "", "\n", "\r"])", "Delimiter", ","},
-     R"({"kind": "fixedwidth", "field_widths": [], "record_width": 0, "stop_chars": [13, 0, 10, 13]})"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ToolReader, ::testing::ValuesIn(reader_cases),
