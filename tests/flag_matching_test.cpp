@@ -52,6 +52,7 @@ TEST(CompareTextToFlag, GivesTheFoldedDifferenceOrTheLengthOrder) {
       {hv::Value::text(u"ab"), "abc", 2, 0, "a piece of the flag"},
       {hv::Value::text(u""), "a", 1, -1, "empty text"},
       {hv::Value::text(u"a"), "", 0, 1, "empty flag"},
+      {hv::Value::none(), "", 0, 0, "no value against the empty flag"},
       {hv::Value::none(), "a", 1, -1, "no value is the empty text"},
       {hv::Value::scalar(97), "a", 1, -1, "a number has no characters"},
       {hv::Value::chars({3, 1}, u"abc"), "abc", 3, 0, "a column reads in storage order"},
@@ -142,6 +143,8 @@ TEST(FlagMatching, TheEarliestMatchingFlagWins) {
   EXPECT_EQ(textio::options::match_abbreviated_flags(a.get(), "ab", "abc", "a"), 0);
   EXPECT_EQ(textio::options::match_exact_flags(ab.get(), "abc", "ab", "ab"), 1);
   EXPECT_EQ(textio::options::parse_exact_flag(ab.get(), "a", "b", "c", "d", "e", "ab"), 5);
+  EXPECT_EQ(textio::options::parse_abbreviated_flag(ab.get(), "a", "b", "c", "d", "e", "abc"), 5);
+  EXPECT_MESSAGE(textio::options::parse_abbreviated_flag(ab.get(), "only"), msg::BadTextFlag, text_arg("'only'\n"));
 }
 
 // Every cause of failure ends as one BadTextFlag with the list text, handed to
