@@ -40,17 +40,6 @@ TEST(Delimiter, FindsTheLongestStringAtAPosition) {
   }
 }
 
-TEST(Delimiter, TellsWhichUnitsCanStartAString) {
-  const Delimiter d({u"", u"ab", u"\uFFFF", u"\t"});
-  EXPECT_TRUE(d.may_start_with(u'a'));
-  EXPECT_TRUE(d.may_start_with(u'\uFFFF'));
-  EXPECT_TRUE(d.may_start_with(u'\t'));
-  EXPECT_FALSE(d.may_start_with(u'b'));
-  EXPECT_FALSE(d.may_start_with(u'\0'));  // the empty string gives no unit
-  EXPECT_EQ(d.longest(), 2u);
-  EXPECT_EQ(d.strings(), (text_list{u"", u"ab", u"\uFFFF", u"\t"}));
-}
-
 TEST(Delimiter, AgreesWithABruteForceSearch) {
   // Every position of a text built from the strings' own units, compared with
   // a plain scan of the whole list.

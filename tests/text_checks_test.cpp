@@ -74,19 +74,14 @@ std::vector<shape_case> shape_cases() {
   return cases;
 }
 
+// The tests of each shape, and each check throwing its own message exactly
+// when its test fails.
 TEST(TextChecks, ShapesOfTextsAndTextLists) {
   for (const auto& c : shape_cases()) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(is_text(c.value.get()), c.text);
-    EXPECT_EQ(is_text_list(c.value.get()), c.list);
-  }
-}
-
-// Each check throws its own message exactly when its test fails.
-TEST(TextChecks, ChecksThrowTheirMessageWithTheOptionName) {
-  for (const auto& c : shape_cases()) {
-    SCOPED_TRACE(c.what);
     const hvArray_tag* v = c.value.get();
+    EXPECT_EQ(is_text(v), c.text);
+    EXPECT_EQ(is_text_list(v), c.list);
     if (c.text) {
       EXPECT_NO_THROW(require_text(v, "Opt"));
     } else {
