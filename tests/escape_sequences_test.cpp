@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -28,7 +27,6 @@ const decode_case decode_cases[] = {
     {u"\\\\\\n", u"\\\n", true},  // pairs form from the left
     {u"\\\\q", u"\\q", true},     // q follows a decoded backslash, so it is plain
     {u"\\", u"\\", true},         // a lone backslash at the end stays
-    {u"abc\\", u"abc\\", true},
     {u"\\\\\\", u"\\\\", true},
     {u"\\q", u"", false},
     {u"\\qa\\n", u"a\n", false},  // the scan goes on behind an unknown pair
@@ -39,27 +37,16 @@ const decode_case decode_cases[] = {
     {u"\\n", u"\n", true},
     {u"\\r", u"\r", true},
     {u"\\t", u"\t", true},
-    {u" \\b\\t", u" \b\t", true},
-    {u"\\r\\n", u"\r\n", true},
-    {u"\\t\\t\\t", u"\t\t\t", true},
     // Unknown: no other letters, no upper case, no numeric forms.
-    {u"\\a", u"", false},
     {u"\\f", u"", false},
-    {u"\\v", u"", false},
     {u"\\0", u"", false},
     {u"\\x41", u"41", false},
-    {u"\\N", u"", false},
     {u"\\T", u"", false},
-    {u"\\B", u"", false},
-    {u"\\R", u"", false},
-    {u"\\\"", u"", false},
-    {u"\\ ", u"", false},
     {std::u16string(u"\\\0", 2), u"", false},  // a NUL unit behind a backslash
     {u"\\\u00E9", u"", false},
     {u"\\t\\f", u"\t", false},  // known ahead of unknown
     {u"\\f\\t", u"\t", false},  // unknown ahead of known
     {u"\\qn", u"n", false},     // the unit behind the pair is plain
-    {u"\\\\\\q", u"\\", false},
     // NUL units elsewhere are ordinary text.
     {std::u16string(u"a\0\\t", 4), std::u16string(u"a\0\t", 3), true},
 };
@@ -114,27 +101,6 @@ TEST(EscapeSequences, AgreesWithReferenceOnAllShortTexts) {
     }
   }
   EXPECT_EQ(checked, 21845u);  // 4^0 + ... + 4^7
-}
-
-// Random texts, heavy in backslashes, over every known letter, unknown letters
-// (upper case, digits, NUL, a lone surrogate) and plain units.
-TEST(EscapeSequences, AgreesWithReferenceOnRandomTexts) {
-  const std::vector<char16_t> units = {
-      u'\\', u'\\', u'\\', u'\\', u'\\', u'\\', u'b', u'n', u'r',  u't',      u'N',
-      u'T',  u'q',  u'x',  u'0',  u' ',  u'"',  u'a', u',', u'\0', u'\u00E9', char16_t{0xD800}};
-  std::mt19937 generator(20240611u);
-  std::uniform_int_distribution<std::size_t> pick(0, units.size() - 1);
-  std::uniform_int_distribution<std::size_t> length(0, 48);
-  std::size_t with_trailing_backslash = 0;
-  for (int round = 0; round < 20000; ++round) {
-    ustring text;
-    const std::size_t n = length(generator);
-    for (std::size_t i = 0; i < n; ++i) text.push_back(units[pick(generator)]);
-    if (!text.empty() && text.back() == u'\\') ++with_trailing_backslash;
-    ASSERT_TRUE(agrees_with_reference(text));
-  }
-  // The generator does reach the trailing-backslash case.
-  EXPECT_GT(with_trailing_backslash, 1000u);
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "support/record_equality.hpp"
+
 namespace {
 
 using textio::parser::options;
@@ -126,18 +128,27 @@ TEST(OptionsRecord, CopiesAreDeepAndIndependent) {
   options copy(source);
   copy.delimiter(text_list{u";"});
   copy.field_widths({1});
-  EXPECT_EQ(source.delimiter(), (text_list{u","}));
-  EXPECT_EQ(source.field_widths(), (std::vector<std::uint64_t>{3, 5}));
+  EXPECT_EQ(test_support::first_difference(source, changed_record()), "");
 
   options assigned;
   assigned = source;
   source.date_locale(u"de_DE");
-  EXPECT_EQ(assigned.date_locale(), u"en_US");
-  EXPECT_EQ(assigned.parser_type(), enums::ParserType::Line);
-  EXPECT_FALSE(assigned.detecting_delimiter());
+  EXPECT_EQ(test_support::first_difference(assigned, changed_record()), "");
 }
 
+// The moved-from record has empty lists and strings and keeps every scalar
+// and flag; the target is what the source was.
 TEST(OptionsRecord, MoveEmptiesListsAndStringsAndKeepsScalars) {
+  options emptied = changed_record();
+  emptied.line_ending(text_list{});
+  emptied.missing_placeholders(text_list{});
+  emptied.comment_style(text_list{});
+  emptied.whitespace(ustring{});
+  emptied.thousands_separator(ustring{});
+  emptied.date_locale(ustring{});
+  emptied.exp_chars(ustring{});
+  emptied.delimiter(text_list{});
+  emptied.field_widths({});
   for (const bool by_assignment : {false, true}) {
     SCOPED_TRACE(by_assignment ? "move assignment" : "move construction");
     options source = changed_record();
@@ -148,39 +159,17 @@ TEST(OptionsRecord, MoveEmptiesListsAndStringsAndKeepsScalars) {
       options constructed(std::move(source));
       target = constructed;
     }
-    // NOLINTBEGIN(bugprone-use-after-move): the moved-from state is specified
-    EXPECT_TRUE(source.delimiter().empty());
-    EXPECT_TRUE(source.line_ending().empty());
-    EXPECT_TRUE(source.missing_placeholders().empty());
-    EXPECT_TRUE(source.comment_style().empty());
-    EXPECT_TRUE(source.whitespace().empty());
-    EXPECT_TRUE(source.thousands_separator().empty());
-    EXPECT_TRUE(source.date_locale().empty());
-    EXPECT_TRUE(source.exp_chars().empty());
-    EXPECT_TRUE(source.field_widths().empty());
-    EXPECT_EQ(source.num_variables(), 7u);
-    EXPECT_EQ(source.decimal_separator(), u',');
-    EXPECT_EQ(source.parser_type(), enums::ParserType::Line);
-    EXPECT_TRUE(source.trim_non_numeric());
-    EXPECT_FALSE(source.detecting_delimiter());
-    // NOLINTEND(bugprone-use-after-move)
-    EXPECT_EQ(target.delimiter(), (text_list{u","}));
-    EXPECT_EQ(target.whitespace(), u" \b\t");
-    EXPECT_EQ(target.field_widths(), (std::vector<std::uint64_t>{3, 5}));
+    EXPECT_EQ(test_support::first_difference(source, emptied), "");  // NOLINT(bugprone-use-after-move): specified state
+    EXPECT_EQ(test_support::first_difference(target, changed_record()), "");
   }
 }
 
 TEST(OptionsRecord, SelfAssignmentChangesNothing) {
   options o = changed_record();
-  const options before = o;
   options& alias = o;
   o = alias;
   o = std::move(alias);
-  EXPECT_EQ(o.delimiter(), before.delimiter());
-  EXPECT_EQ(o.line_ending(), before.line_ending());
-  EXPECT_EQ(o.whitespace(), before.whitespace());
-  EXPECT_EQ(o.field_widths(), before.field_widths());
-  EXPECT_EQ(o.date_locale(), before.date_locale());
+  EXPECT_EQ(test_support::first_difference(o, changed_record()), "");
 }
 
 }  // namespace

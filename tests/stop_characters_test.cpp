@@ -12,7 +12,6 @@
 namespace {
 
 using textio::parser::DelimiterPair;
-using textio::parser::first_characters;
 using textio::parser::QuotedDelimiterPair;
 using textio::parser::stop_characters;
 using text_list = std::vector<ustring>;
@@ -33,7 +32,6 @@ const stop_case stop_cases[] = {
     {"an empty string gives U+0000 at the front", {u",", u""}, {u"\n"}, ustring(u"\0\n,", 3)},
     {"two empty lists", {}, {}, u""},
     {"a unit in both lists stands once", {u";"}, {u";;", u"\n"}, u"\n;"},
-    {"the second list alone", {}, {u"b", u"a"}, u"ab"},
     {"unsigned order: 0x8000 and 0xFFFF after 0x7FFF", {u"\uFFFF", u"\u8000x"}, {u"\u7FFF"}, u"\u7FFF\u8000\uFFFF"},
     {"a surrogate sorts between 0xD7FF and 0xE000", {u"\uE000", u"\xDC00\xD800"}, {u"\uD7FF"}, u"\uD7FF\xDC00\uE000"},
     {"empty strings in both lists", {u""}, {u"", u"z"}, ustring(u"\0z", 2)},
@@ -47,19 +45,6 @@ TEST(StopCharacters, SortedUnionOfFirstUnits) {
     text_list reversed(c.first.rbegin(), c.first.rend());
     EXPECT_EQ(stop_characters(reversed, c.second), c.expected) << c.what << " (first list reversed)";
   }
-}
-
-TEST(StopCharacters, FirstCharactersOfOneList) {
-  const struct {
-    text_list list;
-    ustring expected;
-  } cases[] = {
-      {{}, u""},
-      {{u""}, ustring(1, u'\0')},
-      {{u"zz", u"z", u"a"}, u"az"},
-      {{u"\uFFFF", u"\u0001"}, u"\u0001\uFFFF"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(first_characters(c.list), c.expected);
 }
 
 TEST(DelimiterPair, AsksForFirstThenSecondList) {
@@ -111,14 +96,6 @@ TEST(QuotedDelimiterPair, HoldsTheQuoteAndCopiesOnRvalues) {
 
   static_assert(!std::is_copy_assignable_v<QuotedDelimiterPair>);
   static_assert(!std::is_move_assignable_v<QuotedDelimiterPair>);
-}
-
-TEST(DelimiterPair, AFailedSecondCallReleasesTheFirstHandle) {
-  const text_list first{u"pair-failure-test"};
-  const auto held = textio::get_or_create_delim(first);
-  test_support::delim_call_log log(2);
-  EXPECT_THROW(DelimiterPair(first, {u"\n"}), std::runtime_error);
-  EXPECT_EQ(held.use_count(), 1);
 }
 
 }  // namespace

@@ -38,7 +38,6 @@ std::vector<shape_case> shape_cases() {
   // Char arrays: one row of any length, or 0-by-0.
   add("char 0x0", chars({0, 0}, u""), true, false);
   add("char 1x0", chars({1, 0}, u""), true, false);
-  add("char 1x1", chars({1, 1}, u"x"), true, false);
   add("char 1x5", chars({1, 5}, u"ab\\tc"), true, false);
   add("char 0x3", chars({0, 3}, u""), false, false);
   add("char 3x0", chars({3, 0}, u""), false, false);
@@ -52,16 +51,12 @@ std::vector<shape_case> shape_cases() {
   // Other classes.
   add("null", Value::none(), false, false);
   add("double scalar", Value::scalar(44), false, false);
-  add("logical", Value::logical(true), false, false);
   add("struct", Value::struct_scalar({{"a", Value::text(u"x")}}), false, false);
   // Cell arrays: any shape, every element a text.
   add("cell 0x0", Value::cell({0, 0}, {}), false, true);
-  add("cell 1x0", Value::cell({1, 0}, {}), false, true);
   add("cell 0x3", Value::cell({0, 3}, {}), false, true);
-  add("cell 3x0", Value::cell({3, 0}, {}), false, true);
   add("cell 1x0x4", Value::cell({1, 0, 4}, {}), false, true);
   add("cell 1x1", texts({1, 1}, {u","}), false, true);
-  add("cell 3x1", texts({3, 1}, {u"a", u"b", u"c"}), false, true);
   add("cell 2x2", texts({2, 2}, {u"a", u"b", u"c", u"d"}), false, true);
   add("cell 2x1x2", texts({2, 1, 2}, {u"a", u"b", u"c", u"d"}), false, true);
   add("cell with an empty text", texts({1, 2}, {u"a", u""}), false, true);
@@ -75,24 +70,18 @@ std::vector<shape_case> shape_cases() {
   add("cell holding a cell", Value::cell_row({Value::text(u"a"), texts({1, 1}, {u"b"})}), false, false);
   add("cell with a null slot", Value::cell_row({Value::text(u"a"), Value::none()}), false, false);
   add("cell holding a 2x3 char", Value::cell_row({chars({2, 3}, u"abcdef")}), false, false);
-  add("cell holding a 0x3 char", Value::cell_row({chars({0, 3}, u"")}), false, false);
   add("cell holding a 3-D char", Value::cell_row({chars({1, 2, 2}, u"abcd")}), false, false);
   return cases;
 }
 
+// The tests of each shape, and each check throwing its own message exactly
+// when its test fails.
 TEST(TextChecks, ShapesOfTextsAndTextLists) {
   for (const auto& c : shape_cases()) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(is_text(c.value.get()), c.text);
-    EXPECT_EQ(is_text_list(c.value.get()), c.list);
-  }
-}
-
-// Each check throws its own message exactly when its test fails.
-TEST(TextChecks, ChecksThrowTheirMessageWithTheOptionName) {
-  for (const auto& c : shape_cases()) {
-    SCOPED_TRACE(c.what);
     const hvArray_tag* v = c.value.get();
+    EXPECT_EQ(is_text(v), c.text);
+    EXPECT_EQ(is_text_list(v), c.list);
     if (c.text) {
       EXPECT_NO_THROW(require_text(v, "Opt"));
     } else {
@@ -115,18 +104,13 @@ TEST(TextChecks, OneCharacterIsATextOfExactlyOneUnit) {
     bool passes;
   } const cases[] = {
       {"1x1", Value::text(u","), true},
-      {"backslash", Value::text(u"\\"), true},
       {"non-ASCII unit", Value::text(u"\u00B7"), true},
       {"1x1x1 (host keeps two dimensions)", chars({1, 1, 1}, u"x"), true},
-      {"1x0", Value::text(u""), false},
       {"0x0", chars({0, 0}, u""), false},
       {"two units", Value::text(u",,"), false},
-      {"backslash t, not decoded", Value::text(u"\\t"), false},
-      {"surrogate pair is two units", Value::text(u"\U0001F600"), false},
       {"2x1 char", chars({2, 1}, u"ab"), false},
       {"cell of one character", texts({1, 1}, {u","}), false},
       {"double", Value::scalar(44), false},
-      {"null", Value::none(), false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
