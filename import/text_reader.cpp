@@ -513,6 +513,24 @@ class table_reader {
     return false;
   }
 
+  // Applies a missing or import-error rule to field i: Fill keeps the field
+  // as it is, OmitVar marks its variable, Error fails; false for OmitRow.
+  template <class ErrorTag>
+  bool keep_row_under(BadDataRule rule, std::size_t i, const cell& c) {
+    switch (rule) {
+      case BadDataRule::Fill:
+        return true;
+      case BadDataRule::OmitRow:
+        return false;
+      case BadDataRule::OmitVar:
+        mark_omitted(i);
+        return true;
+      case BadDataRule::Error:
+        fail<ErrorTag>(where(c));
+    }
+    return true;
+  }
+
   void emit() {
     values_.clear();
     const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
@@ -520,34 +538,14 @@ class table_reader {
       const cell& c = cells_[i];
       output_value v;
       if (is_missing(c)) {
-        switch (opts_.missing_rule()) {
-          case BadDataRule::Fill:
-            break;
-          case BadDataRule::OmitRow:
-            return;
-          case BadDataRule::OmitVar:
-            mark_omitted(i);
-            break;
-          case BadDataRule::Error:
-            fail<reader_error::MissingValue>(where(c));
-        }
+        if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return;
       } else if (matrix) {
         v.kind = value_kind::number;
         if (const auto number = to_number(c.text, format_)) {
           v.number = *number;
         } else {
           v.number = std::numeric_limits<double>::quiet_NaN();
-          switch (opts_.import_error_rule()) {
-            case BadDataRule::Fill:
-              break;
-            case BadDataRule::OmitRow:
-              return;
-            case BadDataRule::OmitVar:
-              mark_omitted(i);
-              break;
-            case BadDataRule::Error:
-              fail<reader_error::ImportError>(where(c));
-          }
+          if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return;
         }
       } else {
         v = text_value(c.text);
