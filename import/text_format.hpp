@@ -1,0 +1,33 @@
+// What the reader needs to know about a file beyond the options record: the
+// encoding of its bytes, the quote character and how a quote is escaped
+// inside a quoted field, and where the table ends. The options record fixes
+// the delimited reader's quote at '"'; these are the reader's own settings.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace textio::import {
+
+enum class escape_style : std::uint8_t {
+  doubled,    // "" inside a quoted field stands for one quote
+  backslash,  // \" stands for a quote and \\ for a backslash
+};
+
+struct text_format {
+  // An iconv encoding name; "UTF-8" reads the bytes as they are.
+  std::string encoding = "UTF-8";
+  // The quote character; '\0' when fields are never quoted.
+  char quote = '"';
+  escape_style escape = escape_style::doubled;
+  // The quote was guessed, not given: a quoted field that never closes is
+  // then read as text from its opening quote on, with a warning, instead of
+  // failing the whole file.
+  bool quote_detected = false;
+  // The physical line (1-based) after the table's last line; reading stops
+  // before it. None: read to the end of the input.
+  std::optional<std::uint64_t> table_end_line;
+};
+
+}  // namespace textio::import
