@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace textio::import {
 
@@ -28,6 +29,9 @@ struct text_format {
   // The physical line (1-based) after the table's last line; reading stops
   // before it. None: read to the end of the input.
   std::optional<std::uint64_t> table_end_line;
+  // Names to use instead of those of the options' names line, e.g. a header
+  // spread over several lines joined column by column. Empty: none.
+  std::vector<std::string> variable_names;
 };
 
 }  // namespace textio::import
