@@ -54,10 +54,13 @@ struct InvalidUtf8 : resource_core::BaseMsgID {
   }
 };
 
-// The input could not be opened or read; argument: its name as given.
+// The input could not be opened or read; arguments: its name as given and
+// the system's reason ("No such file or directory", "Is a directory", ...).
 struct CannotReadFile : resource_core::BaseMsgID {
-  explicit CannotReadFile(const std::string& path) : resource_core::BaseMsgID(catalog_name, "CannotReadFile") {
+  CannotReadFile(const std::string& path, const std::string& reason)
+      : resource_core::BaseMsgID(catalog_name, "CannotReadFile") {
     args.emplace_back(std::in_place_index<1>, path);
+    args.emplace_back(std::in_place_index<1>, reason);
   }
 };
 
