@@ -10,9 +10,11 @@
 #include "import/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "tools/apply_options.hpp"
+#include "tools/checked_output.hpp"
 #include "tools/exit_status.hpp"
 #include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
+#include "tools/memory_limit.hpp"
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
 #include "tools/usage_error.hpp"
@@ -54,6 +56,17 @@ textio::import::progress_callback progress_bar(const textio::import::utf8_input&
   };
 }
 
+// A reading error in the data, or an input that cannot be read.
+int reading_failure_status(const message_failure& failure) {
+  return failure.id.key == "CannotReadFile" ? exit_io_failure : exit_reading_error;
+}
+
+std::string changed_warning(const std::string& file) {
+  return "zvtextparser: warning: '" + file +
+         "' changed while it was read (its size or modification time differ from when it was opened); the records "
+         "may mix old and new contents\n";
+}
+
 }  // namespace
 
 read_format output_format(const parsed_arguments& args) {
@@ -86,28 +99,48 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   textio::import::record_sink* sink = &counter;
   if (format == read_format::jsonl) sink = &jsonl.emplace(out);
   if (format == read_format::csv) sink = &csv.emplace(out);
+  const auto flush_records = [&] {
+    if (jsonl) jsonl->flush();
+    if (csv) csv->flush();
+  };
 
   tool_result result;
   try {
     textio::import::utf8_input input(*args.operand);
     textio::import::read_table(record, input, *sink, progress_bar(input));
+    if (input.changed_since_opened()) {
+      result.err += changed_warning(*args.operand);
+      if (args.has("--strict")) result.status = exit_io_failure;
+    }
   } catch (const foundation::core::except::IMsgIDException& error) {
     const message_failure failure = capture_message(error);
-    result.status = 1;
+    result.status = reading_failure_status(failure);
     result.err = message_line(failure);
-    if (jsonl) jsonl->flush();
-    if (csv) csv->flush();
+    if (failure.id.key == "OutOfMemory") {
+      result.err += "zvtextparser: the memory limit was " + memory_size_text(memory_limit(args)) + " (--max-memory)\n";
+    }
+    flush_records();
     if (format != read_format::csv) out << error_line(failure);
+    flush_output(out);
     return result;
   }
-  if (jsonl) jsonl->flush();
-  if (csv) csv->flush();
+  flush_records();
+  if (csv && csv->lone_missing_written()) result.err += lone_missing_advice();
   if (format == read_format::count) {
     out << "{\"records\": " << counter.records() << ", \"fields\": " << counter.fields() << "}\n";
   }
+  flush_output(out);
   return result;
 }
 
-tool_result run_read_command(const parsed_arguments& args) { return run_read(args, std::cout); }
+std::uint64_t memory_limit(const parsed_arguments& args) {
+  const auto given = args.value("--max-memory");
+  return given ? parse_memory_size(*given) : default_memory_limit();
+}
+
+tool_result run_read_command(const parsed_arguments& args) {
+  apply_memory_limit(memory_limit(args));
+  return run_read(args, std::cout);
+}
 
 }  // namespace zvtool

@@ -21,6 +21,10 @@ constexpr std::array read_options{
     struct_option,
     tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
+    tool_option{"--max-memory", "SIZE",
+                "stop with a reading error when reading needs more memory than SIZE (bytes, or K, M, G, T; "
+                "default: half the machine's memory)"},
+    tool_option{"--strict", "", "exit 5 when FILE changed while it was read (a warning is printed in any case)"},
 };
 constexpr std::array<tool_option, 0> help_options{};
 
@@ -51,7 +55,12 @@ are names. --count: {"records": N, "fields": M} (it overrides --format).
 A reading error ends the output after the last good record, with an
 {"error": {...}} line in jsonl and count. A refused option prints the
 options subcommand's report in jsonl and count, nothing in csv; the message
-goes to standard error in every case.
+goes to standard error in every case. In csv a record of one missing value
+is an empty line, which reads back only under EmptyLineRule read; a note on
+standard error says so when such a record was written. A regular FILE that
+changed while it was read gives a warning on standard error (and status 5
+with --strict). A failed write ends the tool with status 5, a closed pipe
+quietly with status 141.
 )";
 
 tool_result run_help(const parsed_arguments& args);
