@@ -64,4 +64,14 @@ struct CannotReadFile : resource_core::BaseMsgID {
   }
 };
 
+// Memory ran out (or reached the tool's limit) while reading; arguments: the
+// physical line where the record starts, and what asked for the memory (a
+// setting such as "NumVariables 1000000000", or the record's own size).
+struct OutOfMemory : resource_core::BaseMsgID {
+  OutOfMemory(std::uint64_t line, const std::string& cause) : resource_core::BaseMsgID(catalog_name, "OutOfMemory") {
+    args.emplace_back(std::in_place_index<0>, line);
+    args.emplace_back(std::in_place_index<1>, cause);
+  }
+};
+
 }  // namespace ZORVEK::textio::reader
