@@ -201,6 +201,44 @@ TEST(ReadProcess, FileChangedWhileReadIsReported) {
   }
 }
 
+TEST(ReadProcess, CsvWithARecordOfOneMissingValueAdvisesEmptyLineRuleRead) {
+  const std::string path = import_test::write_file("x\nNA\ny\n");
+  const auto lone = run_tool({"read", path, "TreatAsMissing", "NA", "--format", "csv"});
+  EXPECT_EQ(lone.status, 0);
+  EXPECT_EQ(lone.out, "x\r\n\r\ny\r\n");
+  EXPECT_NE(lone.err.find("EmptyLineRule read"), std::string::npos) << lone.err;
+  const auto two = run_tool({"read", path, "TreatAsMissing", "NA", "NumVariables", "2", "--format", "csv"});
+  EXPECT_EQ(two.out, "x,\r\n,\r\ny,\r\n");
+  EXPECT_EQ(two.err, "");
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool address_sanitizer = true;
+#elif defined(__has_feature)
+constexpr bool address_sanitizer = __has_feature(address_sanitizer);
+#else
+constexpr bool address_sanitizer = false;
+#endif
+
+// Under a 160 MiB limit: padding up to a large variable count costs nothing
+// per variable, while a record of three million fields needs more and ends
+// in a reading error that names its line.
+TEST(ReadProcess, MemoryLimitBoundsTheReader) {
+  if (address_sanitizer) GTEST_SKIP() << "the limit is off under AddressSanitizer";
+  const auto padded = run_tool({"read", import_test::write_file("a\n"), "NumVariables", "3000000", "--max-memory",
+                                "160M", "--format", "csv"});
+  EXPECT_EQ(padded.status, 0) << padded.err;
+  EXPECT_EQ(padded.out.size(), 3000002u);
+  std::string wide = "x\n";
+  for (int i = 0; i < 3000000; ++i) wide += "1,";
+  const auto run = run_tool({"read", import_test::write_file(wide), "--max-memory", "160M", "--count",
+                             "MissingRule", "omitrow"});
+  EXPECT_EQ(run.status, 4);
+  EXPECT_NE(run.err.find("OutOfMemory: Out of memory reading the record at line 2"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("the memory limit was 160.0 MiB (--max-memory)"), std::string::npos) << run.err;
+  EXPECT_EQ(run_tool({"read", "-", "--max-memory", "lots"}).status, 2);
+}
+
 }  // namespace faults
 
 }  // namespace
