@@ -123,7 +123,8 @@ class table_reader {
   // What holds the memory of a record beyond its own text.
   std::string memory_user() const {
     if (buffering_) {
-      if (opts_.missing_rule() == BadDataRule::OmitVar) return "MissingRule OmitVar, which keeps the table until its end";
+      if (opts_.missing_rule() == BadDataRule::OmitVar)
+        return "MissingRule OmitVar, which keeps the table until its end";
       if (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar)
         return "PartialFieldRule OmitVar, which keeps the table until its end";
       return "ImportErrorRule OmitVar, which keeps the table until its end";

@@ -35,14 +35,21 @@ std::uint64_t parse_memory_size(const std::string& size) {
   if (i == 0) return refuse();
   std::string suffix = size.substr(i);
   for (char& c : suffix) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  if (suffix.ends_with("IB")) suffix.resize(suffix.size() - 2);
-  else if (suffix.size() > 1 && suffix.ends_with('B')) suffix.pop_back();
+  if (suffix.ends_with("IB"))
+    suffix.resize(suffix.size() - 2);
+  else if (suffix.size() > 1 && suffix.ends_with('B'))
+    suffix.pop_back();
   int shift = 0;
-  if (suffix == "K") shift = 10;
-  else if (suffix == "M") shift = 20;
-  else if (suffix == "G") shift = 30;
-  else if (suffix == "T") shift = 40;
-  else if (!suffix.empty() && suffix != "B") return refuse();
+  if (suffix == "K")
+    shift = 10;
+  else if (suffix == "M")
+    shift = 20;
+  else if (suffix == "G")
+    shift = 30;
+  else if (suffix == "T")
+    shift = 40;
+  else if (!suffix.empty() && suffix != "B")
+    return refuse();
   if (value == 0 || value > (max >> shift)) return refuse();
   return value << shift;
 }

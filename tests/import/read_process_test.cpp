@@ -225,14 +225,14 @@ constexpr bool address_sanitizer = false;
 // in a reading error that names its line.
 TEST(ReadProcess, MemoryLimitBoundsTheReader) {
   if (address_sanitizer) GTEST_SKIP() << "the limit is off under AddressSanitizer";
-  const auto padded = run_tool({"read", import_test::write_file("a\n"), "NumVariables", "3000000", "--max-memory",
-                                "160M", "--format", "csv"});
+  const auto padded = run_tool(
+      {"read", import_test::write_file("a\n"), "NumVariables", "3000000", "--max-memory", "160M", "--format", "csv"});
   EXPECT_EQ(padded.status, 0) << padded.err;
   EXPECT_EQ(padded.out.size(), 3000002u);
   std::string wide = "x\n";
   for (int i = 0; i < 3000000; ++i) wide += "1,";
-  const auto run = run_tool({"read", import_test::write_file(wide), "--max-memory", "160M", "--count",
-                             "MissingRule", "omitrow"});
+  const auto run =
+      run_tool({"read", import_test::write_file(wide), "--max-memory", "160M", "--count", "MissingRule", "omitrow"});
   EXPECT_EQ(run.status, 4);
   EXPECT_NE(run.err.find("OutOfMemory: Out of memory reading the record at line 2"), std::string::npos) << run.err;
   EXPECT_NE(run.err.find("the memory limit was 160.0 MiB (--max-memory)"), std::string::npos) << run.err;

@@ -55,8 +55,8 @@ INSTANTIATE_TEST_SUITE_P(Csv, CsvRoundTrip, ::testing::ValuesIn(round_trip_cases
 // back with EmptyLineRule "read", the one setting the round trip needs: the
 // records come back as the JSON-lines writer shows the table itself.
 TEST(CsvRoundTripProperty, RandomTablesReadBackUnchanged) {
-  const std::string pieces[] = {",", "\"", "\r", "\n", "\r\n", " ", "\t", "\b", "\f", "\v",
-                                "a", "NA", "#", "é", "𝄞", "\xEF\xBB\xBF", "%"};
+  const std::string pieces[] = {",",  "\"", "\r", "\n", "\r\n", " ", "\t",           "\b", "\f",
+                                "\v", "a",  "NA", "#",  "é",    "𝄞", "\xEF\xBB\xBF", "%"};
   std::mt19937 random(20261123);
   const auto below = [&random](std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random); };
   const auto some_text = [&] {

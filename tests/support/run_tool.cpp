@@ -76,7 +76,8 @@ tool_run run_tool(const std::vector<std::string>& args, const tool_setup& setup)
   if (!setup.ignore_sigpipe) sigaddset(&defaults, SIGPIPE);
   posix_spawnattr_setsigdefault(&attributes, &defaults);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-  struct sigaction ignore {}, previous {};
+  struct sigaction ignore {
+  }, previous{};
   ignore.sa_handler = SIG_IGN;
   if (setup.ignore_sigpipe) sigaction(SIGPIPE, &ignore, &previous);
   pid_t pid = 0;
