@@ -21,9 +21,7 @@ constexpr std::array read_options{
     struct_option,
     tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
-    tool_option{"--max-memory", "SIZE",
-                "stop with a reading error when reading needs more memory than SIZE (bytes, or K, M, G, T; "
-                "default: half the machine's memory)"},
+    tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},
     tool_option{"--strict", "", "exit 5 when FILE changed while it was read (a warning is printed in any case)"},
 };
 constexpr std::array<tool_option, 0> help_options{};
