@@ -11,7 +11,6 @@
 #include "parser/options.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/exit_status.hpp"
-#include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
