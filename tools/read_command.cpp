@@ -12,7 +12,6 @@
 #include "tools/apply_options.hpp"
 #include "tools/checked_output.hpp"
 #include "tools/exit_status.hpp"
-#include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
 #include "tools/memory_limit.hpp"
 #include "tools/record_json.hpp"

@@ -181,7 +181,7 @@ const setting_case matrix_cases[] = {
      R"([1234.5, 0.75])"},
     {"trim_non_numeric", "$12.5 USD,abc", numbers({"TrimNonNumeric", "true"}), R"([12.5, "NaN"])"},
     {"untrimmed_fails", "$12.5", numbers({}), R"(["NaN"])"},
-    {"nan_and_inf", "NaN,-Inf,inf", numbers({}), R"(["NaN", "-Inf", "Inf"])"},
+    {"nan_and_inf", "NaN,-Inf,inf,Infinity,-infinity", numbers({}), R"(["NaN", "-Inf", "Inf", "Inf", "-Inf"])"},
     {"import_error_omitrow", "1,2\n3,x\n5,6", numbers({"ImportErrorRule", "omitrow"}), "[1, 2] | [5, 6]"},
     {"import_error_omitvar", "1,2\n3,x\n5,6", numbers({"ImportErrorRule", "omitvar"}), "[1] | [3] | [5]"},
 };

@@ -182,6 +182,7 @@ const count_case count_cases[] = {
     {"ignored_extras", "1,2\n3,4,5\n6", {"ExtraColumnsRule", "ignore"}},
     {"empty_lines_read", "1,2\n\n3", {"EmptyLineRule", "read"}},
     {"empty_line_first", "\n1,2", {"EmptyLineRule", "read"}},
+    {"line_of_an_empty_quoted_field", "1\n\"\"\n \"\" \n2", {}},
     {"joined_delimiters", ",1,,2,", {"MultipleDelimsAsOne", "true"}},
     {"names_set_the_count", "a,b,c\n1\n2,3,4,5", {"NumHeaderLines", "1", "VariableNamesLine", "1"}},
     {"given_count", "1,2,3\n4", {"NumVariables", "2"}},
