@@ -1,0 +1,377 @@
+// The block kernels of the structural scan, compiled once per instruction set
+// (Highway's foreach_target) and chosen at run time.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "import/structural_kernels.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "import/structural_scan.hpp"
+
+HWY_BEFORE_NAMESPACE();
+namespace textio::import {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Bit i of the result: the parity of bits 0..i of x.
+HWY_INLINE std::uint64_t prefix_xor(std::uint64_t x) {
+#if HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_EMU128 || HWY_TARGET == HWY_SCALAR
+  x ^= x << 1;
+  x ^= x << 2;
+  x ^= x << 4;
+  x ^= x << 8;
+  x ^= x << 16;
+  x ^= x << 32;
+  return x;
+#else
+  // A carry-less multiply by all ones.
+  const hn::Full128<std::uint64_t> d;
+  return hn::GetLane(hn::CLMulLower(hn::Set(d, x), hn::Set(d, ~std::uint64_t{0})));
+#endif
+}
+
+// Compiled for the kernel's instruction set (a popcnt instruction where
+// there is one).
+HWY_INLINE std::size_t bit_count(std::uint64_t x) { return static_cast<std::size_t>(__builtin_popcountll(x)); }
+
+struct raw_masks {
+  std::uint64_t quote, delimiter, cr, lf, comment, blank;
+};
+
+HWY_INLINE std::uint64_t load_bits(const std::uint8_t (&bytes)[8]) {
+  std::uint64_t v;
+  std::memcpy(&v, bytes, 8);
+  return v;
+}
+
+// The class masks of 64 bytes at p.
+HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c) {
+#if HWY_TARGET == HWY_SCALAR
+  raw_masks r{};
+  for (unsigned i = 0; i < 64; ++i) {
+    const char b = static_cast<char>(p[i]);
+    const std::uint64_t bit = std::uint64_t{1} << i;
+    if (b == c.quote) r.quote |= bit;
+    if (b == '\r') r.cr |= bit;
+    if (b == '\n') r.lf |= bit;
+    if (c.has_comment && b == c.comment) r.comment |= bit;
+    for (std::size_t k = 0; k < c.delimiter_count; ++k) {
+      if (b == c.delimiters[k]) r.delimiter |= bit;
+    }
+    for (std::size_t k = 0; k < c.whitespace_count; ++k) {
+      if (b == c.whitespace[k]) r.blank |= bit;
+    }
+  }
+  return r;
+#else
+  const hn::ScalableTag<std::uint8_t> d;
+  const std::size_t lanes = hn::Lanes(d);
+  const auto quote = hn::Set(d, static_cast<std::uint8_t>(c.quote));
+  const auto cr = hn::Set(d, '\r');
+  const auto lf = hn::Set(d, '\n');
+  const auto comment = hn::Set(d, static_cast<std::uint8_t>(c.comment));
+  std::uint8_t q[8] = {}, de[8] = {}, r[8] = {}, l[8] = {}, co[8] = {}, bl[8] = {};
+  for (std::size_t i = 0; i < 64; i += lanes) {
+    const auto v = hn::LoadU(d, p + i);
+    const std::size_t at = i / 8;
+    hn::StoreMaskBits(d, hn::Eq(v, quote), q + at);
+    hn::StoreMaskBits(d, hn::Eq(v, cr), r + at);
+    hn::StoreMaskBits(d, hn::Eq(v, lf), l + at);
+    if (c.has_comment) hn::StoreMaskBits(d, hn::Eq(v, comment), co + at);
+    if (c.delimiter_count > 0) {
+      auto m = hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.delimiters[0])));
+      for (std::size_t k = 1; k < c.delimiter_count; ++k) {
+        m = hn::Or(m, hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.delimiters[k]))));
+      }
+      hn::StoreMaskBits(d, m, de + at);
+    }
+    if (c.whitespace_count > 0) {
+      auto m = hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.whitespace[0])));
+      for (std::size_t k = 1; k < c.whitespace_count; ++k) {
+        m = hn::Or(m, hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.whitespace[k]))));
+      }
+      hn::StoreMaskBits(d, m, bl + at);
+    }
+  }
+  return {load_bits(q), load_bits(de), load_bits(r), load_bits(l), load_bits(co), load_bits(bl)};
+#endif
+}
+
+// Turns the class masks of one block of `length` bytes (1..64) into marks.
+HWY_INLINE block_marks finish(raw_masks k, std::size_t length, bool next_is_lf, const structural_classes& c,
+                              block_carry& carry) {
+  const std::uint64_t valid = length == 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << length) - 1;
+  const unsigned last = static_cast<unsigned>(length - 1);
+  k.quote &= valid;
+  k.delimiter &= valid;
+  k.cr &= valid;
+  k.lf &= valid;
+  k.comment &= valid;
+
+  // Line endings: where each starts, the LF that completes a CR LF.
+  const std::uint64_t lf_next = (k.lf >> 1) | (std::uint64_t{next_is_lf} << last);
+  const std::uint64_t pair = c.crlf ? k.cr & lf_next : 0;
+  const std::uint64_t skip = (pair << 1) | carry.skip_lf;
+  const std::uint64_t starts = pair | (c.cr ? k.cr & ~pair : 0) | (c.lf ? k.lf & ~skip : 0);
+  carry.skip_lf = (pair >> last) & 1;
+
+  // Comments run from a marker outside quotes to the next line ending; the
+  // quotes inside them do not count.
+  std::uint64_t in_comment = 0;
+  std::uint64_t markers = 0;
+  std::uint64_t inside = carry.quote;
+  if (carry.in_comment) {
+    in_comment = starts != 0 ? (std::uint64_t{1} << std::countr_zero(starts)) - 1 : valid;
+    carry.in_comment = starts == 0;
+  }
+  std::uint64_t quotes = k.quote & ~in_comment;
+  std::uint64_t in_quotes = prefix_xor(quotes) ^ inside;
+  if (c.has_comment) {
+    for (;;) {
+      const std::uint64_t open = k.comment & ~in_quotes & ~in_comment;
+      if (open == 0) break;
+      const unsigned s = static_cast<unsigned>(std::countr_zero(open));
+      markers |= std::uint64_t{1} << s;
+      const std::uint64_t rest = s == 63 ? 0 : starts & (~std::uint64_t{0} << (s + 1));
+      const std::uint64_t upto = rest != 0 ? (std::uint64_t{1} << std::countr_zero(rest)) - 1 : ~std::uint64_t{0};
+      in_comment |= upto & (~std::uint64_t{0} << s);
+      if (rest == 0) carry.in_comment = true;
+      quotes = k.quote & ~in_comment;
+      in_quotes = prefix_xor(quotes) ^ inside;
+    }
+  }
+  in_comment &= valid;
+  carry.quote = static_cast<std::uint64_t>(static_cast<std::int64_t>(in_quotes << (63 - last)) >> 63);
+
+  // A quote opens a field only right after a delimiter, a line ending, the
+  // start, or a closing quote (then the two are a doubled quote). Any other
+  // quote the prefix-XOR takes for an opening one is text to the exact
+  // scanner (after whitespace, inside a field, after a closed quote's text).
+  const std::uint64_t opens = quotes & in_quotes;
+  const std::uint64_t closes = quotes & ~in_quotes;
+  const std::uint64_t separators = (k.delimiter | starts | skip) & ~in_quotes & ~in_comment;
+  const std::uint64_t before_open = ((separators | closes) << 1) | carry.may_open;
+  carry.may_open = ((separators | closes) >> last) & 1;
+  const std::uint64_t irregular = opens & ~before_open;
+
+  block_marks m;
+  m.fields = k.delimiter & ~in_quotes & ~in_comment;
+  m.records = starts & ~in_quotes;
+  m.lines = starts;
+  m.wide = pair;
+  m.content = ~k.blank & ~in_comment & valid;
+  m.comments = markers;
+  m.irregular = irregular;
+  return m;
+}
+
+void MarkBlocks(const structural_classes& classes, std::string_view text, int next, block_carry& carry,
+                block_marks* out) {
+  const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
+  const std::size_t n = text.size();
+  std::size_t at = 0;
+  for (; at + 64 <= n; at += 64) {
+    const bool next_is_lf = at + 64 < n ? p[at + 64] == '\n' : next == '\n';
+    *out++ = finish(classify(p + at, classes), 64, next_is_lf, classes, carry);
+  }
+  if (at < n) {
+    std::uint8_t tail[64] = {};
+    std::memcpy(tail, p + at, n - at);
+    *out = finish(classify(tail, classes), n - at, next == '\n', classes, carry);
+  }
+}
+
+// The record walk: the class marks of a few blocks at a time, their record
+// ends and delimiters found bit by bit.
+void WalkRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
+                 std::uint64_t line, bool collect, structural_batch& batch) {
+  constexpr std::size_t max_blocks = 128;
+  block_marks marks[max_blocks];
+  batch.records.clear();
+  batch.delimiters.clear();
+  batch.first_delimiter.clear();
+  const std::size_t n = text.size();
+  batch.what = at_end ? structural_stop::end_of_input : structural_stop::need_more;
+  if (from == n) return;
+  // Without the end of the input, the last byte may begin a CR LF: records
+  // end only before it.
+  const std::size_t settled = at_end ? n : n - 1;
+  block_carry carry;
+  // The record being walked.
+  std::size_t begin = from;
+  std::uint64_t lines = 0;
+  std::size_t fields = 0;
+  bool content = false;
+  bool comment = false;
+  const auto add_delimiters = [&](std::uint64_t delims, std::size_t at) {
+    for (; delims != 0; delims &= delims - 1) batch.delimiters.push_back(at + std::countr_zero(delims));
+  };
+  const auto add_record = [&](std::size_t end, std::size_t next) {
+    structural_record r;
+    r.begin = begin;
+    r.end = end;
+    r.next = next;
+    r.line = line;
+    r.next_line = line + lines + (next != end ? 1 : 0);
+    r.fields = fields + 1;
+    r.empty = !content;
+    r.had_comment = comment;
+    batch.records.push_back(r);
+    if (collect) batch.first_delimiter.push_back(batch.delimiters.size() - fields);
+    begin = next;
+    line = r.next_line;
+    lines = fields = 0;
+    content = comment = false;
+  };
+  // Few blocks a step at first (the text may soon leave the covered shape),
+  // more while it stays regular.
+  std::size_t step = 2;
+  for (std::size_t base = from; base < n;) {
+    const std::size_t length = std::min(n - base, step * 64);
+    const std::size_t after = base + length;
+    MarkBlocks(classes, text.substr(base, length), after < n ? static_cast<unsigned char>(text[after]) : -1, carry,
+               marks);
+    const std::size_t blocks = (length + 63) / 64;
+    for (std::size_t b = 0; b < blocks; ++b) {
+      const block_marks& m = marks[b];
+      const std::size_t at = base + b * 64;
+      // Bits from the record's first byte on.
+      std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
+      const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
+      std::uint64_t ends = stop_bit == 64 ? m.records : m.records & ((std::uint64_t{1} << stop_bit) - 1);
+      if (settled < at + 64) ends &= settled > at ? (std::uint64_t{1} << (settled - at)) - 1 : 0;
+      while (ends != 0) {
+        const unsigned e = static_cast<unsigned>(std::countr_zero(ends));
+        ends &= ends - 1;
+        const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
+        fields += static_cast<std::size_t>(bit_count(m.fields & seg));
+        if (collect) add_delimiters(m.fields & seg, at);
+        content = content || (m.content & seg) != 0;
+        comment = comment || (m.comments & seg) != 0;
+        lines += bit_count(m.lines & seg);
+        const std::size_t next = at + e + 1 + ((m.wide >> e) & 1);
+        add_record(at + e, next);
+        live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
+        if (batch.records.size() == structural_batch::capacity) {
+          batch.what = structural_stop::full;
+          return;
+        }
+      }
+      if (stop_bit != 64) {
+        batch.what = structural_stop::exact;
+        return;
+      }
+      // The rest of the block belongs to the open record.
+      fields += static_cast<std::size_t>(bit_count(m.fields & live));
+      if (collect) add_delimiters(m.fields & live, at);
+      content = content || (m.content & live) != 0;
+      comment = comment || (m.comments & live) != 0;
+      lines += bit_count(m.lines & live);
+    }
+    base = after;
+    if (step < max_blocks) step *= 2;
+  }
+  if (begin == n) return;
+  if (!at_end) {
+    batch.what = structural_stop::need_more;
+  } else if (carry.quote != 0) {
+    batch.what = structural_stop::exact;  // a quote open at the end: the exact scanner reports it
+  } else {
+    add_record(n, n);
+    batch.what = structural_stop::end_of_input;
+  }
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace textio::import
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace textio::import {
+
+HWY_EXPORT(MarkBlocks);
+HWY_EXPORT(WalkRecords);
+
+void walk_records_best(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
+                       std::uint64_t line, bool collect, structural_batch& batch) {
+  HWY_DYNAMIC_DISPATCH(WalkRecords)(classes, text, from, at_end, line, collect, batch);
+}
+
+void mark_blocks(const structural_classes& classes, std::string_view text, int next, block_carry& carry,
+                 block_marks* out) {
+  HWY_DYNAMIC_DISPATCH(MarkBlocks)(classes, text, next, carry, out);
+}
+
+namespace {
+
+struct kernel {
+  std::int64_t target;
+  const char* name;
+  decltype(&mark_blocks) run;
+  decltype(&walk_records_best) walk;
+};
+
+// Every kernel compiled in, best first.
+const kernel kernels[] = {
+#if HWY_TARGETS & HWY_AVX3_DL
+    {HWY_AVX3_DL, "AVX3_DL", &N_AVX3_DL::MarkBlocks, &N_AVX3_DL::WalkRecords},
+#endif
+#if HWY_TARGETS & HWY_AVX3
+    {HWY_AVX3, "AVX3", &N_AVX3::MarkBlocks, &N_AVX3::WalkRecords},
+#endif
+#if HWY_TARGETS & HWY_AVX2
+    {HWY_AVX2, "AVX2", &N_AVX2::MarkBlocks, &N_AVX2::WalkRecords},
+#endif
+#if HWY_TARGETS & HWY_SSE4
+    {HWY_SSE4, "SSE4", &N_SSE4::MarkBlocks, &N_SSE4::WalkRecords},
+#endif
+#if HWY_TARGETS & HWY_SSSE3
+    {HWY_SSSE3, "SSSE3", &N_SSSE3::MarkBlocks, &N_SSSE3::WalkRecords},
+#endif
+#if HWY_TARGETS & HWY_EMU128
+    {HWY_EMU128, "EMU128", &N_EMU128::MarkBlocks, &N_EMU128::WalkRecords},
+#endif
+#if HWY_TARGETS & HWY_SCALAR
+    {HWY_SCALAR, "SCALAR", &N_SCALAR::MarkBlocks, &N_SCALAR::WalkRecords},
+#endif
+};
+
+}  // namespace
+
+std::vector<std::int64_t> structural_targets() {
+  std::vector<std::int64_t> out;
+  const std::int64_t supported = hwy::SupportedTargets();
+  for (const kernel& k : kernels) {
+    // The portable kernels run everywhere.
+    if ((k.target & supported) != 0 || k.target == HWY_EMU128 || k.target == HWY_SCALAR) out.push_back(k.target);
+  }
+  return out;
+}
+
+const char* structural_target_name(std::int64_t target) {
+  for (const kernel& k : kernels) {
+    if (k.target == target) return k.name;
+  }
+  return "best";
+}
+
+void mark_blocks_with(std::int64_t target, const structural_classes& classes, std::string_view text, int next,
+                      block_carry& carry, block_marks* out) {
+  for (const kernel& k : kernels) {
+    if (k.target == target) return k.run(classes, text, next, carry, out);
+  }
+  mark_blocks(classes, text, next, carry, out);
+}
+
+void walk_records(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
+                  std::uint64_t line, bool collect, std::int64_t target, structural_batch& batch) {
+  for (const kernel& k : kernels) {
+    if (k.target == target) return k.walk(classes, text, from, at_end, line, collect, batch);
+  }
+  walk_records_best(classes, text, from, at_end, line, collect, batch);
+}
+
+}  // namespace textio::import
+#endif  // HWY_ONCE
