@@ -156,7 +156,7 @@ HWY_INLINE block_marks finish(raw_masks k, std::size_t length, bool next_is_lf, 
   carry.may_open = ((separators | closes) >> last) & 1;
   const std::uint64_t irregular = opens & ~before_open;
 
-  block_marks m;
+  block_marks m{};
   m.fields = k.delimiter & ~in_quotes & ~in_comment;
   m.records = starts & ~in_quotes;
   m.lines = starts;
@@ -209,7 +209,9 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
     for (; delims != 0; delims &= delims - 1) batch.delimiters.push_back(at + std::countr_zero(delims));
   };
   const auto add_record = [&](std::size_t end, std::size_t next) {
-    structural_record r;
+    // Filled in place (a record built elsewhere and copied in whole stalls
+    // on the copy).
+    structural_record& r = batch.records.emplace_back();
     r.begin = begin;
     r.end = end;
     r.next = next;
@@ -218,7 +220,6 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
     r.fields = fields + 1;
     r.empty = !content;
     r.had_comment = comment;
-    batch.records.push_back(r);
     if (collect) batch.first_delimiter.push_back(batch.delimiters.size() - fields);
     begin = next;
     line = r.next_line;

@@ -47,14 +47,15 @@ struct structural_classes {
 };
 
 // What one block of 64 bytes holds; bit i is byte i of the block.
+// (No initializers: arrays of them are filled by the kernels.)
 struct block_marks {
-  std::uint64_t fields = 0;     // delimiters outside quotes and comments
-  std::uint64_t records = 0;    // line endings outside quotes (first byte)
-  std::uint64_t lines = 0;      // every line ending (first byte)
-  std::uint64_t wide = 0;       // line endings of two bytes (CR LF)
-  std::uint64_t content = 0;    // bytes that are neither whitespace nor comment
-  std::uint64_t comments = 0;   // comment markers outside quotes
-  std::uint64_t irregular = 0;  // quotes the exact scanner must settle
+  std::uint64_t fields;     // delimiters outside quotes and comments
+  std::uint64_t records;    // line endings outside quotes (first byte)
+  std::uint64_t lines;      // every line ending (first byte)
+  std::uint64_t wide;       // line endings of two bytes (CR LF)
+  std::uint64_t content;    // bytes that are neither whitespace nor comment
+  std::uint64_t comments;   // comment markers outside quotes
+  std::uint64_t irregular;  // quotes the exact scanner must settle
 };
 
 // The state carried from one block to the next.
@@ -103,7 +104,7 @@ enum class structural_stop {
 
 // The records of one step of the scan.
 struct structural_batch {
-  static constexpr std::size_t capacity = 1024;
+  static constexpr std::size_t capacity = 128;  // a few KiB: stays in the first-level cache
   std::vector<structural_record> records;
   std::vector<std::size_t> delimiters;  // with collection: each record's from first_delimiter
   std::vector<std::size_t> first_delimiter;
