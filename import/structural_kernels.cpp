@@ -40,16 +40,29 @@ struct raw_masks {
   std::uint64_t quote, delimiter, cr, lf, comment, blank;
 };
 
-HWY_INLINE std::uint64_t load_bits(const std::uint8_t (&bytes)[8]) {
+// The bits of a byte mask, lane i at bit i.
+template <class D, class M>
+HWY_INLINE std::uint64_t mask_bits(D d, M m) {
+#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
+  (void)d;
+  return static_cast<std::uint64_t>(m.raw);
+#elif HWY_TARGET == HWY_AVX2
+  return static_cast<std::uint32_t>(_mm256_movemask_epi8(hn::VecFromMask(d, m).raw));
+#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
+  return static_cast<std::uint32_t>(_mm_movemask_epi8(hn::VecFromMask(d, m).raw));
+#else
+  std::uint8_t bytes[8] = {};
+  hn::StoreMaskBits(d, m, bytes);
   std::uint64_t v;
   std::memcpy(&v, bytes, 8);
   return v;
+#endif
 }
 
 // The class masks of 64 bytes at p.
 HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c) {
-#if HWY_TARGET == HWY_SCALAR
   raw_masks r{};
+#if HWY_TARGET == HWY_SCALAR
   for (unsigned i = 0; i < 64; ++i) {
     const char b = static_cast<char>(p[i]);
     const std::uint64_t bit = std::uint64_t{1} << i;
@@ -64,7 +77,6 @@ HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c
       if (b == c.whitespace[k]) r.blank |= bit;
     }
   }
-  return r;
 #else
   const hn::ScalableTag<std::uint8_t> d;
   const std::size_t lanes = hn::Lanes(d);
@@ -72,31 +84,29 @@ HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c
   const auto cr = hn::Set(d, '\r');
   const auto lf = hn::Set(d, '\n');
   const auto comment = hn::Set(d, static_cast<std::uint8_t>(c.comment));
-  std::uint8_t q[8] = {}, de[8] = {}, r[8] = {}, l[8] = {}, co[8] = {}, bl[8] = {};
   for (std::size_t i = 0; i < 64; i += lanes) {
     const auto v = hn::LoadU(d, p + i);
-    const std::size_t at = i / 8;
-    hn::StoreMaskBits(d, hn::Eq(v, quote), q + at);
-    hn::StoreMaskBits(d, hn::Eq(v, cr), r + at);
-    hn::StoreMaskBits(d, hn::Eq(v, lf), l + at);
-    if (c.has_comment) hn::StoreMaskBits(d, hn::Eq(v, comment), co + at);
+    r.quote |= mask_bits(d, hn::Eq(v, quote)) << i;
+    r.cr |= mask_bits(d, hn::Eq(v, cr)) << i;
+    r.lf |= mask_bits(d, hn::Eq(v, lf)) << i;
+    if (c.has_comment) r.comment |= mask_bits(d, hn::Eq(v, comment)) << i;
     if (c.delimiter_count > 0) {
       auto m = hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.delimiters[0])));
       for (std::size_t k = 1; k < c.delimiter_count; ++k) {
         m = hn::Or(m, hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.delimiters[k]))));
       }
-      hn::StoreMaskBits(d, m, de + at);
+      r.delimiter |= mask_bits(d, m) << i;
     }
     if (c.whitespace_count > 0) {
       auto m = hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.whitespace[0])));
       for (std::size_t k = 1; k < c.whitespace_count; ++k) {
         m = hn::Or(m, hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.whitespace[k]))));
       }
-      hn::StoreMaskBits(d, m, bl + at);
+      r.blank |= mask_bits(d, m) << i;
     }
   }
-  return {load_bits(q), load_bits(de), load_bits(r), load_bits(l), load_bits(co), load_bits(bl)};
 #endif
+  return r;
 }
 
 // Turns the class masks of one block of `length` bytes (1..64) into marks.
