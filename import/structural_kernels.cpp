@@ -59,10 +59,63 @@ HWY_INLINE std::uint64_t mask_bits(D d, M m) {
 #endif
 }
 
+#if HWY_TARGET != HWY_SCALAR
+using bytes_tag = hn::ScalableTag<std::uint8_t>;
+using byte_vector = hn::Vec<bytes_tag>;
+
+// The class bytes broadcast once per call; a set of fewer than max_set
+// bytes repeats its first.
+struct class_vectors {
+  explicit class_vectors(const structural_classes& c) {
+    const bytes_tag d;
+    quote = hn::Set(d, static_cast<std::uint8_t>(c.quote));
+    cr = hn::Set(d, '\r');
+    lf = hn::Set(d, '\n');
+    comment = hn::Set(d, static_cast<std::uint8_t>(c.comment));
+    for (std::size_t k = 0; k < structural_classes::max_set; ++k) {
+      delimiter[k] = hn::Set(d, static_cast<std::uint8_t>(c.delimiters[k < c.delimiter_count ? k : 0]));
+      blank[k] = hn::Set(d, static_cast<std::uint8_t>(c.whitespace[k < c.whitespace_count ? k : 0]));
+    }
+  }
+  byte_vector quote, cr, lf, comment;
+  byte_vector delimiter[structural_classes::max_set];
+  byte_vector blank[structural_classes::max_set];
+};
+
 // The class masks of 64 bytes at p.
-HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c) {
+HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c, const class_vectors& k) {
+  const bytes_tag d;
+  const std::size_t lanes = hn::Lanes(d);
+  const bool comments = c.has_comment;
+  const bool delimiters = c.delimiter_count > 0;
+  const bool blanks = c.whitespace_count > 0;
   raw_masks r{};
-#if HWY_TARGET == HWY_SCALAR
+  for (std::size_t i = 0; i < 64; i += lanes) {
+    const auto v = hn::LoadU(d, p + i);
+    r.quote |= mask_bits(d, hn::Eq(v, k.quote)) << i;
+    r.cr |= mask_bits(d, hn::Eq(v, k.cr)) << i;
+    r.lf |= mask_bits(d, hn::Eq(v, k.lf)) << i;
+    if (comments) r.comment |= mask_bits(d, hn::Eq(v, k.comment)) << i;
+    if (delimiters) {
+      const auto m = hn::Or(hn::Or(hn::Eq(v, k.delimiter[0]), hn::Eq(v, k.delimiter[1])),
+                            hn::Or(hn::Eq(v, k.delimiter[2]), hn::Eq(v, k.delimiter[3])));
+      r.delimiter |= mask_bits(d, m) << i;
+    }
+    if (blanks) {
+      const auto m = hn::Or(hn::Or(hn::Eq(v, k.blank[0]), hn::Eq(v, k.blank[1])),
+                            hn::Or(hn::Eq(v, k.blank[2]), hn::Eq(v, k.blank[3])));
+      r.blank |= mask_bits(d, m) << i;
+    }
+  }
+  return r;
+}
+#else
+struct class_vectors {
+  explicit class_vectors(const structural_classes&) {}
+};
+
+HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c, const class_vectors&) {
+  raw_masks r{};
   for (unsigned i = 0; i < 64; ++i) {
     const char b = static_cast<char>(p[i]);
     const std::uint64_t bit = std::uint64_t{1} << i;
@@ -77,37 +130,9 @@ HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c
       if (b == c.whitespace[k]) r.blank |= bit;
     }
   }
-#else
-  const hn::ScalableTag<std::uint8_t> d;
-  const std::size_t lanes = hn::Lanes(d);
-  const auto quote = hn::Set(d, static_cast<std::uint8_t>(c.quote));
-  const auto cr = hn::Set(d, '\r');
-  const auto lf = hn::Set(d, '\n');
-  const auto comment = hn::Set(d, static_cast<std::uint8_t>(c.comment));
-  for (std::size_t i = 0; i < 64; i += lanes) {
-    const auto v = hn::LoadU(d, p + i);
-    r.quote |= mask_bits(d, hn::Eq(v, quote)) << i;
-    r.cr |= mask_bits(d, hn::Eq(v, cr)) << i;
-    r.lf |= mask_bits(d, hn::Eq(v, lf)) << i;
-    if (c.has_comment) r.comment |= mask_bits(d, hn::Eq(v, comment)) << i;
-    if (c.delimiter_count > 0) {
-      auto m = hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.delimiters[0])));
-      for (std::size_t k = 1; k < c.delimiter_count; ++k) {
-        m = hn::Or(m, hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.delimiters[k]))));
-      }
-      r.delimiter |= mask_bits(d, m) << i;
-    }
-    if (c.whitespace_count > 0) {
-      auto m = hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.whitespace[0])));
-      for (std::size_t k = 1; k < c.whitespace_count; ++k) {
-        m = hn::Or(m, hn::Eq(v, hn::Set(d, static_cast<std::uint8_t>(c.whitespace[k]))));
-      }
-      r.blank |= mask_bits(d, m) << i;
-    }
-  }
-#endif
   return r;
 }
+#endif
 
 // Turns the class masks of one block of `length` bytes (1..64) into marks.
 HWY_INLINE block_marks finish(raw_masks k, std::size_t length, bool next_is_lf, const structural_classes& c,
@@ -181,15 +206,16 @@ void MarkBlocks(const structural_classes& classes, std::string_view text, int ne
                 block_marks* out) {
   const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
   const std::size_t n = text.size();
+  const class_vectors vectors(classes);
   std::size_t at = 0;
   for (; at + 64 <= n; at += 64) {
     const bool next_is_lf = at + 64 < n ? p[at + 64] == '\n' : next == '\n';
-    *out++ = finish(classify(p + at, classes), 64, next_is_lf, classes, carry);
+    *out++ = finish(classify(p + at, classes, vectors), 64, next_is_lf, classes, carry);
   }
   if (at < n) {
     std::uint8_t tail[64] = {};
     std::memcpy(tail, p + at, n - at);
-    *out = finish(classify(tail, classes), n - at, next == '\n', classes, carry);
+    *out = finish(classify(tail, classes, vectors), n - at, next == '\n', classes, carry);
   }
 }
 
