@@ -1,8 +1,8 @@
 // Throughput of the reference reader on a generated CSV (10 columns, mixed
 // text and numbers, some quoted fields): the structural scan alone on the
-// text in memory (per kernel), counting (the structural scan), reading every value (the full scanner, on UTF-8 bytes), and reading as
-// UTF-16 (a non-ASCII delimiter forces that path). The comparison with other
-// programs on a 256 MiB file is bench/read_comparison.sh.
+// text in memory (per kernel), counting (the structural scan), reading every value (the full scanner, on UTF-8 bytes),
+// and reading as UTF-16 (a non-ASCII delimiter forces that path). The comparison with other programs on a 256 MiB file
+// is bench/read_comparison.sh.
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
@@ -113,8 +113,9 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   for (const std::int64_t target : textio::import::structural_targets()) {
-    benchmark::RegisterBenchmark((std::string("BM_StructuralScan/") + textio::import::structural_target_name(target)).c_str(),
-                                 BM_StructuralScan, target)
+    benchmark::RegisterBenchmark(
+        (std::string("BM_StructuralScan/") + textio::import::structural_target_name(target)).c_str(), BM_StructuralScan,
+        target)
         ->Unit(benchmark::kMillisecond);
   }
   benchmark::RunSpecifiedBenchmarks();

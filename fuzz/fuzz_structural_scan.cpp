@@ -75,8 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto whole = structural_check::structural_records(rules, *classes, text, true, target);
     if (whole.failed != exact.failed) fail("failure", target);
     if (whole.records != exact.records) fail("records", target);
-    const auto part = structural_check::structural_records(rules, *classes, std::string_view(text).substr(0, cut),
-                                                           false, target);
+    const auto part =
+        structural_check::structural_records(rules, *classes, std::string_view(text).substr(0, cut), false, target);
     if (!same_prefix(part, exact)) fail("records of a window that ends early", target);
   }
   return 0;

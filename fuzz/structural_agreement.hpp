@@ -43,7 +43,8 @@ inline scan_rules<char> make_rules(const std::vector<std::u16string>& delimiters
   scan_rules<char> rules;
   if (!delimiters.empty()) rules.field_delimiters = string_matcher<char>(textio::get_or_create_delim(delimiters));
   rules.line_endings = string_matcher<char>(textio::get_or_create_delim(endings));
-  if (comment != 0) rules.comment_open = string_matcher<char>(textio::get_or_create_delim({std::u16string(1, comment)}));
+  if (comment != 0)
+    rules.comment_open = string_matcher<char>(textio::get_or_create_delim({std::u16string(1, comment)}));
   rules.quotes = true;
   rules.trim = true;
   rules.whitespace = whitespace;
@@ -93,8 +94,9 @@ inline found_records exact_records(const scan_rules<char>& rules, std::string_vi
 }
 
 // The structural scan's records; the text ends at `text` when `at_end`.
-inline found_records structural_records(const scan_rules<char>& rules, const textio::import::structural_classes& classes,
-                                        std::string_view text, bool at_end, std::int64_t target) {
+inline found_records structural_records(const scan_rules<char>& rules,
+                                        const textio::import::structural_classes& classes, std::string_view text,
+                                        bool at_end, std::int64_t target) {
   using textio::import::structural_record;
   using textio::import::structural_scanner;
   found_records out;
@@ -107,13 +109,10 @@ inline found_records structural_records(const scan_rules<char>& rules, const tex
       f.begin = pos + s.begin;
       f.next = pos + s.next;
       f.next_line = s.next_line;
-      std::size_t field_begin = s.begin;
       for (std::size_t i = 0; i < s.fields; ++i) {
-        const std::size_t field_end = i + 1 < s.fields ? s.delimiters[i] : s.end;
-        if (i + 1 < s.fields) f.delimiters.push_back(pos + field_end);
-        // A quote opens a field only at its first byte on this path.
-        f.quoted.push_back(field_begin < field_end && text[pos + field_begin] == classes.quote);
-        field_begin = field_end + 1;
+        const auto field = textio::import::field_of(text.substr(pos), s, i, classes.quote);
+        if (i + 1 < s.fields) f.delimiters.push_back(pos + field.end);
+        f.quoted.push_back(field.quoted);
       }
       f.empty = s.empty;
       f.had_comment = s.had_comment;

@@ -219,12 +219,10 @@ void MarkBlocks(const structural_classes& classes, std::string_view text, int ne
   }
 }
 
-// The record walk: the class marks of a few blocks at a time, their record
-// ends and delimiters found bit by bit.
+// The record walk: the marks of each block, its record ends and delimiters
+// found bit by bit.
 void WalkRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
                  std::uint64_t line, bool collect, structural_batch& batch) {
-  constexpr std::size_t max_blocks = 128;
-  block_marks marks[max_blocks];
   batch.records.clear();
   batch.delimiters.clear();
   batch.first_delimiter.clear();
@@ -262,53 +260,50 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
     lines = fields = 0;
     content = comment = false;
   };
-  // Few blocks a step at first (the text may soon leave the covered shape),
-  // more while it stays regular.
-  std::size_t step = 2;
-  for (std::size_t base = from; base < n;) {
-    const std::size_t length = std::min(n - base, step * 64);
-    const std::size_t after = base + length;
-    MarkBlocks(classes, text.substr(base, length), after < n ? static_cast<unsigned char>(text[after]) : -1, carry,
-               marks);
-    const std::size_t blocks = (length + 63) / 64;
-    for (std::size_t b = 0; b < blocks; ++b) {
-      const block_marks& m = marks[b];
-      const std::size_t at = base + b * 64;
-      // Bits from the record's first byte on.
-      std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
-      const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
-      std::uint64_t ends = stop_bit == 64 ? m.records : m.records & ((std::uint64_t{1} << stop_bit) - 1);
-      if (settled < at + 64) ends &= settled > at ? (std::uint64_t{1} << (settled - at)) - 1 : 0;
-      while (ends != 0) {
-        const unsigned e = static_cast<unsigned>(std::countr_zero(ends));
-        ends &= ends - 1;
-        const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
-        fields += static_cast<std::size_t>(bit_count(m.fields & seg));
-        if (collect) add_delimiters(m.fields & seg, at);
-        content = content || (m.content & seg) != 0;
-        comment = comment || (m.comments & seg) != 0;
-        lines += bit_count(m.lines & seg);
-        const std::size_t next = at + e + 1 + ((m.wide >> e) & 1);
-        add_record(at + e, next);
-        live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
-        if (batch.records.size() == structural_batch::capacity) {
-          batch.what = structural_stop::full;
-          return;
-        }
-      }
-      if (stop_bit != 64) {
-        batch.what = structural_stop::exact;
+  const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
+  const class_vectors vectors(classes);
+  // Each block is marked and walked at once (its marks stay in registers).
+  for (std::size_t at = from; at < n; at += 64) {
+    block_marks m;
+    if (n - at >= 64) {
+      m = finish(classify(p + at, classes, vectors), 64, at + 64 < n && p[at + 64] == '\n', classes, carry);
+    } else {
+      std::uint8_t tail[64] = {};
+      std::memcpy(tail, p + at, n - at);
+      m = finish(classify(tail, classes, vectors), n - at, false, classes, carry);
+    }
+    // Bits from the record's first byte on.
+    std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
+    const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
+    std::uint64_t ends = stop_bit == 64 ? m.records : m.records & ((std::uint64_t{1} << stop_bit) - 1);
+    if (settled < at + 64) ends &= settled > at ? (std::uint64_t{1} << (settled - at)) - 1 : 0;
+    while (ends != 0) {
+      const unsigned e = static_cast<unsigned>(std::countr_zero(ends));
+      ends &= ends - 1;
+      const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
+      fields += static_cast<std::size_t>(bit_count(m.fields & seg));
+      if (collect) add_delimiters(m.fields & seg, at);
+      content = content || (m.content & seg) != 0;
+      comment = comment || (m.comments & seg) != 0;
+      lines += bit_count(m.lines & seg);
+      const std::size_t next = at + e + 1 + ((m.wide >> e) & 1);
+      add_record(at + e, next);
+      live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
+      if (batch.records.size() == structural_batch::capacity) {
+        batch.what = structural_stop::full;
         return;
       }
-      // The rest of the block belongs to the open record.
-      fields += static_cast<std::size_t>(bit_count(m.fields & live));
-      if (collect) add_delimiters(m.fields & live, at);
-      content = content || (m.content & live) != 0;
-      comment = comment || (m.comments & live) != 0;
-      lines += bit_count(m.lines & live);
     }
-    base = after;
-    if (step < max_blocks) step *= 2;
+    if (stop_bit != 64) {
+      batch.what = structural_stop::exact;
+      return;
+    }
+    // The rest of the block belongs to the open record.
+    fields += static_cast<std::size_t>(bit_count(m.fields & live));
+    if (collect) add_delimiters(m.fields & live, at);
+    content = content || (m.content & live) != 0;
+    comment = comment || (m.comments & live) != 0;
+    lines += bit_count(m.lines & live);
   }
   if (begin == n) return;
   if (!at_end) {

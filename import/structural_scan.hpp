@@ -60,9 +60,9 @@ struct block_marks {
 
 // The state carried from one block to the next.
 struct block_carry {
-  std::uint64_t quote = 0;          // all ones inside a quoted field
-  std::uint64_t may_open = 1;       // the byte before may precede an opening quote
-  std::uint64_t skip_lf = 0;        // the byte before began a CR LF
+  std::uint64_t quote = 0;     // all ones inside a quoted field
+  std::uint64_t may_open = 1;  // the byte before may precede an opening quote
+  std::uint64_t skip_lf = 0;   // the byte before began a CR LF
   bool in_comment = false;
 };
 
@@ -94,6 +94,24 @@ struct structural_record {
   // last (which ends at `end`), fields - 1 positions.
   const std::size_t* delimiters = nullptr;
 };
+
+// Field i of a record found with field collection: its bytes (quotes and
+// surrounding whitespace included) and whether it is quoted. On this path a
+// field is quoted exactly when its first byte is the quote (any other quote
+// hands the record to the exact scanner); its text then runs to the
+// closing quote, and needs unescaping only when it holds a doubled quote.
+struct structural_field {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  bool quoted = false;
+};
+inline structural_field field_of(std::string_view text, const structural_record& r, std::size_t i, char quote) {
+  structural_field f;
+  f.begin = i == 0 ? r.begin : r.delimiters[i - 1] + 1;
+  f.end = i + 1 < r.fields ? r.delimiters[i] : r.end;
+  f.quoted = f.begin < f.end && text[f.begin] == quote;
+  return f;
+}
 
 enum class structural_stop {
   need_more,     // the window ends inside a record; append and scan again

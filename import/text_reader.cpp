@@ -197,7 +197,8 @@ class table_reader {
           opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split) {
         if (const auto classes = structural_classes::for_rules(data_rules_)) counter_.emplace(*classes);
         first_counted_line_ = std::max({header_lines_, opts_.variable_names_line(), opts_.variable_units_line(),
-                                        opts_.variable_descriptions_line()}) + 1;
+                                        opts_.variable_descriptions_line()}) +
+                              1;
       }
     }
   }
@@ -635,7 +636,7 @@ class table_reader {
   bool buffering_ = false;
   bool counting_ = false;
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
-  std::uint64_t first_counted_line_ = 0;      // after header and meta lines
+  std::uint64_t first_counted_line_ = 0;       // after header and meta lines
   delimiter_rule_set delimiter_rules_;
   number_format format_;
   std::vector<string> placeholders_;

@@ -92,7 +92,4 @@ TEST(FixedWidthCutter, ReportsPartialAndExtraUnits) {
   EXPECT_EQ(extra.extra_begin, 5u);
 }
 
-// The count kernel and the full scanner agree on every record of these
-// texts, cut at every place into a window that may end early (at the end
-// of the input both must decide).
 }  // namespace

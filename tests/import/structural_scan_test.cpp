@@ -46,7 +46,11 @@ const scan_case cases[] = {
      "#c,\"d\n" + pad(50) + "#" + pad(30) + ",\"\n\"a\"#x\n  #\n\"#\",1\n#" + pad(130),
      {u"\n", u"\r", u"\r\n"},
      u'#'},
-    {"quotes that do not open or close a field", " \"a,b\",1\nab\"c,d\n\"a\"b,c\n\"a\"b\"c,d\n\"ok\",2\n", {u"\n"}, 0, 3},
+    {"quotes that do not open or close a field",
+     " \"a,b\",1\nab\"c,d\n\"a\"b,c\n\"a\"b\"c,d\n\"ok\",2\n",
+     {u"\n"},
+     0,
+     3},
     {"a quote open at the end", "a,b\n" + pad(70) + ",\"open,\n", {u"\n"}, 0, 1},
 };
 
@@ -64,7 +68,8 @@ TEST_P(StructuralScan, AgreesWithTheExactScanner) {
     EXPECT_EQ(whole.failed, exact.failed);
     EXPECT_EQ(whole.handed_over, c.handed_over);
     ASSERT_EQ(whole.records.size(), exact.records.size());
-    for (std::size_t i = 0; i < exact.records.size(); ++i) EXPECT_EQ(whole.records[i], exact.records[i]) << "record " << i;
+    for (std::size_t i = 0; i < exact.records.size(); ++i)
+      EXPECT_EQ(whole.records[i], exact.records[i]) << "record " << i;
     for (std::size_t cut = 0; cut < c.text.size(); ++cut) {
       const found_records part =
           structural_check::structural_records(plain, *fast, std::string_view(c.text).substr(0, cut), false, target);
@@ -84,7 +89,7 @@ TEST(StructuralScan, LeavesUncoveredRulesToTheExactScanner) {
   const std::vector<std::u16string> lf = {u"\n"};
   EXPECT_TRUE(structural_classes::for_rules(make_rules({u","}, lf, u'#', u" ")));
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u"\t"}, lf, 0, u" \t")));  // a delimiter that is blank
-  EXPECT_FALSE(structural_classes::for_rules(make_rules({u"::"}, lf, 0, u" ")));      // two bytes
+  EXPECT_FALSE(structural_classes::for_rules(make_rules({u"::"}, lf, 0, u" ")));    // two bytes
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, {u"\n\r"}, 0, u" ")));
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, lf, u'"', u" ")));  // comment marker is the quote
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u",", u";", u"|", u":", u"!"}, lf, 0, u" ")));
