@@ -1,12 +1,15 @@
 // The block kernels of the structural scan, compiled once per instruction set
-// (Highway's foreach_target) and chosen at run time.
+// (Highway's foreach_target) and chosen at run time from what the CPU runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "import/structural_kernels.cpp"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
+#include <cpuid.h>
+
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "import/structural_scan.hpp"
 
@@ -322,34 +325,21 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace textio::import {
-
-HWY_EXPORT(MarkBlocks);
-HWY_EXPORT(WalkRecords);
-
-void walk_records_best(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
-                       std::uint64_t line, bool collect, structural_batch& batch) {
-  HWY_DYNAMIC_DISPATCH(WalkRecords)(classes, text, from, at_end, line, collect, batch);
-}
-
-void mark_blocks(const structural_classes& classes, std::string_view text, int next, block_carry& carry,
-                 block_marks* out) {
-  HWY_DYNAMIC_DISPATCH(MarkBlocks)(classes, text, next, carry, out);
-}
-
 namespace {
+
+using mark_function = void (*)(const structural_classes&, std::string_view, int, block_carry&, block_marks*);
+using walk_function = void (*)(const structural_classes&, std::string_view, std::size_t, bool, std::uint64_t, bool,
+                               structural_batch&);
 
 struct kernel {
   std::int64_t target;
   const char* name;
-  decltype(&mark_blocks) run;
-  decltype(&walk_records_best) walk;
+  mark_function mark;
+  walk_function walk;
 };
 
 // Every kernel compiled in, best first.
 const kernel kernels[] = {
-#if HWY_TARGETS & HWY_AVX3_DL
-    {HWY_AVX3_DL, "AVX3_DL", &N_AVX3_DL::MarkBlocks, &N_AVX3_DL::WalkRecords},
-#endif
 #if HWY_TARGETS & HWY_AVX3
     {HWY_AVX3, "AVX3", &N_AVX3::MarkBlocks, &N_AVX3::WalkRecords},
 #endif
@@ -370,39 +360,79 @@ const kernel kernels[] = {
 #endif
 };
 
+// Whether the CPU (and the system, for the wide registers) runs a kernel:
+// the instruction sets each Highway target is compiled for. Highway's own
+// detection lives in its shared library, whose loading measures the timer
+// and costs every process several milliseconds; these checks are the
+// compiler's.
+bool cpu_runs(std::int64_t target) {
+  __builtin_cpu_init();
+  const bool ssse3 = __builtin_cpu_supports("ssse3");
+  const bool sse4 = ssse3 && __builtin_cpu_supports("sse4.1") && __builtin_cpu_supports("sse4.2") &&
+                    __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("aes");
+  unsigned a = 0, b = 0, c = 0, d = 0;
+  const bool f16c = __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_F16C) != 0;
+  const bool avx2 = sse4 && __builtin_cpu_supports("avx") && __builtin_cpu_supports("avx2") &&
+                    __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma") &&
+                    f16c;
+  const bool avx3 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
+                    __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw");
+  switch (target) {
+    case HWY_AVX3:
+      return avx3;
+    case HWY_AVX2:
+      return avx2;
+    case HWY_SSE4:
+      return sse4;
+    case HWY_SSSE3:
+      return ssse3;
+    default:
+      return target == HWY_EMU128 || target == HWY_SCALAR;
+  }
+}
+
+const kernel& best_kernel() {
+  static const kernel* const best = []() -> const kernel* {
+    for (const kernel& k : kernels) {
+      if (cpu_runs(k.target)) return &k;
+    }
+    return &kernels[std::size(kernels) - 1];
+  }();
+  return *best;
+}
+
+const kernel& kernel_for(std::int64_t target) {
+  for (const kernel& k : kernels) {
+    if (k.target == target) return k;
+  }
+  return best_kernel();
+}
+
 }  // namespace
+
+void mark_blocks(const structural_classes& classes, std::string_view text, int next, block_carry& carry,
+                 block_marks* out) {
+  best_kernel().mark(classes, text, next, carry, out);
+}
 
 std::vector<std::int64_t> structural_targets() {
   std::vector<std::int64_t> out;
-  const std::int64_t supported = hwy::SupportedTargets();
   for (const kernel& k : kernels) {
-    // The portable kernels run everywhere.
-    if ((k.target & supported) != 0 || k.target == HWY_EMU128 || k.target == HWY_SCALAR) out.push_back(k.target);
+    if (cpu_runs(k.target)) out.push_back(k.target);
   }
   return out;
 }
 
-const char* structural_target_name(std::int64_t target) {
-  for (const kernel& k : kernels) {
-    if (k.target == target) return k.name;
-  }
-  return "best";
-}
+const char* structural_target_name(std::int64_t target) { return target == 0 ? "best" : kernel_for(target).name; }
 
 void mark_blocks_with(std::int64_t target, const structural_classes& classes, std::string_view text, int next,
                       block_carry& carry, block_marks* out) {
-  for (const kernel& k : kernels) {
-    if (k.target == target) return k.run(classes, text, next, carry, out);
-  }
-  mark_blocks(classes, text, next, carry, out);
+  kernel_for(target).mark(classes, text, next, carry, out);
 }
 
 void walk_records(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
                   std::uint64_t line, bool collect, std::int64_t target, structural_batch& batch) {
-  for (const kernel& k : kernels) {
-    if (k.target == target) return k.walk(classes, text, from, at_end, line, collect, batch);
-  }
-  walk_records_best(classes, text, from, at_end, line, collect, batch);
+  kernel_for(target).walk(classes, text, from, at_end, line, collect, batch);
 }
 
 }  // namespace textio::import
