@@ -8,6 +8,7 @@
 #include <cpuid.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <iterator>
 

@@ -14,7 +14,6 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -40,9 +39,10 @@ struct structural_classes {
   bool crlf = false;  // "\r\n" ends a line (as one ending)
 
   // The classes for a record scanner's rules, or nothing when the rules need
-  // the exact scanner (no quotes or no trimming, a delimiter, ending or
-  // comment marker longer than covered, a block comment, bytes shared
-  // between classes, more than max_set delimiters or whitespace bytes).
+  // the exact scanner (no quotes, a delimiter, ending or comment marker
+  // longer than covered, a block comment, bytes shared between classes,
+  // more than max_set delimiters or whitespace bytes). A rule added to the
+  // record scanner later (another escape, say) must be refused here too.
   static std::optional<structural_classes> for_rules(const scan_rules<char>& rules);
 };
 

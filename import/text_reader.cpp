@@ -195,10 +195,13 @@ class table_reader {
           opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
           opts_.trailing_delim_rule() == TrailingDelimiterRule::Keep &&
           opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split) {
-        if (const auto classes = structural_classes::for_rules(data_rules_)) counter_.emplace(*classes);
-        first_counted_line_ = std::max({header_lines_, opts_.variable_names_line(), opts_.variable_units_line(),
-                                        opts_.variable_descriptions_line()}) +
-                              1;
+        const std::uint64_t last_special = std::max({header_lines_, opts_.variable_names_line(),
+                                                     opts_.variable_units_line(), opts_.variable_descriptions_line()});
+        const auto classes = structural_classes::for_rules(data_rules_);
+        if (classes && last_special < std::numeric_limits<std::uint64_t>::max()) {
+          counter_.emplace(*classes);
+          first_counted_line_ = last_special + 1;
+        }
       }
     }
   }
