@@ -51,6 +51,7 @@ const scan_case cases[] = {
      {u"\n"},
      0,
      3},
+    {"a quote inside a field at a block's first byte", pad(64) + "\"a,b\"\n1,2\n", {u"\n"}, 0, 1},
     {"a quote open at the end", "a,b\n" + pad(70) + ",\"open,\n", {u"\n"}, 0, 1},
 };
 
