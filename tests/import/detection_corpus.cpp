@@ -1,0 +1,113 @@
+#include "import/detection_corpus.hpp"
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "import/detection.hpp"
+
+namespace detection_corpus {
+namespace {
+
+std::string narrow(const std::u16string& s) {
+  std::string out;
+  for (const char16_t c : s) out += c < 0x80 ? static_cast<char>(c) : '?';
+  return out;
+}
+
+std::string spell_char(char c) {
+  if (c == '\t') return "tab";
+  if (c == '\0') return "none";
+  return std::string(1, c);
+}
+
+std::string encoding_family(std::string e) {
+  for (char& c : e) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+  if (e == "WINDOWS-1252" || e == "ISO-8859-1" || e == "ISO-8859-15" || e == "CP1252") return "LATIN1";
+  return e;
+}
+
+}  // namespace
+
+std::vector<entry> load_manifest(const std::string& dir) {
+  std::ifstream in(dir + "/MANIFEST.tsv");
+  std::vector<entry> out;
+  std::string line;
+  std::vector<std::string> header;
+  while (std::getline(in, line)) {
+    if (line.empty() || line[0] == '#') continue;
+    std::vector<std::string> cols;
+    std::stringstream ss(line);
+    std::string col;
+    while (std::getline(ss, col, '\t')) cols.push_back(col);
+    if (header.empty()) {
+      header = cols;
+      continue;
+    }
+    entry e;
+    for (std::size_t i = 0; i < cols.size() && i < header.size(); ++i) {
+      if (header[i] == "file") e.file = cols[i];
+      e.expected[header[i]] = cols[i];
+    }
+    out.push_back(std::move(e));
+  }
+  return out;
+}
+
+std::string read_sample(const std::string& path, bool& whole) {
+  std::ifstream in(path, std::ios::binary);
+  std::string data((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  whole = true;
+  if (data.size() > textio::import::detection_sample_bytes) {
+    const std::size_t end = data.find('\n', textio::import::detection_sample_bytes);
+    if (end != std::string::npos && end + 1 < data.size()) {
+      data.resize(end + 1);
+      whole = false;
+    }
+  }
+  return data;
+}
+
+std::map<std::string, std::string> detect_fields(const std::string& sample, bool whole) {
+  using textio::enums::ParserType;
+  const textio::import::detection_result r = textio::import::detect(sample, whole, {}, {});
+  const auto& o = r.options;
+  std::map<std::string, std::string> got;
+  got["encoding"] = r.format.encoding;
+  if (o.parser_type() == ParserType::FixedWidth) {
+    std::string w = "fixed:";
+    for (std::size_t i = 0; i < o.field_widths().size(); ++i) w += (i ? "," : "") + std::to_string(o.field_widths()[i]);
+    got["delimiter"] = w;
+  } else if (o.parser_type() == ParserType::Tabular) {
+    got["delimiter"] = "blanks";
+  } else if (o.delimiter().empty()) {
+    got["delimiter"] = "none";
+  } else {
+    const std::string d = narrow(o.delimiter().front());
+    got["delimiter"] = d == "\t" ? "tab" : d;
+  }
+  got["quote"] = spell_char(r.format.quote);
+  got["escape"] = r.format.escape == textio::import::escape_style::doubled ? "double" : "backslash";
+  got["header_lines"] = std::to_string(o.num_header_lines());
+  got["names_line"] = std::to_string(o.variable_names_line());
+  got["num_variables"] = std::to_string(o.num_variables());
+  got["decimal"] = spell_char(static_cast<char>(o.decimal_separator()));
+  got["thousands"] = o.thousands_separator().empty() ? "-" : narrow(o.thousands_separator());
+  got["comment"] = o.comment_style().empty() ? "-" : narrow(o.comment_style().front());
+  got["table_end"] = r.format.table_end_line ? std::to_string(*r.format.table_end_line) : "-";
+  return got;
+}
+
+bool same_answer(const std::string& field, const std::string& expected, const std::string& got) {
+  if (field == "encoding") return encoding_family(expected) == encoding_family(got);
+  if (expected == "*") return true;  // any answer reads the file right
+  if (field == "delimiter" && expected.rfind("fixed:", 0) == 0 && got.rfind("fixed:", 0) == 0) {
+    // Widths may differ in the last column, which reaches to the line end.
+    const std::string e = expected.substr(0, expected.rfind(','));
+    const std::string g = got.substr(0, got.rfind(','));
+    return e == g;
+  }
+  return expected == got;
+}
+
+}  // namespace detection_corpus
