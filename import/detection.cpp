@@ -217,17 +217,21 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     const dialect blanks{' ', true, '"', escape_style::doubled};
     const dialect_score by_blanks = score_dialect(lines, text, blanks, marker);
     const sample_table blank_table = split_records(lines, text, blanks, marker, max_records);
-    const std::size_t start = first_table_record(blank_table, by_blanks.dominant_fields);
-    const std::size_t start_line = blank_table.records.empty() ? 0 : blank_table.records[start].first_line - 1;
-    const std::vector<std::size_t> starts = fixed_width_starts(lines, start_line, marker);
     const table_layout blank_layout = analyse_layout(blank_table, {});
+    const fixed_columns columns = fixed_width_starts(lines, blank_layout.header_lines, marker);
+    const std::vector<std::size_t>& starts = columns.starts;
     bool use_fixed = false;
     if (starts.size() >= 2) {
       sample_table fixed = cut_fixed_width(lines, starts, marker, max_records);
       const table_layout fixed_layout = analyse_layout(fixed, {});
-      use_fixed = fixed_layout.body_rows >= 2 &&
-                  (blank_layout.body_fit < 0.95 || by_blanks.dominant_fields != starts.size()) &&
-                  fixed_layout.body_fit >= 0.95 && blank_layout.body_rows <= fixed_layout.body_rows + 1;
+      // Fixed positions win when runs of blanks do not give every row the
+      // same fields, or when they cut more fields than the columns hold and
+      // the columns stand at least two blanks apart (words inside a field
+      // are one blank apart).
+      const bool blanks_regular = blank_layout.body_fit >= 0.95;
+      const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
+      use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
+                  (!blanks_regular || blanks_split_fields);
       if (use_fixed) {
         chosen.fixed_width = true;
         chosen.widths = widths_from_starts(starts, lines);

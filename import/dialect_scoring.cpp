@@ -96,13 +96,16 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_v
   std::size_t rows = 0;
   std::size_t cells = 0;
   std::size_t typed = 0;
+  std::size_t unparsed_quotes = 0;  // fields enclosed in a quote character this dialect leaves as text
   for (const sample_record& r : table.records) {
     if (r.blank || r.comment) continue;
     ++rows;
     ++rows_by_count[r.field_count];
-    for (const std::string& f : r.fields) {
+    for (std::size_t j = 0; j < r.fields.size(); ++j) {
+      const std::string& f = r.fields[j];
       ++cells;
       typed += is_typed(kind_for_scoring(f, d));
+      unparsed_quotes += !r.quoted[j] && f.size() >= 2 && f.front() == f.back() && (f.front() == '"' || f.front() == '\'');
     }
   }
   if (rows == 0) return s;
@@ -141,7 +144,18 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_v
   uniformity = k == 0 ? 0 : uniformity / static_cast<double>(k);
   const double type_share = cells == 0 ? 0 : static_cast<double>(typed) / static_cast<double>(cells);
   s.score = pattern * (0.1 + 0.45 * type_share + 0.45 * uniformity) / static_cast<double>(rows);
-  if (s.unclosed_quote && d.quote != '\0') s.score *= 0.1;
+  if (unparsed_quotes > 0) {
+    s.score *= 1 - 0.5 * std::min(1.0, 4.0 * static_cast<double>(unparsed_quotes) / static_cast<double>(cells));
+  }
+  if (d.quote != '\0') {
+    // Quotes that do not pair up, or text after a closing quote, say the
+    // quote or its escape is wrong.
+    if (s.unclosed_quote) s.score *= 0.1;
+    if (table.text_after_quote > 0) {
+      s.score *= 1 - std::min(0.9, static_cast<double>(table.text_after_quote) /
+                                       static_cast<double>(std::max<std::size_t>(1, table.quoted_fields)));
+    }
+  }
   return s;
 }
 

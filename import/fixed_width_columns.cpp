@@ -59,8 +59,8 @@ std::string trimmed_utf8(const std::u32string& s, std::size_t from, std::size_t 
 
 }  // namespace
 
-std::vector<std::size_t> fixed_width_starts(const std::vector<sample_line>& lines, std::size_t from,
-                                            std::string_view comment_marker) {
+fixed_columns fixed_width_starts(const std::vector<sample_line>& lines, std::size_t from,
+                                 std::string_view comment_marker) {
   std::vector<std::size_t> filled(max_width, 0);  // lines with a non-blank at each position
   std::size_t n = 0;
   std::size_t longest = 0;
@@ -75,15 +75,24 @@ std::vector<std::size_t> fixed_width_starts(const std::vector<sample_line>& line
   if (n < 2) return {};
   // A gap: a position blank on every line (one line in fifty may disagree).
   const std::size_t allowed = n / 50;
-  std::vector<std::size_t> starts;
+  fixed_columns out;
   bool in_gap = true;
+  std::size_t gap_width = 0;
   for (std::size_t p = 0; p < longest; ++p) {
     const bool gap = filled[p] <= allowed;
-    if (!gap && in_gap) starts.push_back(p);
+    if (!gap && in_gap) {
+      if (!out.starts.empty()) {
+        out.narrowest_gap = out.starts.size() == 1 ? gap_width : std::min(out.narrowest_gap, gap_width);
+      }
+      // A column starts right after the blanks' first position, so that a
+      // names row aligned on either edge of its column falls inside it.
+      out.starts.push_back(p - (out.starts.empty() ? 0 : gap_width - 1));
+    }
+    gap_width = gap ? gap_width + 1 : 0;
     in_gap = gap;
   }
-  if (!starts.empty()) starts.front() = 0;
-  return starts;
+  if (!out.starts.empty()) out.starts.front() = 0;
+  return out;
 }
 
 std::vector<std::uint64_t> widths_from_starts(const std::vector<std::size_t>& starts,

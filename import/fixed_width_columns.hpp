@@ -10,10 +10,14 @@
 
 namespace textio::import {
 
-// Start positions (in characters, the first 0) of the columns that the lines
-// from `from` on share; fewer than two when there are none.
-std::vector<std::size_t> fixed_width_starts(const std::vector<sample_line>& lines, std::size_t from,
-                                            std::string_view comment_marker);
+struct fixed_columns {
+  std::vector<std::size_t> starts;  // in characters, the first 0; fewer than two when there are no columns
+  std::size_t narrowest_gap = 0;    // blanks between two columns on every line, at the least
+};
+
+// The columns that the lines from `from` on share.
+fixed_columns fixed_width_starts(const std::vector<sample_line>& lines, std::size_t from,
+                                 std::string_view comment_marker);
 
 // Field widths from column starts; the last column reaches the longest line.
 std::vector<std::uint64_t> widths_from_starts(const std::vector<std::size_t>& starts,

@@ -80,6 +80,7 @@ sample_table split_records(const std::vector<sample_line>& lines, std::string_vi
     bool in_quote = false;    // inside its quotes now
     bool field_started = false;  // a non-blank unit seen in this field
     bool closed = false;      // saw the closing quote
+    bool after_quote = false;  // text followed the closing quote
     auto finish_field = [&](bool trim) {
       std::string f = std::move(field);
       if (trim && !quoted) {
@@ -87,8 +88,9 @@ sample_table split_records(const std::vector<sample_line>& lines, std::string_vi
         f = std::string(t);
       }
       out.add(std::move(f), quoted);
+      table.quoted_fields += quoted;
       field.clear();
-      quoted = in_quote = field_started = closed = false;
+      quoted = in_quote = field_started = closed = after_quote = false;
     };
     bool done = false;
     while (!done) {
@@ -129,7 +131,13 @@ sample_table split_records(const std::vector<sample_line>& lines, std::string_vi
           field.clear();
           continue;
         }
-        if (!is_blank(c)) field_started = true;
+        if (!is_blank(c)) {
+          field_started = true;
+          if (closed && !after_quote) {
+            after_quote = true;
+            ++table.text_after_quote;
+          }
+        }
         if (!closed || !is_blank(c)) field += c;
       }
       if (in_quote && li + 1 < lines.size()) {

@@ -45,6 +45,8 @@ struct sample_record {
 struct sample_table {
   std::vector<sample_record> records;
   bool unclosed_quote = false;  // a quoted field was still open at the end of the sample
+  std::size_t quoted_fields = 0;
+  std::size_t text_after_quote = 0;  // quoted fields with more text after the closing quote
 };
 
 inline constexpr std::size_t max_kept_fields = 512;

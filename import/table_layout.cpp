@@ -37,11 +37,11 @@ std::size_t dominant_count(const sample_table& table, const std::vector<std::siz
   return best == 0 ? 1 : best;
 }
 
-// Position in `rows` of the table's first row: a row with `k` fields that
-// most of the following rows agree with.
+// Position in `rows` of the table's first row: a row that fits `k` fields
+// and that most of the following rows agree with.
 std::size_t first_row(const sample_table& table, const std::vector<std::size_t>& rows, std::size_t k) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (table.records[rows[i]].field_count != k) continue;
+    if (!fits(table.records[rows[i]].field_count, k)) continue;
     const std::size_t window = std::min<std::size_t>(5, rows.size() - i - 1);
     std::size_t agree = 0;
     for (std::size_t j = 1; j <= window; ++j) agree += fits(table.records[rows[i + j]].field_count, k);
@@ -55,7 +55,42 @@ bool text_like(cell_type t) { return t == cell_type::text; }
 struct column_profile {
   cell_type type = cell_type::text;
   double purity = 0;
+  bool integers = true;          // its numbers have no fraction or exponent
   std::set<std::string> values;  // a bounded set of the body's values
+  std::map<std::string, std::size_t> shapes;
+  std::size_t shaped = 0;
+};
+
+bool is_integer(std::string_view f) {
+  if (!f.empty() && (f.front() == '-' || f.front() == '+')) f.remove_prefix(1);
+  if (f.empty()) return false;
+  for (const char c : f) {
+    if (c < '0' || c > '9') return false;
+  }
+  return true;
+}
+
+// The form of a text: letters, digits and blanks by class, runs joined
+// ("Ohio St" -> "Aa Aa", "AD" -> "A", "x_1" -> "a_9").
+std::string shape(std::string_view f) {
+  std::string out;
+  for (const char c : f) {
+    char k = c;
+    if (c >= 'A' && c <= 'Z') k = 'A';
+    else if (c >= 'a' && c <= 'z') k = 'a';
+    else if (c >= '0' && c <= '9') k = '9';
+    else if (static_cast<unsigned char>(c) >= 0x80) k = 'a';
+    if (out.empty() || out.back() != k) out += k;
+    if (out.size() >= 24) break;
+  }
+  return out;
+}
+
+// How a row votes on being the names row: for each column of one kind, a
+// text field says names and a field of the column's kind and form says data.
+struct names_votes {
+  int names = 0;
+  int data = 0;
 };
 
 }  // namespace
@@ -99,8 +134,14 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
     for (std::size_t r = first_typed; r < e; ++r) {
       const sample_record& row = rec(r);
       if (j >= row.fields.size()) continue;
-      ++kinds[static_cast<std::size_t>(classify(row.fields[j], format))];
+      const cell_type t = classify(row.fields[j], format);
+      ++kinds[static_cast<std::size_t>(t)];
+      if (t == cell_type::number && !is_integer(row.fields[j])) columns[j].integers = false;
       if (columns[j].values.size() < 200) columns[j].values.insert(row.fields[j]);
+      if (t == cell_type::text && columns[j].shaped < 200) {
+        ++columns[j].shapes[shape(row.fields[j])];
+        ++columns[j].shaped;
+      }
     }
     std::size_t non_empty = 0;
     std::size_t top = 0;
@@ -118,34 +159,48 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
   bool any_typed = false;
   for (const column_profile& c : columns) any_typed = any_typed || (is_typed(c.type) && c.type != cell_type::empty && c.purity >= 0.7);
 
-  // A names row differs in kind from the values below it; in a table of
-  // text only, its names are all given, all different and not among the
-  // values below.
-  auto names_like = [&](std::size_t r) {
+  // A names row differs in kind or form from the values below it.
+  auto typed_votes = [&](std::size_t r) {
+    names_votes v;
     const sample_record& row = rec(r);
-    if (!fits(row.field_count, k)) return false;
-    if (any_typed) {
-      int votes = 0;
-      for (std::size_t j = 0; j < columns.size() && j < row.fields.size(); ++j) {
-        const column_profile& c = columns[j];
-        if (c.type == cell_type::empty || !is_typed(c.type) || c.purity < 0.7) continue;
-        const cell_type t = classify(row.fields[j], format);
-        if (text_like(t)) ++votes;
-        if (t == c.type) --votes;
+    for (std::size_t j = 0; j < columns.size() && j < row.fields.size(); ++j) {
+      const column_profile& c = columns[j];
+      if (c.type == cell_type::empty || !is_typed(c.type) || c.purity < 0.7) continue;
+      const cell_type t = classify(row.fields[j], format);
+      if (t == cell_type::text) {
+        ++v.names;
+      } else if (t == c.type && (t != cell_type::number || is_integer(row.fields[j]) == c.integers)) {
+        ++v.data;
       }
-      return votes > 0;
     }
+    return v;
+  };
+  // Undecided by kinds: names are all given, all different, none among the
+  // values below, and mostly of another form than the text below them.
+  auto text_names = [&](std::size_t r) {
     if (e - s < 2) return false;
+    const sample_record& row = rec(r);
     std::set<std::string> seen;
+    int other_form = 0;
     for (std::size_t j = 0; j < row.fields.size() && j < columns.size(); ++j) {
       const std::string& f = row.fields[j];
       if (f.empty() || !seen.insert(f).second || columns[j].values.count(f) > 0) return false;
-      if (classify(f, format) != cell_type::text) return false;
+      if (columns[j].shaped == 0) continue;
+      const auto it = columns[j].shapes.find(shape(f));
+      const std::size_t same = it == columns[j].shapes.end() ? 0 : it->second;
+      other_form += same * 10 < columns[j].shaped * 3 ? 1 : -1;
     }
-    return true;
+    return other_form >= 0;
+  };
+  auto names_like = [&](std::size_t r) {
+    if (!fits(rec(r).field_count, k)) return false;
+    const names_votes v = typed_votes(r);
+    if (v.names != v.data) return v.names > v.data;
+    return text_names(r);
   };
 
   std::size_t data_start = s;
+  std::size_t wide_names = 0;
   if (s < e && names_like(s)) {
     out.names_rows = 1;
     while (any_typed && out.names_rows < 3 && s + out.names_rows + 1 < e && names_like(s + out.names_rows)) {
@@ -153,7 +208,12 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
     }
     out.names_line = rec(s).first_line;
     data_start = s + out.names_rows;
-  } else if (s > 0 && k >= 2 && rec(s - 1).field_count + 1 == k) {
+  } else if (s + 2 < e && typed_votes(s + 1).names >= 2 && typed_votes(s + 1).data == 0) {
+    // A line of another kind (counts, a note) above the names row.
+    out.names_rows = 1;
+    out.names_line = rec(s + 1).first_line;
+    data_start = s + 2;
+  } else if (s == 1 && k >= 2 && rec(0).field_count + 1 == k && k < 3) {
     // A names row one field short: the first column (row names) has no name.
     bool all_text = true;
     for (const std::string& f : rec(s - 1).fields) all_text = all_text && classify(f, format) == cell_type::text;
@@ -164,17 +224,31 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
       for (const std::string& f : rec(s - 1).fields) out.names.push_back(f);
     }
   }
-  out.first_record = rows[out.names_line > 0 && out.names.empty() ? s : s];
+  std::size_t names_row = out.names_rows > 0 ? (data_start == s + 2 && out.names_rows == 1 ? s + 1 : s) : 0;
+  if (out.names_rows == 0 && s > 0 && rec(s - 1).field_count > k && rec(s - 1).last_line + 1 == rec(s).first_line) {
+    // A names row with more names than the rows have fields: the rows lack
+    // their last fields.
+    bool all_text = true;
+    for (const std::string& f : rec(s - 1).fields) all_text = all_text && classify(f, format) == cell_type::text;
+    if (all_text) {
+      out.names_rows = 1;
+      out.names_line = rec(s - 1).first_line;
+      names_row = s - 1;
+      wide_names = rec(s - 1).field_count;
+    }
+  }
+  out.first_record = rows[s];
   if (data_start < rows.size()) {
     out.header_lines = rec(data_start).first_line - 1;
   } else {
     out.header_lines = rec(rows.size() - 1).last_line;
   }
   if (out.names_rows > 0 && out.names.empty()) {
-    std::vector<std::string> names(k);
-    for (std::size_t r = s; r < s + out.names_rows; ++r) {
+    const std::size_t n = std::max(k, wide_names);
+    std::vector<std::string> names(n);
+    for (std::size_t r = names_row; r < names_row + out.names_rows; ++r) {
       const sample_record& row = rec(r);
-      for (std::size_t j = 0; j < k && j < row.fields.size(); ++j) {
+      for (std::size_t j = 0; j < n && j < row.fields.size(); ++j) {
         if (row.fields[j].empty()) continue;
         if (!names[j].empty()) names[j] += ' ';
         names[j] += row.fields[j];
@@ -184,7 +258,7 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
   }
 
   // Variables: the dominant count, less a trailing delimiter on every row.
-  out.num_variables = k;
+  out.num_variables = std::max(k, wide_names);
   std::size_t with_trailing = 0;
   std::size_t with_k = 0;
   for (std::size_t r = data_start; r < e; ++r) {
@@ -193,7 +267,9 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
     ++with_k;
     with_trailing += row.fields.size() == k && row.fields.back().empty() && !row.quoted.back();
   }
-  if (k >= 2 && with_k >= 2 && with_trailing == with_k) {
+  // A names row that names the last field too says it is a variable.
+  const bool last_named = out.names_rows > 0 && out.names.size() >= k && !out.names[k - 1].empty();
+  if (k >= 2 && with_k >= 2 && with_trailing == with_k && !last_named) {
     out.trailing_delimiter = true;
     out.num_variables = k - 1;
     if (out.names.size() == k && out.names.back().empty()) out.names.pop_back();

@@ -28,7 +28,10 @@ std::string read_sample(const std::string& path, bool& whole);
 // Detection with nothing given, in the manifest's spelling.
 std::map<std::string, std::string> detect_fields(const std::string& sample, bool whole);
 
-// Whether `got` answers `expected` (encodings of one family are one answer).
-bool same_answer(const std::string& field, const std::string& expected, const std::string& got);
+// Whether `got` answers `expected` for the file whose sample is `sample`:
+// encodings of one family are one answer, and fixed widths that cut the
+// same fields from every line are one answer.
+bool same_answer(const std::string& field, const std::string& expected, const std::string& got,
+                 const std::string& sample);
 
 }  // namespace detection_corpus

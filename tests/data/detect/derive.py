@@ -90,4 +90,4 @@ ragged[9] = ragged[9][:4]
 ragged[17] = ragged[17] + ['x']
 write('derived__grunfeld_missing_ragged.tsv', join(ragged, '\t'))
 # Fixed width without blanks between some columns (a number right after a name)
-write('derived__gapminder_fixed.txt', ''.join('{:<10}{:>5}{:>8}{:>10}{:>13}\n'.format(*r) for r in gap))
+write('derived__gapminder_fixed.txt', ''.join('{:<14}{:>4}{:>8}{:>10}{:>13}\n'.format(*r) for r in gap))
