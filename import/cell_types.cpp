@@ -132,7 +132,10 @@ bool is_datetime(std::string_view s) {
 cell_type classify(std::string_view field, const number_format& format) {
   while (!field.empty() && (field.front() == ' ' || field.front() == '\t')) field.remove_prefix(1);
   while (!field.empty() && (field.back() == ' ' || field.back() == '\t')) field.remove_suffix(1);
-  if (field.empty() || is_missing_marker(field)) return cell_type::empty;
+  if (field.empty()) return cell_type::empty;
+  // Numbers, dates and markers are short; a long field is text.
+  if (field.size() > 64) return cell_type::text;
+  if (is_missing_marker(field)) return cell_type::empty;
   if (is_number(field, format)) return cell_type::number;
   if (is_logical(field)) return cell_type::logical;
   if (is_datetime(field)) return cell_type::datetime;

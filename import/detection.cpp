@@ -218,7 +218,14 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     const dialect_score by_blanks = score_dialect(lines, text, blanks, marker);
     const sample_table blank_table = split_records(lines, text, blanks, marker, max_records);
     const table_layout blank_layout = analyse_layout(blank_table, {});
-    const fixed_columns columns = fixed_width_starts(lines, blank_layout.header_lines, marker);
+    // Columns shared by the body as runs of blanks see it, else by all lines
+    // (runs of blanks may have found no body), else past a preamble.
+    fixed_columns columns;
+    for (const std::size_t from : {static_cast<std::size_t>(blank_layout.header_lines), std::size_t{0}, lines.size() / 4,
+                                   lines.size() / 2}) {
+      columns = fixed_width_starts(lines, from, marker);
+      if (columns.starts.size() >= 2) break;
+    }
     const std::vector<std::size_t>& starts = columns.starts;
     bool use_fixed = false;
     if (starts.size() >= 2) {
@@ -228,7 +235,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       // same fields, or when they cut more fields than the columns hold and
       // the columns stand at least two blanks apart (words inside a field
       // are one blank apart).
-      const bool blanks_regular = blank_layout.body_fit >= 0.95;
+      // (Runs of blanks that leave a body of one or two rows found no table.)
+      const bool blanks_regular = blank_layout.body_fit >= 0.95 &&
+                                  (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows);
       const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
       use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
                   (!blanks_regular || blanks_split_fields);
