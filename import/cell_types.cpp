@@ -16,6 +16,7 @@ std::string lower(std::string_view s) {
 }
 
 bool is_missing_marker(std::string_view s) {
+  if (s.size() > 7) return false;
   static constexpr std::array<std::string_view, 12> markers = {"na", "n/a", "nan", "null", "none", "-",
                                                                "?",  ".",   "--",  "#n/a", "nil",  "missing"};
   const std::string l = lower(s);
@@ -32,8 +33,10 @@ bool is_number(std::string_view s, const number_format& f) {
   const std::size_t n = s.size();
   if (i < n && (s[i] == '+' || s[i] == '-')) ++i;
   if (i < n && s[i] == '$') ++i;
-  const std::string rest = lower(s.substr(i));
-  if (rest == "inf" || rest == "infinity") return true;
+  if (i < n && (s[i] == 'i' || s[i] == 'I')) {
+    const std::string rest = lower(s.substr(i));
+    return rest == "inf" || rest == "infinity";
+  }
   std::size_t int_digits = 0;
   std::size_t group = 0;
   bool grouped = false;
@@ -76,6 +79,7 @@ bool is_number(std::string_view s, const number_format& f) {
 }
 
 bool is_logical(std::string_view s) {
+  if (s.size() > 5) return false;
   const std::string l = lower(s);
   return l == "true" || l == "false" || l == "t" || l == "f" || l == "yes" || l == "no";
 }
