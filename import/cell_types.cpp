@@ -9,10 +9,22 @@ namespace {
 
 bool digit(char c) { return c >= '0' && c <= '9'; }
 
+char lower_ascii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+
 std::string lower(std::string_view s) {
   std::string out(s);
-  for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (char& c : out) c = lower_ascii(c);
   return out;
+}
+
+// Whether `s` holds `word` (lower case), ignoring case.
+bool contains_word(std::string_view s, std::string_view word) {
+  for (std::size_t i = 0; i + word.size() <= s.size(); ++i) {
+    std::size_t k = 0;
+    while (k < word.size() && lower_ascii(s[i + k]) == word[k]) ++k;
+    if (k == word.size()) return true;
+  }
+  return false;
 }
 
 bool is_missing_marker(std::string_view s) {
@@ -114,11 +126,9 @@ bool is_datetime(std::string_view s) {
   if (letters > 0) {
     static constexpr std::array<std::string_view, 12> months = {"jan", "feb", "mar", "apr", "may", "jun",
                                                                 "jul", "aug", "sep", "oct", "nov", "dec"};
-    const std::string l = lower(s);
     bool month = false;
-    for (const auto m : months) month = month || l.find(m) != std::string::npos;
-    const bool clock = l.find("am") != std::string::npos || l.find("pm") != std::string::npos ||
-                       l.find('t') != std::string::npos || l.find("utc") != std::string::npos;
+    for (const auto m : months) month = month || contains_word(s, m);
+    const bool clock = contains_word(s, "am") || contains_word(s, "pm") || contains_word(s, "t");
     if (!month && !(clock && colon)) return false;
     return letters <= 9 && digits >= 3;
   }

@@ -14,7 +14,7 @@ namespace {
 
 // Rows and fields examined per candidate: enough to see a table's shape,
 // few enough that trying every candidate stays cheap.
-constexpr std::size_t scored_records = 300;
+constexpr std::size_t scored_records = 200;
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
