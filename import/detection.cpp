@@ -303,8 +303,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       rep.filled.push_back({"Delimiter", printable(chosen.d.delimiter) + " gives the most regular table"});
     }
   }
-  fmt.quote = chosen.fixed_width || chosen.single_column ? '"' : chosen.d.quote;
-  fmt.escape = chosen.d.escape;
+  fmt.quote = choices.quote ? *choices.quote : chosen.fixed_width || chosen.single_column ? '"' : chosen.d.quote;
+  fmt.escape = choices.escape ? *choices.escape : chosen.d.escape;
   fmt.quote_detected = !choices.quote.has_value();
   if (!choices.quote && (chosen.d.quote != '"' || examined.find('"') != std::string_view::npos)) {
     rep.filled.push_back({"Quote", chosen.d.quote == '\0' ? std::string("no quote character pairs up")
