@@ -54,6 +54,24 @@ struct InvalidUtf8 : resource_core::BaseMsgID {
   }
 };
 
+// A byte sequence that is invalid in the input's encoding (not UTF-8);
+// arguments: the encoding's name and the byte offset of the sequence from
+// the start of the input (0-based, the byte-order mark included).
+struct InvalidEncoding : resource_core::BaseMsgID {
+  InvalidEncoding(const std::string& encoding, std::uint64_t offset)
+      : resource_core::BaseMsgID(catalog_name, "InvalidEncoding") {
+    args.emplace_back(std::in_place_index<1>, encoding);
+    args.emplace_back(std::in_place_index<0>, offset);
+  }
+};
+
+// An encoding name that the converter does not know; argument: the name.
+struct UnknownEncoding : resource_core::BaseMsgID {
+  explicit UnknownEncoding(const std::string& encoding) : resource_core::BaseMsgID(catalog_name, "UnknownEncoding") {
+    args.emplace_back(std::in_place_index<1>, encoding);
+  }
+};
+
 // The input could not be opened or read; arguments: its name as given and
 // the system's reason ("No such file or directory", "Is a directory", ...).
 struct CannotReadFile : resource_core::BaseMsgID {
