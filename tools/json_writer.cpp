@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "tools/byte_scan.hpp"
 #include "zvcore/utf8.hpp"
 
 namespace zvtool {
@@ -56,8 +57,8 @@ bool append_ascii_escape(std::string& out, unsigned unit) {
 
 }  // namespace
 
-std::string json_quote_units(std::u16string_view units) {
-  std::string out = "\"";
+void append_json_units(std::string& out, std::u16string_view units) {
+  out += '"';
   for (std::size_t i = 0; i < units.size(); ++i) {
     const char16_t u = units[i];
     if (u < 0x80) {
@@ -72,18 +73,27 @@ std::string json_quote_units(std::u16string_view units) {
     }
   }
   out += '"';
-  return out;
 }
 
-std::string json_quote_bytes(std::string_view bytes) {
-  std::string out = "\"";
-  for (std::size_t i = 0; i < bytes.size();) {
+// Copies the runs of plain ASCII in one piece; stops only at the bytes that
+// need an escape or a UTF-8 check.
+void append_json_bytes(std::string& out, std::string_view bytes) {
+  out += '"';
+  std::size_t i = 0;
+  while (true) {
+    const std::size_t run = find_json_special(bytes.substr(i));
+    out.append(bytes.data() + i, run);
+    i += run;
+    if (i == bytes.size()) break;
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    if (byte < 0x80) {
+      append_ascii_escape(out, byte);
+      ++i;
+      continue;
+    }
     const std::size_t length = utf8_sequence_at(bytes.substr(i)).length;
     if (length == 0) {
-      append_unit_escape(out, static_cast<unsigned char>(bytes[i]));
-      ++i;
-    } else if (length == 1) {
-      if (!append_ascii_escape(out, static_cast<unsigned char>(bytes[i]))) out += bytes[i];
+      append_unit_escape(out, byte);
       ++i;
     } else {
       out.append(bytes.substr(i, length));
@@ -91,6 +101,17 @@ std::string json_quote_bytes(std::string_view bytes) {
     }
   }
   out += '"';
+}
+
+std::string json_quote_units(std::u16string_view units) {
+  std::string out;
+  append_json_units(out, units);
+  return out;
+}
+
+std::string json_quote_bytes(std::string_view bytes) {
+  std::string out;
+  append_json_bytes(out, bytes);
   return out;
 }
 
@@ -121,7 +142,7 @@ void json_writer::key(std::string_view name) {
     throw std::logic_error("json_writer: a key belongs directly inside an object");
   }
   next_item();
-  out_ += json_quote_bytes(name);
+  append_json_bytes(out_, name);
   out_ += ": ";
   key_written_ = true;
 }
@@ -149,12 +170,12 @@ void json_writer::end_array() { close(']', false); }
 
 void json_writer::text_value(std::u16string_view units) {
   value_prefix();
-  out_ += json_quote_units(units);
+  append_json_units(out_, units);
 }
 
 void json_writer::bytes_value(std::string_view bytes) {
   value_prefix();
-  out_ += json_quote_bytes(bytes);
+  append_json_bytes(out_, bytes);
 }
 
 void json_writer::unsigned_value(std::uint64_t n) {

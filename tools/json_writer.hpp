@@ -22,6 +22,10 @@ std::string json_quote_units(std::u16string_view units);
 // are, every other byte as \u00XX, controls, '"' and '\' escaped.
 std::string json_quote_bytes(std::string_view bytes);
 
+// The same literals, appended to `out`.
+void append_json_units(std::string& out, std::u16string_view units);
+void append_json_bytes(std::string& out, std::string_view bytes);
+
 class json_writer {
  public:
   void begin_object();

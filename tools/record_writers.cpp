@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "tools/byte_scan.hpp"
 #include "tools/checked_output.hpp"
 #include "tools/json_writer.hpp"
 #include "zvcore/ustring.hpp"
@@ -14,6 +15,20 @@ namespace {
 using textio::import::output_value;
 using textio::import::value_kind;
 
+// The shortest digits that read back to the same double; NaN, Inf and -Inf
+// for the values that have no digits.
+void append_number(std::string& out, double value) {
+  if (std::isnan(value)) {
+    out += "NaN";
+  } else if (std::isinf(value)) {
+    out += value > 0 ? "Inf" : "-Inf";
+  } else {
+    std::array<char, 32> digits{};
+    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    out.append(digits.data(), result.ptr);
+  }
+}
+
 void append_json(std::string& out, const output_value& v) {
   switch (v.kind) {
     case value_kind::missing:
@@ -21,13 +36,19 @@ void append_json(std::string& out, const output_value& v) {
       return;
     case value_kind::number:
       if (std::isfinite(v.number)) {
-        out += number_text(v.number);
+        append_number(out, v.number);
       } else {
-        out += '"' + number_text(v.number) + '"';
+        out += '"';
+        append_number(out, v.number);
+        out += '"';
       }
       return;
     case value_kind::text:
-      out += v.utf16 ? json_quote_units(v.units) : json_quote_bytes(v.bytes);
+      if (v.utf16) {
+        append_json_units(out, v.units);
+      } else {
+        append_json_bytes(out, v.bytes);
+      }
       return;
   }
 }
@@ -45,19 +66,22 @@ bool needs_quotes(std::string_view text) {
   if (text.empty() || text.starts_with("\xEF\xBB\xBF")) return true;
   const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\b'; };
   if (blank(text.front()) || blank(text.back())) return true;
-  return text.find_first_of(",\"\r\n") != std::string_view::npos;
+  return find_csv_special(text) != text.size();
 }
 
+// Quoted text doubles every '"'; the runs between quotes go in one piece.
 void append_csv_text(std::string& out, std::string_view text) {
   if (!needs_quotes(text)) {
     out += text;
     return;
   }
   out += '"';
-  for (const char c : text) {
-    if (c == '"') out += '"';
-    out += c;
+  for (std::size_t quote = text.find('"'); quote != std::string_view::npos; quote = text.find('"')) {
+    out.append(text.data(), quote + 1);
+    out += '"';
+    text.remove_prefix(quote + 1);
   }
+  out += text;
   out += '"';
 }
 
@@ -66,7 +90,7 @@ void append_csv(std::string& out, const output_value& v) {
     case value_kind::missing:
       return;
     case value_kind::number:
-      out += number_text(v.number);
+      append_number(out, v.number);
       return;
     case value_kind::text:
       if (v.utf16) {
@@ -113,11 +137,9 @@ void buffered_output::flush() {
 }
 
 std::string number_text(double value) {
-  if (std::isnan(value)) return "NaN";
-  if (std::isinf(value)) return value > 0 ? "Inf" : "-Inf";
-  std::array<char, 32> digits{};
-  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-  return std::string(digits.data(), result.ptr);
+  std::string text;
+  append_number(text, value);
+  return text;
 }
 
 void jsonl_writer::header(const textio::import::table_header& header) {

@@ -11,10 +11,13 @@
 
 namespace zvtool {
 
-// Buffers output and writes it to a stream in large pieces.
+// Buffers output and writes it to a stream in large pieces (which the
+// stream's buffer passes straight on to the file).
 class buffered_output {
  public:
-  explicit buffered_output(std::ostream& out) : out_(out) {}
+  static constexpr std::size_t piece = std::size_t{1} << 18;
+
+  explicit buffered_output(std::ostream& out) : out_(out) { buffer_.reserve(piece + piece / 4); }
   buffered_output(const buffered_output&) = delete;
   buffered_output& operator=(const buffered_output&) = delete;
   // Writes what is left without checking: on the way out after a failure.
@@ -22,7 +25,7 @@ class buffered_output {
 
   std::string& text() noexcept { return buffer_; }
   void maybe_flush() {
-    if (buffer_.size() >= (std::size_t{1} << 16)) flush();
+    if (buffer_.size() >= piece) flush();
   }
   // Writes the buffer and flushes the stream; throws output_failure when the
   // stream fails.

@@ -1,0 +1,92 @@
+// The writers' escaping against byte-at-a-time references on random texts
+// drawn from the bytes that matter (quotes, delimiters, controls, UTF-8
+// sequences whole and cut, stray high bytes), at every length around the
+// eight-byte steps of the scan.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "tools/json_writer.hpp"
+#include "tools/record_writers.hpp"
+#include "zvcore/utf8.hpp"
+
+namespace {
+
+std::string reference_json(std::string_view bytes) {
+  static constexpr char hex[] = "0123456789abcdef";
+  std::string out = "\"";
+  for (std::size_t i = 0; i < bytes.size();) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    const std::size_t length = foundation::core::unicode::utf8_sequence_at(bytes.substr(i)).length;
+    if (length > 1) {
+      out.append(bytes.substr(i, length));
+      i += length;
+      continue;
+    }
+    ++i;
+    if (length == 1 && byte == '"') {
+      out += "\\\"";
+    } else if (length == 1 && byte == '\\') {
+      out += "\\\\";
+    } else if (length == 1 && byte >= 0x20) {
+      out += static_cast<char>(byte);
+    } else if (length == 1 && std::string_view("\b\f\n\r\t").find(static_cast<char>(byte)) != std::string_view::npos) {
+      out += '\\';
+      out += "bfnrt"[std::string_view("\b\f\n\r\t").find(static_cast<char>(byte))];
+    } else {
+      out += "\\u00";
+      out += hex[byte >> 4];
+      out += hex[byte & 0xF];
+    }
+  }
+  return out + '"';
+}
+
+std::string reference_csv(std::string_view text) {
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\b'; };
+  const bool quoted = text.empty() || text.starts_with("\xEF\xBB\xBF") || blank(text.front()) ||
+                      blank(text.back()) || text.find_first_of(",\"\r\n") != std::string_view::npos;
+  if (!quoted) return std::string(text);
+  std::string out = "\"";
+  for (const char c : text) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  return out + '"';
+}
+
+std::string random_text(std::mt19937& rng) {
+  static const std::string_view pieces[] = {"a", "Z", "0", " ", ",", "\"", "\\", "\r", "\n", "\t", "\x01", "\x1f",
+                                            "\x7f", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xC3", "\xE2\x82",
+                                            "\xFF", "\x80", "\xEF\xBB\xBF", "plain text"};
+  std::string text;
+  const std::size_t count = rng() % 24;
+  for (std::size_t i = 0; i < count; ++i) {
+    // Mostly plain bytes, so that long runs cross the eight-byte steps.
+    text += rng() % 3 != 0 ? pieces[rng() % 3] : pieces[rng() % std::size(pieces)];
+  }
+  return text;
+}
+
+TEST(RecordEscaping, MatchesByteAtATimeReferences) {
+  std::mt19937 rng(12);
+  for (int round = 0; round < 20000; ++round) {
+    const std::string text = random_text(rng);
+    ASSERT_EQ(zvtool::json_quote_bytes(text), reference_json(text)) << testing::PrintToString(text);
+
+    std::ostringstream csv_out;
+    {
+      zvtool::csv_writer csv(csv_out);
+      textio::import::output_value value;
+      value.kind = textio::import::value_kind::text;
+      value.bytes = text;
+      csv.record(std::span(&value, 1));
+      csv.flush();
+    }
+    ASSERT_EQ(csv_out.str(), reference_csv(text) + "\r\n") << testing::PrintToString(text);
+  }
+}
+
+}  // namespace
