@@ -1,0 +1,118 @@
+#include "import/column_table.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "import/text_reader.hpp"
+#include "import/utf8_input.hpp"
+#include "zvcore/ustring.hpp"
+
+namespace textio::import {
+namespace {
+
+void append_number_text(std::string& out, double value) {
+  if (std::isnan(value)) {
+    out += "NaN";
+  } else if (std::isinf(value)) {
+    out += value > 0 ? "Inf" : "-Inf";
+  } else {
+    std::array<char, 32> digits{};
+    out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+  }
+}
+
+void append_text(std::string& out, const output_value& v) {
+  if (v.utf16) {
+    out += foundation::core::unicode::to_utf8(v.units);
+  } else {
+    out += v.bytes;
+  }
+}
+
+std::string utf8_of(const output_value& v) {
+  std::string text;
+  if (v.kind == value_kind::text) append_text(text, v);
+  if (v.kind == value_kind::number) append_number_text(text, v.number);
+  return text;
+}
+
+// Gives a column that held only missing values, or numbers, the storage of
+// `kind` for the rows it has.
+void become(table_column& column, column_kind kind) {
+  const std::size_t rows = column.missing.size();
+  if (kind == column_kind::number) {
+    column.numbers.assign(rows, 0.0);
+  } else {
+    column.offsets.assign(1, 0);
+    for (std::size_t row = 0; row < rows; ++row) {
+      if (column.kind == column_kind::number && column.missing[row] == 0) {
+        append_number_text(column.text, column.numbers[row]);
+      }
+      column.offsets.push_back(column.text.size());
+    }
+    column.numbers = {};
+  }
+  column.kind = kind;
+}
+
+void add_missing(table_column& column) {
+  column.missing.push_back(1);
+  if (column.kind == column_kind::number) column.numbers.push_back(0.0);
+  if (column.kind == column_kind::text) column.offsets.push_back(column.text.size());
+}
+
+void add(table_column& column, const output_value& v) {
+  if (v.kind == value_kind::missing) return add_missing(column);
+  if (column.kind == column_kind::missing) {
+    become(column, v.kind == value_kind::number ? column_kind::number : column_kind::text);
+  } else if (column.kind == column_kind::number && v.kind != value_kind::number) {
+    become(column, column_kind::text);
+  }
+  column.missing.push_back(0);
+  if (column.kind == column_kind::number) {
+    column.numbers.push_back(v.number);
+    return;
+  }
+  if (v.kind == value_kind::number) {
+    append_number_text(column.text, v.number);
+  } else {
+    append_text(column.text, v);
+  }
+  column.offsets.push_back(column.text.size());
+}
+
+}  // namespace
+
+void column_table_sink::widen(std::size_t columns) {
+  while (table_.columns.size() < columns) {
+    table_column& column = table_.columns.emplace_back();
+    column.missing.assign(table_.rows, 1);
+  }
+}
+
+void column_table_sink::header(const table_header& header) {
+  widen(std::max({header.names.size(), header.units.size(), header.descriptions.size()}));
+  for (std::size_t i = 0; i < header.names.size(); ++i) table_.columns[i].name = utf8_of(header.names[i]);
+  for (std::size_t i = 0; i < header.units.size(); ++i) table_.columns[i].unit = utf8_of(header.units[i]);
+  for (std::size_t i = 0; i < header.descriptions.size(); ++i) {
+    table_.columns[i].description = utf8_of(header.descriptions[i]);
+  }
+}
+
+void column_table_sink::padded_record(std::span<const output_value> values, std::size_t missing) {
+  widen(values.size() + missing);
+  for (std::size_t i = 0; i < values.size(); ++i) add(table_.columns[i], values[i]);
+  for (std::size_t i = values.size(); i < table_.columns.size(); ++i) add_missing(table_.columns[i]);
+  ++table_.rows;
+}
+
+column_table read_columns(const std::string& path, const textio::parser::options& options) {
+  utf8_input input(path);
+  column_table_sink sink;
+  read_table(options, input, sink);
+  return sink.take();
+}
+
+}  // namespace textio::import

@@ -1,0 +1,66 @@
+// A whole table in memory, column by column, for callers who want the values
+// rather than a stream of records. It is one more record sink: the reader
+// hands it records as it would to any writer.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "import/output.hpp"
+#include "parser/options.hpp"
+
+namespace textio::import {
+
+// What a column holds: nothing but missing values so far, text, or numbers.
+// A column that receives text after numbers becomes a text column, its
+// numbers written as the shortest text that reads back to them.
+enum class column_kind : std::uint8_t { missing, text, number };
+
+struct table_column {
+  // The header's name, unit and description (UTF-8); empty where the file has none.
+  std::string name;
+  std::string unit;
+  std::string description;
+  column_kind kind = column_kind::missing;
+  // One entry a row: 1 where the value is missing.
+  std::vector<std::uint8_t> missing;
+  // Number columns: one value a row (0 where missing).
+  std::vector<double> numbers;
+  // Text columns: the values' UTF-8 bytes one after another; row i is
+  // text[offsets[i], offsets[i + 1]) (empty where missing).
+  std::string text;
+  std::vector<std::uint64_t> offsets;
+
+  std::string_view text_at(std::size_t row) const {
+    return std::string_view(text).substr(offsets[row], offsets[row + 1] - offsets[row]);
+  }
+};
+
+struct column_table {
+  std::size_t rows = 0;
+  std::vector<table_column> columns;
+};
+
+// Collects the records it receives into a column_table. A record shorter than
+// the table is padded with missing values; a longer one adds columns, missing
+// in the rows before.
+class column_table_sink : public record_sink {
+ public:
+  void header(const table_header& header) override;
+  void record(std::span<const output_value> values) override { padded_record(values, 0); }
+  void padded_record(std::span<const output_value> values, std::size_t missing) override;
+  column_table take() { return std::move(table_); }
+
+ private:
+  void widen(std::size_t columns);
+
+  column_table table_;
+};
+
+// Reads the file at `path` with the reader that `options` names into memory.
+// Throws the reader's messages (reader_errors.hpp).
+column_table read_columns(const std::string& path, const textio::parser::options& options);
+
+}  // namespace textio::import
