@@ -1,50 +1,108 @@
 #!/usr/bin/env bash
-# Counts the records of a generated CSV with `zvtextparser read --count` and,
-# on the same file in the same run, times wc -l, Python's csv module and mlr
-# (when installed). Usage: bench/read_comparison.sh [BUILD_DIR] [SIZE_MIB]
+# The race: on one generated CSV, in one run, times whole processes of
+# zvtextparser (count, CSV and JSONL conversion to /dev/null, the in-memory
+# table) and of the peers that are installed: wc -l, data.table's fread (one
+# thread and all threads) and fread + fwrite, DuckDB through its Node package
+# (into a table, COPY to CSV and to JSON), pandas read_csv and Python's csv
+# module. Each command runs once a round, rounds interleaved; the table gives
+# the median of the rounds and our speed-up over each peer against our
+# command that does the same job (count, conversion to CSV or JSON, reading
+# into memory).
+#
+# Usage: bench/read_comparison.sh [BUILD_DIR] [SIZE_MIB] [ROUNDS]
+#   DUCKDB_NODE_MODULES: a node_modules folder holding @duckdb/node-api
+#   RACE_FILE: an existing file to use instead of a generated one
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build/release}
 size=${2:-256}
-file=$(mktemp --suffix=.csv)
-trap 'rm -f "$file"' EXIT
-python3 bench/generate_csv.py "$file" "$size"
+rounds=${3:-3}
+tool=$build/tools/zvtextparser
+table=$build/bench/zvtextimport_table
+py=/usr/bin/python3
+[[ -x $py ]] || py=python3
+
+if [[ -n ${RACE_FILE:-} ]]; then
+  file=$RACE_FILE
+else
+  file=$(mktemp --suffix=.csv)
+  trap 'rm -f "$file"' EXIT
+  "$py" bench/generate_csv.py "$file" "$size"
+fi
 bytes=$(stat -c %s "$file")
 cat "$file" > /dev/null  # into the page cache
+threads=$(nproc)
+# The settings spelled out, so that no detection changes what is read: comma
+# delimited, one line of names, every value text as read.
+read_options=(Delimiter , NumHeaderLines 1 VariableNamesLine 1)
 
-# Best of three wall-clock seconds of a command.
-best() {
-  local best_time=""
-  for _ in 1 2 3; do
-    local start end t
-    start=$(date +%s.%N)
-    "$@" > /dev/null
-    end=$(date +%s.%N)
-    t=$(echo "$end - $start" | bc -l)
-    if [[ -z $best_time ]] || (($(echo "$t < $best_time" | bc -l))); then best_time=$t; fi
-  done
-  echo "$best_time"
-}
+labels=()
+commands=()
+jobs=()  # what the command does: count, csv, json or memory
+add() { labels+=("$1"); jobs+=("$2"); commands+=("$3"); }
 
-count_py='import csv, sys
-n = 0
-with open(sys.argv[1], newline="") as f:
-    for row in csv.reader(f):
-        n += 1
-print(n)'
+q=$(printf '%q' "$file")
+opts=$(printf '%q ' "${read_options[@]}")
+add "wc -l" count "wc -l $q"
+add "zvtextparser read --count" count "$tool read $q --count $opts"
+add "zvtextparser read --format csv" csv "$tool read $q --format csv $opts"
+add "zvtextparser read --format jsonl" json "$tool read $q --format jsonl $opts"
+[[ -x $table ]] && add "zvtextparser in-memory table" memory "$table $q $opts"
 
-echo "file: $bytes bytes"
-echo "records: zvtextparser $("$build/tools/zvtextparser" read "$file" --count) / python csv $(python3 -c "$count_py" "$file") / wc -l $(wc -l < "$file")"
-t_zv=$(best "$build/tools/zvtextparser" read "$file" --count)
-t_wc=$(best wc -l "$file")
-t_py=$(best python3 -c "$count_py" "$file")
-printf '| %-34s | %9s | %9s | %22s |\n' "command" "seconds" "MB/s" "zvtextparser speed-up"
-printf '|%s|%s|%s|%s|\n' "------------------------------------" "-----------" "-----------" "------------------------"
-row() { printf '| %-34s | %9.3f | %9.0f | %22.2f |\n' "$1" "$2" "$(echo "$bytes / $2 / 1000000" | bc -l)" "$(echo "$2 / $t_zv" | bc -l)"; }
-row "zvtextparser read FILE --count" "$t_zv"
-row "wc -l FILE" "$t_wc"
-row "python3 csv.reader (count rows)" "$t_py"
-if command -v mlr > /dev/null; then
-  t_mlr=$(best mlr --icsv --ojson count "$file")
-  row "mlr --icsv --ojson count FILE" "$t_mlr"
+if command -v Rscript > /dev/null && Rscript -e 'library(data.table)' > /dev/null 2>&1; then
+  r="suppressMessages(library(data.table))"
+  add "fread, 1 thread" memory "Rscript -e '$r; setDTthreads(1); d <- fread(\"$file\")'"
+  add "fread, $threads threads" memory "Rscript -e '$r; setDTthreads($threads); d <- fread(\"$file\")'"
+  add "fread + fwrite CSV, $threads threads" csv \
+    "Rscript -e '$r; setDTthreads($threads); fwrite(fread(\"$file\"), \"/dev/null\")'"
 fi
+
+if command -v node > /dev/null && NODE_PATH=${DUCKDB_NODE_MODULES:-} node -e "require('@duckdb/node-api')" 2> /dev/null; then
+  duck() {
+    local js="const {DuckDBInstance} = require('@duckdb/node-api');
+(async () => { const c = await (await DuckDBInstance.create(':memory:', {threads: '$threads'})).connect();
+await c.run(\`$1\`); })();"
+    echo "NODE_PATH=${DUCKDB_NODE_MODULES:-} node -e $(printf '%q' "$js")"
+  }
+  add "DuckDB read_csv into a table" memory "$(duck "CREATE TABLE t AS SELECT * FROM read_csv('$file')")"
+  add "DuckDB COPY to CSV" csv "$(duck "COPY (SELECT * FROM read_csv('$file')) TO '/dev/null' (FORMAT csv)")"
+  add "DuckDB COPY to JSON" json "$(duck "COPY (SELECT * FROM read_csv('$file')) TO '/dev/null' (FORMAT json)")"
+fi
+
+if "$py" -c 'import pandas' 2> /dev/null; then
+  add "pandas read_csv (C engine)" memory "$py -c 'import pandas, sys; pandas.read_csv(sys.argv[1])' $q"
+fi
+add "python3 csv module (parse every row)" memory "$py -c 'import csv, sys; sum(1 for _ in csv.reader(open(sys.argv[1], newline=\"\")))' $q"
+
+declare -A times
+for ((round = 0; round < rounds; ++round)); do
+  for i in "${!commands[@]}"; do
+    start=$(date +%s.%N)
+    bash -c "${commands[$i]}" > /dev/null
+    end=$(date +%s.%N)
+    times[$i]+="$(echo "$end - $start" | bc -l) "
+  done
+done
+
+median() { tr ' ' '\n' | grep -v '^$' | sort -g | awk '{a[NR] = $1} END {print a[int((NR + 1) / 2)]}'; }
+declare -A ours
+for i in "${!commands[@]}"; do
+  m=$(echo "${times[$i]}" | median)
+  medians[$i]=$m
+  [[ ${labels[$i]} == zvtextparser* && -z ${ours[${jobs[$i]}]:-} ]] && ours[${jobs[$i]}]=$m
+done
+
+echo "file: $bytes bytes, $(wc -l < "$file") lines; $threads cores; median of $rounds interleaved rounds; load average after: $(cut -d' ' -f1-3 /proc/loadavg)"
+printf '| %-40s | %7s | %7s | %12s |\n' "command" "seconds" "MB/s" "our speed-up"
+printf '|%s|%s|%s|%s|\n' "------------------------------------------" "---------" "---------" "--------------"
+for i in "${!commands[@]}"; do
+  m=${medians[$i]}
+  mbs=$(echo "$bytes / $m / 1000000" | bc -l)
+  if [[ ${labels[$i]} == zvtextparser* ]]; then
+    speedup="-"
+  else
+    speedup=$(printf '%.2fx' "$(echo "$m / ${ours[${jobs[$i]}]}" | bc -l)")
+  fi
+  printf '| %-40s | %7.2f | %7.0f | %12s |\n' "${labels[$i]}" "$m" "$mbs" "$speedup"
+done
+echo "(our speed-up: the peer's seconds over ours for the same job — count, CSV, JSON or into memory)"
