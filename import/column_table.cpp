@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 
 #include "import/text_reader.hpp"
 #include "import/utf8_input.hpp"
@@ -57,6 +58,9 @@ void become(table_column& column, column_kind kind) {
   column.kind = kind;
 }
 
+// The rows after which the table estimates its final size.
+constexpr std::size_t sample_rows = 4096;
+
 void add_missing(table_column& column) {
   column.missing.push_back(1);
   if (column.kind == column_kind::number) column.numbers.push_back(0.0);
@@ -92,6 +96,24 @@ void column_table_sink::widen(std::size_t columns) {
   }
 }
 
+void column_table_sink::reserve_for_input() {
+  // Bytes of input the rows so far took, near enough: each value's text and
+  // its delimiter, eight bytes for a number.
+  std::uint64_t seen = 0;
+  for (const table_column& column : table_.columns) seen += column.text.size() + column.missing.size() + 8 * column.numbers.size();
+  if (seen == 0) return;
+  const double scale = 1.1 * static_cast<double>(input_bytes_) / static_cast<double>(seen);
+  const auto scaled = [scale](std::size_t n) { return static_cast<std::size_t>(scale * static_cast<double>(n)); };
+  for (table_column& column : table_.columns) {
+    column.missing.reserve(scaled(column.missing.size()));
+    if (column.kind == column_kind::number) column.numbers.reserve(scaled(column.numbers.size()));
+    if (column.kind == column_kind::text) {
+      column.offsets.reserve(scaled(column.offsets.size()));
+      column.text.reserve(scaled(column.text.size()));
+    }
+  }
+}
+
 void column_table_sink::header(const table_header& header) {
   widen(std::max({header.names.size(), header.units.size(), header.descriptions.size()}));
   for (std::size_t i = 0; i < header.names.size(); ++i) table_.columns[i].name = utf8_of(header.names[i]);
@@ -105,12 +127,14 @@ void column_table_sink::padded_record(std::span<const output_value> values, std:
   widen(values.size() + missing);
   for (std::size_t i = 0; i < values.size(); ++i) add(table_.columns[i], values[i]);
   for (std::size_t i = values.size(); i < table_.columns.size(); ++i) add_missing(table_.columns[i]);
-  ++table_.rows;
+  if (++table_.rows == sample_rows && input_bytes_ > 0) reserve_for_input();
 }
 
 column_table read_columns(const std::string& path, const textio::parser::options& options) {
   utf8_input input(path);
-  column_table_sink sink;
+  std::error_code no_size;
+  const std::uintmax_t size = std::filesystem::is_regular_file(path, no_size) ? std::filesystem::file_size(path, no_size) : 0;
+  column_table_sink sink(no_size ? 0 : size);
   read_table(options, input, sink);
   return sink.take();
 }

@@ -46,8 +46,13 @@ struct column_table {
 // Collects the records it receives into a column_table. A record shorter than
 // the table is padded with missing values; a longer one adds columns, missing
 // in the rows before.
+//
+// Given the input's size, it reserves room for the whole table once the first
+// rows show how many bytes a row takes, so that the columns are not copied as
+// they grow.
 class column_table_sink : public record_sink {
  public:
+  explicit column_table_sink(std::uint64_t input_bytes = 0) : input_bytes_(input_bytes) {}
   void header(const table_header& header) override;
   void record(std::span<const output_value> values) override { padded_record(values, 0); }
   void padded_record(std::span<const output_value> values, std::size_t missing) override;
@@ -55,8 +60,10 @@ class column_table_sink : public record_sink {
 
  private:
   void widen(std::size_t columns);
+  void reserve_for_input();
 
   column_table table_;
+  std::uint64_t input_bytes_;
 };
 
 // Reads the file at `path` with the reader that `options` names into memory.
