@@ -4,6 +4,9 @@
 // eight-byte steps of the scan.
 #include <gtest/gtest.h>
 
+#include <charconv>
+#include <cmath>
+#include <cstdint>
 #include <random>
 #include <sstream>
 #include <string>
@@ -86,6 +89,25 @@ TEST(RecordEscaping, MatchesByteAtATimeReferences) {
       csv.flush();
     }
     ASSERT_EQ(csv_out.str(), reference_csv(text) + "\r\n") << testing::PrintToString(text);
+  }
+}
+
+// Numbers: the whole-number shortcut against the general shortest form, near
+// the lengths where the exponent form gets shorter and at the edges of 2^53.
+TEST(RecordEscaping, NumbersMatchTheShortestRoundTrip) {
+  std::mt19937_64 rng(5);
+  std::vector<double> values = {0.0, -0.0, 1, -1, 10, 100, 1e5, 1e6, -1e6, 1e15, 9007199254740991.0,
+                                9007199254740992.0, -9007199254740993.0, 0.5, 1e300, 123456789012345678.0};
+  for (int i = 0; i < 20000; ++i) {
+    const double mantissa = static_cast<double>(rng() % 1000);
+    const double scale = std::pow(10.0, static_cast<double>(rng() % 17));
+    values.push_back((rng() % 2 != 0 ? -1 : 1) * mantissa * scale);
+    values.push_back(static_cast<double>(static_cast<std::int64_t>(rng() >> (rng() % 64))));
+  }
+  for (const double v : values) {
+    char digits[64];
+    const std::string expected(digits, std::to_chars(digits, digits + sizeof digits, v).ptr);
+    ASSERT_EQ(zvtool::number_text(v), expected) << v;
   }
 }
 
