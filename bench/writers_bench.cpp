@@ -31,10 +31,16 @@ const sample& rows() {
     sample out;
     const char* words[] = {"alpha", "beta", "gamma", "delta", "epsilon", "zeta", "eta", "theta", "iota", "kappa"};
     for (int i = 0; i < 20000; ++i) {
-      const std::string row[] = {std::to_string(i), std::to_string(-3523.3447 + i), words[i % 10],
-                                 std::to_string(1695753998 - i), i % 3 == 0 ? "alpha, beta" : words[(i + 3) % 10],
-                                 "8.212743e-01", i % 7 == 0 ? "say \"hi\"" : "plain", std::to_string(i % 1000 - 500),
-                                 std::string(words[(i + 5) % 10]) + "_" + std::to_string(i % 97), "0.583"};
+      const std::string row[] = {std::to_string(i),
+                                 std::to_string(-3523.3447 + i),
+                                 words[i % 10],
+                                 std::to_string(1695753998 - i),
+                                 i % 3 == 0 ? "alpha, beta" : words[(i + 3) % 10],
+                                 "8.212743e-01",
+                                 i % 7 == 0 ? "say \"hi\"" : "plain",
+                                 std::to_string(i % 1000 - 500),
+                                 std::string(words[(i + 5) % 10]) + "_" + std::to_string(i % 97),
+                                 "0.583"};
       for (const auto& field : row) {
         out.texts.push_back(field);
         out.csv_bytes += field.size() + 1;

@@ -100,7 +100,8 @@ void column_table_sink::reserve_for_input() {
   // Bytes of input the rows so far took, near enough: each value's text and
   // its delimiter, eight bytes for a number.
   std::uint64_t seen = 0;
-  for (const table_column& column : table_.columns) seen += column.text.size() + column.missing.size() + 8 * column.numbers.size();
+  for (const table_column& column : table_.columns)
+    seen += column.text.size() + column.missing.size() + 8 * column.numbers.size();
   if (seen == 0) return;
   const double scale = 1.1 * static_cast<double>(input_bytes_) / static_cast<double>(seen);
   const auto scaled = [scale](std::size_t n) { return static_cast<std::size_t>(scale * static_cast<double>(n)); };
@@ -133,7 +134,8 @@ void column_table_sink::padded_record(std::span<const output_value> values, std:
 column_table read_columns(const std::string& path, const textio::parser::options& options) {
   utf8_input input(path);
   std::error_code no_size;
-  const std::uintmax_t size = std::filesystem::is_regular_file(path, no_size) ? std::filesystem::file_size(path, no_size) : 0;
+  const std::uintmax_t size =
+      std::filesystem::is_regular_file(path, no_size) ? std::filesystem::file_size(path, no_size) : 0;
   column_table_sink sink(no_size ? 0 : size);
   read_table(options, input, sink);
   return sink.take();

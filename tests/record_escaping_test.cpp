@@ -49,8 +49,8 @@ std::string reference_json(std::string_view bytes) {
 
 std::string reference_csv(std::string_view text) {
   const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\b'; };
-  const bool quoted = text.empty() || text.starts_with("\xEF\xBB\xBF") || blank(text.front()) ||
-                      blank(text.back()) || text.find_first_of(",\"\r\n") != std::string_view::npos;
+  const bool quoted = text.empty() || text.starts_with("\xEF\xBB\xBF") || blank(text.front()) || blank(text.back()) ||
+                      text.find_first_of(",\"\r\n") != std::string_view::npos;
   if (!quoted) return std::string(text);
   std::string out = "\"";
   for (const char c : text) {
@@ -61,9 +61,28 @@ std::string reference_csv(std::string_view text) {
 }
 
 std::string random_text(std::mt19937& rng) {
-  static const std::string_view pieces[] = {"a", "Z", "0", " ", ",", "\"", "\\", "\r", "\n", "\t", "\x01", "\x1f",
-                                            "\x7f", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xC3", "\xE2\x82",
-                                            "\xFF", "\x80", "\xEF\xBB\xBF", "plain text"};
+  static const std::string_view pieces[] = {"a",
+                                            "Z",
+                                            "0",
+                                            " ",
+                                            ",",
+                                            "\"",
+                                            "\\",
+                                            "\r",
+                                            "\n",
+                                            "\t",
+                                            "\x01",
+                                            "\x1f",
+                                            "\x7f",
+                                            "\xC3\xA9",
+                                            "\xE2\x82\xAC",
+                                            "\xF0\x9F\x98\x80",
+                                            "\xC3",
+                                            "\xE2\x82",
+                                            "\xFF",
+                                            "\x80",
+                                            "\xEF\xBB\xBF",
+                                            "plain text"};
   std::string text;
   const std::size_t count = rng() % 24;
   for (std::size_t i = 0; i < count; ++i) {
@@ -96,8 +115,22 @@ TEST(RecordEscaping, MatchesByteAtATimeReferences) {
 // the lengths where the exponent form gets shorter and at the edges of 2^53.
 TEST(RecordEscaping, NumbersMatchTheShortestRoundTrip) {
   std::mt19937_64 rng(5);
-  std::vector<double> values = {0.0, -0.0, 1, -1, 10, 100, 1e5, 1e6, -1e6, 1e15, 9007199254740991.0,
-                                9007199254740992.0, -9007199254740993.0, 0.5, 1e300, 123456789012345678.0};
+  std::vector<double> values = {0.0,
+                                -0.0,
+                                1,
+                                -1,
+                                10,
+                                100,
+                                1e5,
+                                1e6,
+                                -1e6,
+                                1e15,
+                                9007199254740991.0,
+                                9007199254740992.0,
+                                -9007199254740993.0,
+                                0.5,
+                                1e300,
+                                123456789012345678.0};
   for (int i = 0; i < 20000; ++i) {
     const double mantissa = static_cast<double>(rng() % 1000);
     const double scale = std::pow(10.0, static_cast<double>(rng() % 17));

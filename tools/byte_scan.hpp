@@ -58,7 +58,9 @@ std::size_t find_first(std::string_view text, Marks marks, Special special) {
 inline std::size_t find_json_special(std::string_view text) {
   return swar::find_first(
       text,
-      [](std::uint64_t w) { return swar::below(w, 0x20) | (w & swar::highs) | swar::equal(w, '"') | swar::equal(w, '\\'); },
+      [](std::uint64_t w) {
+        return swar::below(w, 0x20) | (w & swar::highs) | swar::equal(w, '"') | swar::equal(w, '\\');
+      },
       [](unsigned char c) { return c < 0x20 || c >= 0x80 || c == '"' || c == '\\'; });
 }
 

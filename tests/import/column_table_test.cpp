@@ -41,10 +41,10 @@ TEST(ColumnTable, SinkKeepsKindsAndPadsRaggedRecords) {
   header.names = {text("a"), text("b")};
   sink.header(header);
   const std::vector<output_value> rows[] = {
-      {number(1.5), missing()},                  // b has only missing values so far
-      {number(2), text("x,y"), text("extra")},   // a third column appears
-      {missing()},                               // padded
-      {text("word"), text("")},                  // a turns to text
+      {number(1.5), missing()},                 // b has only missing values so far
+      {number(2), text("x,y"), text("extra")},  // a third column appears
+      {missing()},                              // padded
+      {text("word"), text("")},                 // a turns to text
   };
   for (const auto& row : rows) sink.record(row);
   sink.padded_record(std::vector<output_value>{number(0.1)}, 3);  // padding beyond the table: a fourth column
@@ -59,7 +59,9 @@ TEST(ColumnTable, SinkKeepsKindsAndPadsRaggedRecords) {
     std::string rows;
   } expected[] = {
       {column_kind::text, "1.5 2 - word 0.1"},
-      {column_kind::text, "- x,y - " " -"},
+      {column_kind::text,
+       "- x,y - "
+       " -"},
       {column_kind::text, "- extra - - -"},
       {column_kind::missing, "- - - - -"},
   };
