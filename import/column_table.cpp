@@ -67,12 +67,25 @@ void add_missing(table_column& column) {
   if (column.kind == column_kind::text) column.offsets.push_back(column.text.size());
 }
 
+// The column kind that holds a value of `kind`; each new value kind needs
+// its place here.
+column_kind storage_of(value_kind kind) {
+  switch (kind) {
+    case value_kind::missing:
+      return column_kind::missing;
+    case value_kind::number:
+      return column_kind::number;
+    case value_kind::text:
+      return column_kind::text;
+  }
+  return column_kind::text;
+}
+
 void add(table_column& column, const output_value& v) {
-  if (v.kind == value_kind::missing) return add_missing(column);
-  if (column.kind == column_kind::missing) {
-    become(column, v.kind == value_kind::number ? column_kind::number : column_kind::text);
-  } else if (column.kind == column_kind::number && v.kind != value_kind::number) {
-    become(column, column_kind::text);
+  const column_kind wanted = storage_of(v.kind);
+  if (wanted == column_kind::missing) return add_missing(column);
+  if (column.kind == column_kind::missing || (column.kind == column_kind::number && wanted != column_kind::number)) {
+    become(column, wanted);
   }
   column.missing.push_back(0);
   if (column.kind == column_kind::number) {
