@@ -65,6 +65,13 @@ struct InvalidEncoding : resource_core::BaseMsgID {
   }
 };
 
+// An encoding name that the system cannot convert from; argument: the name.
+struct UnknownEncoding : resource_core::BaseMsgID {
+  explicit UnknownEncoding(const std::string& encoding) : resource_core::BaseMsgID(catalog_name, "UnknownEncoding") {
+    args.emplace_back(std::in_place_index<1>, encoding);
+  }
+};
+
 // The input could not be opened or read; argument: its name as given.
 struct CannotReadFile : resource_core::BaseMsgID {
   explicit CannotReadFile(const std::string& path) : resource_core::BaseMsgID(catalog_name, "CannotReadFile") {
