@@ -65,7 +65,7 @@ struct InvalidEncoding : resource_core::BaseMsgID {
   }
 };
 
-// An encoding name that the system cannot convert from; argument: the name.
+// An encoding name that the converter does not know; argument: the name.
 struct UnknownEncoding : resource_core::BaseMsgID {
   explicit UnknownEncoding(const std::string& encoding) : resource_core::BaseMsgID(catalog_name, "UnknownEncoding") {
     args.emplace_back(std::in_place_index<1>, encoding);
