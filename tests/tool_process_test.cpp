@@ -10,6 +10,7 @@
 
 #include "support/run_tool.hpp"
 #include "tools/option_keys.hpp"
+#include "tools/subcommands.hpp"
 
 namespace {
 
@@ -131,15 +132,45 @@ const tool_case cases[] = {
 
 INSTANTIATE_TEST_SUITE_P(Cases, ToolRun, ::testing::ValuesIn(cases), [](const auto& info) { return info.param.name; });
 
-TEST(ToolHelp, ExplainsValuesAndListsEveryKey) {
-  for (const auto& args : {std::vector<std::string>{"--help"}, std::vector<std::string>{"options", "DataLine", "-h"}}) {
-    const auto run = run_tool(args);
-    EXPECT_EQ(run.status, 0) << args.back();
-    EXPECT_NE(run.out.find("$class"), std::string::npos);
-    for (const auto& k : zvtool::option_keys()) {
-      EXPECT_NE(run.out.find(std::string(k.key)), std::string::npos) << k.key << " missing in the help of " << args[0];
+TEST(ToolHelp, EachSubcommandsHelpShowsItsUsageAndEveryOption) {
+  for (const auto& command : zvtool::subcommands()) {
+    const auto& grammar = command.grammar;
+    const auto run = run_tool({std::string(grammar.name), "--help"});
+    EXPECT_EQ(run.status, 0) << grammar.name;
+    std::string usage = "Usage: zvtextparser " + std::string(grammar.name);
+    if (!grammar.operand.empty()) {
+      usage += grammar.operand_required ? " " + std::string(grammar.operand) : " [" + std::string(grammar.operand) + "]";
     }
+    EXPECT_TRUE(run.out.starts_with(usage)) << run.out;
+    for (const auto& option : grammar.options) {
+      EXPECT_NE(run.out.find("  " + std::string(option.name)), std::string::npos) << option.name << " in " << grammar.name;
+    }
+    EXPECT_NE(run.out.find("Exit status:\n  0  success\n"), std::string::npos) << grammar.name;
+    EXPECT_NE(run_tool({"--help"}).out.find("\n  " + std::string(grammar.name) + " "), std::string::npos);
   }
+  EXPECT_NE(run_tool({"help", "values"}).out.find("$class"), std::string::npos);
+  const auto keys = run_tool({"help", "keys"}).out;
+  for (const auto& k : zvtool::option_keys()) {
+    EXPECT_NE(keys.find("  " + std::string(k.key) + " "), std::string::npos) << k.key;
+  }
+}
+
+// The tool's own options end at "--"; an unknown one before it is a usage
+// error, and a refused option in CSV mode writes nothing to standard output.
+TEST(ToolArguments, DoubleDashUnknownOptionAndCsvRefusal) {
+  const auto counted = run_tool({"read", "/nonexistent", "--", "--count"});
+  EXPECT_EQ(counted.status, 1);
+  EXPECT_NE(counted.out.find("OddNumberNVPairs"), std::string::npos) << counted.out;
+
+  const auto verbose = run_tool({"read", "/nonexistent", "--verbose"});
+  EXPECT_EQ(verbose.status, 2);
+  EXPECT_EQ(verbose.out, "");
+  EXPECT_NE(verbose.err.find("unknown option '--verbose' for read"), std::string::npos) << verbose.err;
+
+  const auto csv = run_tool({"read", "/nonexistent", "--format", "csv", "Delimiter", "7"});
+  EXPECT_EQ(csv.status, 1);
+  EXPECT_EQ(csv.out, "");
+  EXPECT_TRUE(csv.err.starts_with("zvtextparser: ZORVEK:textio:textio:DelimiterType: ")) << csv.err;
 }
 
 }  // namespace

@@ -119,7 +119,7 @@ struct usage_case {
 
 TEST(ToolReaderUsage, MissingOrUnknownKindIsAUsageError) {
   const usage_case cases[] = {
-      {"NoKind", {"reader"}, "reader needs a kind: line, delimited, fixedwidth"},
+      {"NoKind", {"reader"}, "reader needs KIND (the reader to build: line, delimited or fixedwidth)"},
       {"KindsAreLowerCase", {"reader", "Line"}, "unknown reader kind 'Line'"},
       // The kind is checked before the options, whose refusal would give 1.
       {"UnknownKindBeforeRefusedOption", {"reader", "tabular", "DataLine", "0"}, "unknown reader kind 'tabular'"},

@@ -7,11 +7,12 @@
 
 #include <cstring>
 #include <limits>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/subcommand_arguments.hpp"
+#include "tools/subcommands.hpp"
 #include "tools/usage_error.hpp"
 #include "zvarray/hv_array.hpp"
 
@@ -206,35 +207,54 @@ TEST(ToolValues, OptionArgumentsKeepNamesAsTextAndTakeStructAlone) {
   EXPECT_THROW(zvtool::struct_argument("{"), zvtool::usage_error);
 }
 
-TEST(ToolArguments, OnlyTheToolsOwnOptionsAreTakenOut) {
+TEST(ToolArguments, OneGrammarSortsOptionsOperandAndPairs) {
   using args = std::vector<std::string>;
+  using options = std::map<std::string, std::string, std::less<>>;
   const struct {
     args given;
-    std::optional<std::string> struct_json;
+    options tool_options;
     bool help;
-    args positionals;
+    std::optional<std::string> file;
+    args pairs;
   } cases[] = {
-      {{}, std::nullopt, false, {}},
-      {{"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"},
-       std::nullopt,
+      {{"f", "NumHeaderLines", "-1", "X", "-0.5", "-abc", "-", "[1,2]", "--5"},
+       {},
        false,
-       {"NumHeaderLines", "-1", "X", "-0.0", "-abc", "-"}},
-      {{"--struct", "-1"}, "-1", false, {}},
-      {{"--struct={\"a\":1}", "x"}, "{\"a\":1}", false, {"x"}},
-      {{"--struct="}, "", false, {}},
-      {{"a", "-h", "b"}, std::nullopt, true, {"a", "b"}},
-      {{"--", "--help", "--struct", "x", "--"}, std::nullopt, false, {"--help", "--struct", "x", "--"}},
-      {{"--structure", "--help"}, std::nullopt, true, {"--structure"}},
-      {{"[1,2]", "[a]"}, std::nullopt, false, {"[1,2]", "[a]"}},
+       "f",
+       {"NumHeaderLines", "-1", "X", "-0.5", "-abc", "-", "[1,2]", "--5"}},
+      {{"--struct", "-1", "f"}, {{"--struct", "-1"}}, false, "f", {}},
+      {{"--struct={\"a\":1}", "f", "x"}, {{"--struct", "{\"a\":1}"}}, false, "f", {"x"}},
+      {{"--count", "f", "--format=csv"}, {{"--count", ""}, {"--format", "csv"}}, false, "f", {}},
+      {{"f", "--", "--count", "--help", "--"}, {}, false, "f", {"--count", "--help", "--"}},
+      {{"--", "--f"}, {}, false, "--f", {}},
+      {{"-h", "--verbose"}, {}, true, std::nullopt, {}},
   };
   for (const auto& c : cases) {
-    const auto scanned = zvtool::scan_subcommand_arguments(c.given);
-    EXPECT_EQ(scanned.struct_json, c.struct_json);
-    EXPECT_EQ(scanned.help, c.help);
-    EXPECT_EQ(scanned.positionals, c.positionals);
+    const auto parsed = zvtool::parse_subcommand_arguments("read", c.given);
+    EXPECT_EQ(parsed.options, c.tool_options) << c.given.front();
+    EXPECT_EQ(parsed.help, c.help) << c.given.front();
+    EXPECT_EQ(parsed.operand, c.file) << c.given.front();
+    EXPECT_EQ(parsed.option_arguments, c.pairs) << c.given.front();
   }
-  EXPECT_THROW(zvtool::scan_subcommand_arguments(args{"--struct"}), zvtool::usage_error);
-  EXPECT_THROW(zvtool::scan_subcommand_arguments(args{"--struct=1", "--struct", "2"}), zvtool::usage_error);
+
+  const struct {
+    args given;
+    std::string message_has;
+  } mistakes[] = {
+      {{"f", "--verbose"}, "unknown option '--verbose' for read; its options are --struct JSON, --format FORMAT, --count"},
+      {{"f", "--struct"}, "--struct needs JSON"},
+      {{"f", "--count=1"}, "--count takes no value"},
+      {{"f", "--struct=", "--struct", "{}"}, "--struct may be given only once"},
+      {{"--format", "csv"}, "read needs FILE"},
+  };
+  for (const auto& m : mistakes) {
+    try {
+      zvtool::parse_subcommand_arguments("read", m.given);
+      ADD_FAILURE() << m.message_has;
+    } catch (const zvtool::usage_error& e) {
+      EXPECT_NE(std::string(e.what()).find(m.message_has), std::string::npos) << e.what();
+    }
+  }
 }
 
 }  // namespace

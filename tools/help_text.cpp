@@ -7,18 +7,11 @@
 namespace zvtool {
 namespace {
 
-constexpr const char* arguments_help = R"(Arguments:
-  Everything after the subcommand is positional except the tool's own
-  options --struct JSON, --struct=JSON and --help (-h); "--" ends the tool's
-  options. So negative numbers such as -1 and -0.0 are values as they stand.
-  The positional arguments go to the library in one call, names and values
+constexpr const char* values_text = R"(Arguments:
+  The NAME VALUE arguments go to the library in one call, names and values
   alike: an odd number of them reaches the library (which refuses it), and
-  none at all is a call with no arguments. With --struct the one argument is
-  the struct built from the JSON object; no positional argument may follow.
-  For reader, the first positional argument is the reader's kind (line,
-  delimited or fixedwidth) and the others are the options. For read, the
-  first positional argument is FILE (- for standard input), and --format
-  jsonl|csv and --count choose the output; they may stand anywhere after it.
+  none at all is a call with no arguments. With --struct JSON the one
+  argument is the struct built from the object; no NAME VALUE may follow.
 
 Values:
   A NAME is text. A VALUE is read as JSON when it parses as JSON, and
@@ -57,40 +50,6 @@ Examples:
   zvtextparser reader line EmptyLineRule read
   zvtextparser reader delimited Delimiter '[",", "\t"]'
   zvtextparser reader fixedwidth --struct '{"VariableWidths": [3, 5, 2]}'
-
-)";
-
-constexpr const char* output_help = R"(
-Output:
-  One JSON object on standard output: {"options": {...}} with the record's
-  thirty fields under their own names. Texts are strings of their UTF-16
-  units (a lone surrogate as \uXXXX), counts and widths exact integers,
-  enumerations by name. When the library refuses an option the object also
-  holds "error": {"identifier", "key", "arguments", "message"}, the record
-  shows what the call had written before the failure, and the message goes
-  to standard error as well.
-
-  reader prints {"options": {...}, "reader": {...}}: "options" exactly as
-  the options subcommand prints it for the same options, and the plain
-  fields of the reader built from that record. Stop characters are arrays
-  of UTF-16 code units as integers (an empty string counts as unit 0):
-    line        {"kind": "line", "stop_chars": [10, 13],
-                 "reads_empty_lines": false}
-    delimited   {"kind": "delimited", "quote": 34, "stop_chars": [10, 13]}
-    fixedwidth  {"kind": "fixedwidth", "field_widths": [3, 5, 2],
-                 "record_width": 10, "stop_chars": [13, 10, 13]}
-  line and delimited hold the first unit of each line ending (delimited:
-  and of each delimiter) once, in ascending order; fixedwidth holds the
-  first unit of each line ending in list order, repeats kept, and
-  record_width is the sum of the widths modulo 2^64. When the library
-  refuses an option, reader prints what options prints: no "reader".
-
-Exit status:
-  0  success
-  1  the library refused an option (message exception)
-  2  usage error of the tool (bad JSON after --struct, a malformed typed
-     value, an unknown subcommand, a missing or unknown reader kind)
-  3  any other failure, with its description on standard error
 )";
 
 }  // namespace
@@ -109,6 +68,6 @@ std::string option_keys_help() {
   return text;
 }
 
-std::string help_footer() { return arguments_help + option_keys_help() + output_help; }
+std::string values_help() { return values_text; }
 
 }  // namespace zvtool

@@ -1,16 +1,14 @@
-// The longer help of the tool: how arguments are read, the value syntax, the
-// option keys, the output and the exit statuses.
+// The tool's longer help topics: the value syntax and the option keys.
 #pragma once
 
 #include <string>
 
 namespace zvtool {
 
-// The text shown below the generated usage of `zvtextparser --help` and of
-// each subcommand's --help.
-std::string help_footer();
+// zvtextparser help values: how a VALUE is read, with examples.
+std::string values_help();
 
-// The option keys with a description of each key's value, one per line.
+// zvtextparser help keys: the option keys with what each key's value must be.
 std::string option_keys_help();
 
 }  // namespace zvtool

@@ -21,8 +21,8 @@ tool_result report_options_call(const std::optional<std::string>& struct_json, s
   return finish_report(out, failure);
 }
 
-tool_result run_options_command(const subcommand_arguments& args) {
-  return report_options_call(args.struct_json, args.positionals);
+tool_result run_options_command(const parsed_arguments& args) {
+  return report_options_call(args.value("--struct"), args.option_arguments);
 }
 
 }  // namespace zvtool

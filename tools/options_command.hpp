@@ -9,7 +9,7 @@
 #include "parser/options.hpp"
 #include "tools/json_writer.hpp"
 #include "tools/report.hpp"
-#include "tools/subcommand_arguments.hpp"
+#include "tools/command_line.hpp"
 
 namespace zvtool {
 
@@ -28,6 +28,6 @@ tool_result report_options_call(const std::optional<std::string>& struct_json, s
 // {"options": {...}} with status 0, or with an added "error" and status 1
 // when the library refuses an option. Throws usage_error for arguments that
 // the tool cannot turn into values.
-tool_result run_options_command(const subcommand_arguments& args);
+tool_result run_options_command(const parsed_arguments& args);
 
 }  // namespace zvtool

@@ -10,6 +10,7 @@
 #include "import/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "tools/apply_options.hpp"
+#include "tools/exit_status.hpp"
 #include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
 #include "tools/record_json.hpp"
@@ -55,40 +56,20 @@ textio::import::progress_callback progress_bar(const textio::import::utf8_input&
 
 }  // namespace
 
-read_arguments scan_read_arguments(std::span<const std::string> positionals) {
-  read_arguments scanned;
-  if (positionals.empty()) throw usage_error("read needs a FILE (or - for standard input)");
-  scanned.file = positionals[0];
-  const auto set_format = [&scanned](const std::string& name) {
-    if (name == "jsonl") {
-      if (scanned.format != read_format::count) scanned.format = read_format::jsonl;
-    } else if (name == "csv") {
-      if (scanned.format != read_format::count) scanned.format = read_format::csv;
-    } else {
-      throw usage_error("unknown --format '" + name + "'; the formats are jsonl and csv");
-    }
-  };
-  for (std::size_t i = 1; i < positionals.size(); ++i) {
-    const std::string& arg = positionals[i];
-    if (arg == "--count") {
-      scanned.format = read_format::count;
-    } else if (arg == "--format") {
-      if (i + 1 == positionals.size()) throw usage_error("--format needs jsonl or csv after it");
-      set_format(positionals[++i]);
-    } else if (arg.starts_with("--format=")) {
-      set_format(arg.substr(9));
-    } else {
-      scanned.option_arguments.push_back(arg);
-    }
-  }
-  return scanned;
+read_format output_format(const parsed_arguments& args) {
+  if (args.has("--count")) return read_format::count;
+  const std::string name = args.value("--format").value_or("jsonl");
+  if (name == "jsonl") return read_format::jsonl;
+  if (name == "csv") return read_format::csv;
+  throw usage_error("unknown --format '" + name + "'; the formats are jsonl and csv");
 }
 
-tool_result run_read(const subcommand_arguments& args, std::ostream& out) {
-  const read_arguments scanned = scan_read_arguments(args.positionals);
-  const std::vector<hv::Value> values = option_arguments(args.struct_json, scanned.option_arguments);
+tool_result run_read(const parsed_arguments& args, std::ostream& out) {
+  const read_format format = output_format(args);
+  const std::vector<hv::Value> values = option_arguments(args.value("--struct"), args.option_arguments);
   textio::parser::options record;
   if (const auto failure = apply_options(values, record)) {
+    if (format == read_format::csv) return tool_result{exit_option_refused, "", message_line(*failure)};
     json_writer report;
     report.begin_object();
     report.key("options");
@@ -103,12 +84,12 @@ tool_result run_read(const subcommand_arguments& args, std::ostream& out) {
   std::optional<csv_writer> csv;
   count_writer counter;
   textio::import::record_sink* sink = &counter;
-  if (scanned.format == read_format::jsonl) sink = &jsonl.emplace(out);
-  if (scanned.format == read_format::csv) sink = &csv.emplace(out);
+  if (format == read_format::jsonl) sink = &jsonl.emplace(out);
+  if (format == read_format::csv) sink = &csv.emplace(out);
 
   tool_result result;
   try {
-    textio::import::utf8_input input(scanned.file);
+    textio::import::utf8_input input(*args.operand);
     textio::import::read_table(record, input, *sink, progress_bar(input));
   } catch (const foundation::core::except::IMsgIDException& error) {
     const message_failure failure = capture_message(error);
@@ -116,17 +97,17 @@ tool_result run_read(const subcommand_arguments& args, std::ostream& out) {
     result.err = message_line(failure);
     if (jsonl) jsonl->flush();
     if (csv) csv->flush();
-    if (scanned.format != read_format::csv) out << error_line(failure);
+    if (format != read_format::csv) out << error_line(failure);
     return result;
   }
   if (jsonl) jsonl->flush();
   if (csv) csv->flush();
-  if (scanned.format == read_format::count) {
+  if (format == read_format::count) {
     out << "{\"records\": " << counter.records() << ", \"fields\": " << counter.fields() << "}\n";
   }
   return result;
 }
 
-tool_result run_read_command(const subcommand_arguments& args) { return run_read(args, std::cout); }
+tool_result run_read_command(const parsed_arguments& args) { return run_read(args, std::cout); }
 
 }  // namespace zvtool

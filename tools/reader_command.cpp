@@ -1,7 +1,5 @@
 #include "tools/reader_command.hpp"
 
-#include <span>
-
 #include "parser/record_readers.hpp"
 #include "tools/reader_json.hpp"
 #include "tools/usage_error.hpp"
@@ -34,15 +32,10 @@ std::string reader_kind_names() {
   return names;
 }
 
-tool_result run_reader_command(const subcommand_arguments& args) {
-  if (args.positionals.empty()) {
-    throw usage_error("reader needs a kind: " + reader_kind_names() + " (see zvtextparser reader --help)");
-  }
-  const std::string& name = args.positionals.front();
+tool_result run_reader_command(const parsed_arguments& args) {
+  const std::string name = args.operand.value_or("");
   for (const auto& kind : reader_kinds) {
-    if (kind.name == name) {
-      return report_options_call(args.struct_json, std::span(args.positionals).subspan(1), kind.write_reader);
-    }
+    if (kind.name == name) return report_options_call(args.value("--struct"), args.option_arguments, kind.write_reader);
   }
   throw usage_error("unknown reader kind '" + name + "'; the kinds are: " + reader_kind_names() +
                     " (see zvtextparser reader --help)");

@@ -9,7 +9,7 @@
 
 #include "tools/options_command.hpp"
 #include "tools/report.hpp"
-#include "tools/subcommand_arguments.hpp"
+#include "tools/command_line.hpp"
 
 namespace zvtool {
 
@@ -24,11 +24,11 @@ extern const std::array<reader_kind, 3> reader_kinds;
 // "line, delimited, fixedwidth"
 std::string reader_kind_names();
 
-// The kind is the first positional argument; the rest are the options.
+// The kind is the operand; the NAME VALUE arguments are the options.
 // {"options": {...}, "reader": {...}} with status 0, or exactly what the
 // options subcommand reports for a refused option (no "reader", status 1).
-// Throws usage_error for a missing or unknown kind, before any option is
+// Throws usage_error for an unknown kind, before any option is
 // applied, and for arguments that the tool cannot turn into values.
-tool_result run_reader_command(const subcommand_arguments& args);
+tool_result run_reader_command(const parsed_arguments& args);
 
 }  // namespace zvtool

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "tools/read_command.hpp"
-#include "tools/subcommand_arguments.hpp"
+#include "tools/subcommands.hpp"
 
 namespace import_test {
 
@@ -25,7 +25,7 @@ std::string write_file(const std::string& contents) {
 read_output read_file(const std::string& path, const std::vector<std::string>& args) {
   std::vector<std::string> all{path};
   all.insert(all.end(), args.begin(), args.end());
-  const zvtool::subcommand_arguments scanned = zvtool::scan_subcommand_arguments(all);
+  const zvtool::parsed_arguments scanned = zvtool::parse_subcommand_arguments("read", all);
   std::ostringstream text;
   const zvtool::tool_result result = zvtool::run_read(scanned, text);
   read_output out;

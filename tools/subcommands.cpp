@@ -1,0 +1,123 @@
+#include "tools/subcommands.hpp"
+
+#include <array>
+#include <stdexcept>
+
+#include "tools/help_text.hpp"
+#include "tools/options_command.hpp"
+#include "tools/read_command.hpp"
+#include "tools/reader_command.hpp"
+#include "tools/usage_error.hpp"
+
+namespace zvtool {
+namespace {
+
+constexpr tool_option struct_option{"--struct", "JSON",
+                                    "a JSON object whose fields are the options (the call's one argument)"};
+
+constexpr std::array options_options{struct_option};
+constexpr std::array reader_options{struct_option};
+constexpr std::array read_options{
+    struct_option,
+    tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
+    tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
+};
+constexpr std::array<tool_option, 0> help_options{};
+
+constexpr std::string_view options_details = R"(Output: one JSON object, {"options": {...}}, the record's thirty fields
+under their own names: texts as strings of their UTF-16 units, counts and
+widths as exact integers, enumerations by name. When the library refuses an
+option the object also holds "error": {"identifier", "key", "arguments",
+"message"}, the record shows what the call had written before the failure,
+and the message goes to standard error as well.
+)";
+
+constexpr std::string_view reader_details = R"(Output: {"options": {...}, "reader": {...}}, "options" as the options
+subcommand prints it and the plain fields of the reader built from it. Stop
+characters are arrays of UTF-16 code units (an empty string counts as 0):
+  line        {"kind": "line", "stop_chars": [10, 13], "reads_empty_lines": false}
+  delimited   {"kind": "delimited", "quote": 34, "stop_chars": [10, 13]}
+  fixedwidth  {"kind": "fixedwidth", "field_widths": [3, 5, 2],
+               "record_width": 10, "stop_chars": [13, 10, 13]}
+line and delimited hold the first unit of each line ending (and of each
+delimiter) once, ascending; fixedwidth the first unit of each line ending in
+list order, and record_width is the sum of the widths modulo 2^64. When the
+library refuses an option, reader prints what options prints: no "reader".
+)";
+
+constexpr std::string_view read_details = R"(Output (jsonl): {"variables": [...], "units": [...], "descriptions": [...]},
+then one JSON array per record. csv: RFC 4180 with a header row when there
+are names. --count: {"records": N, "fields": M} (it overrides --format).
+A reading error ends the output after the last good record, with an
+{"error": {...}} line in jsonl and count. A refused option prints the
+options subcommand's report in jsonl and count, nothing in csv; the message
+goes to standard error in every case.
+)";
+
+tool_result run_help(const parsed_arguments& args);
+
+constexpr std::array all_subcommands{
+    subcommand{{"options", "Apply options to a default record in one call and print the record as JSON.", "", "",
+                options_options, options_details},
+               &run_options_command},
+    subcommand{{"reader", "Apply options as options does, build the reader of the given kind and print both as JSON.",
+                "KIND", "the reader to build: line, delimited or fixedwidth", reader_options, reader_details},
+               &run_reader_command},
+    subcommand{{"read", "Read FILE with the reader that the options name and print its records.", "FILE",
+                "the file to read, or - for standard input", read_options, read_details},
+               &run_read_command},
+    subcommand{{"help", "Show the help of a subcommand, the value syntax (values) or the option keys (keys).",
+                "TOPIC", "a subcommand, values or keys", help_options, {}, false, false},
+               &run_help},
+};
+
+tool_result run_help(const parsed_arguments& args) {
+  tool_result result;
+  if (!args.operand) {
+    result.out = tool_help();
+  } else if (*args.operand == "values") {
+    result.out = values_help();
+  } else if (*args.operand == "keys") {
+    result.out = option_keys_help();
+  } else if (const subcommand* command = find_subcommand(*args.operand)) {
+    result.out = subcommand_help(command->grammar);
+  } else {
+    throw usage_error("unknown help topic '" + *args.operand + "'; the topics are the subcommands, values and keys");
+  }
+  return result;
+}
+
+}  // namespace
+
+std::span<const subcommand> subcommands() { return all_subcommands; }
+
+const subcommand* find_subcommand(std::string_view name) {
+  for (const auto& s : all_subcommands) {
+    if (s.grammar.name == name) return &s;
+  }
+  return nullptr;
+}
+
+parsed_arguments parse_subcommand_arguments(std::string_view name, std::span<const std::string> args) {
+  const subcommand* command = find_subcommand(name);
+  if (command == nullptr) throw std::logic_error("no subcommand " + std::string(name));
+  return parse_arguments(command->grammar, args);
+}
+
+std::string tool_help() {
+  std::string text =
+      "Usage: zvtextparser SUBCOMMAND [ARGUMENTS]\n\n"
+      "Turns option names and values into the text parser's settings record, the\n"
+      "record into a reader configuration, and reads files with it.\n\nSubcommands:\n";
+  for (const auto& s : all_subcommands) {
+    text += "  " + std::string(s.grammar.name) + std::string(10 - s.grammar.name.size(), ' ') +
+            std::string(s.grammar.summary) + "\n";
+  }
+  text +=
+      "\nzvtextparser SUBCOMMAND --help shows a subcommand's arguments and options;\n"
+      "zvtextparser help values the value syntax; zvtextparser help keys the option keys.\n\n" +
+      exit_status_help();
+  return text;
+}
+
+}  // namespace zvtool
