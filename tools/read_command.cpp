@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <iostream>
 #include <optional>
@@ -13,6 +15,7 @@
 #include "tools/exit_status.hpp"
 #include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
+#include "tools/reading_choices.hpp"
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
 #include "tools/usage_error.hpp"
@@ -54,6 +57,26 @@ textio::import::progress_callback progress_bar(const textio::import::utf8_input&
   };
 }
 
+// --table-end, --variable-names and --all-lines (which wins) over the format.
+void apply_table_options(const parsed_arguments& args, textio::import::text_format& text) {
+  if (const auto end = args.value("--table-end")) {
+    std::uint64_t line = 0;
+    const auto [ptr, ec] = std::from_chars(end->data(), end->data() + end->size(), line);
+    if (ec != std::errc() || ptr != end->data() + end->size() || line == 0) {
+      throw usage_error("--table-end takes a line number from 1, not '" + *end + "'");
+    }
+    text.table_end_line = line;
+  }
+  if (const auto names = args.value("--variable-names")) {
+    const auto json = parse_json(*names);
+    if (!json || !json->is_array() || !std::ranges::all_of(*json, [](const auto& n) { return n.is_string(); })) {
+      throw usage_error("--variable-names takes a JSON array of strings");
+    }
+    text.variable_names = json->get<std::vector<std::string>>();
+  }
+  if (args.has("--all-lines")) text.table_end_line.reset();
+}
+
 }  // namespace
 
 read_format output_format(const parsed_arguments& args) {
@@ -87,14 +110,33 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   if (format == read_format::jsonl) sink = &jsonl.emplace(out);
   if (format == read_format::csv) sink = &csv.emplace(out);
 
+  const textio::import::user_choices choices = user_choices_of(args, values);
   tool_result result;
   try {
     textio::import::utf8_input input(*args.operand);
-    textio::import::read_table(record, input, *sink, progress_bar(input));
+    textio::import::text_format text = given_format(choices);
+    if (!args.has("--no-detect")) {
+      const textio::import::detection_result detected = detect_input(input, record, choices);
+      record = detected.options;
+      text = detected.format;
+      if (args.has("--verbose")) result.err += report_text(detected.report);
+    }
+    apply_table_options(args, text);
+    const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
+      result.err += "warning: the quote at line " + std::to_string(line) + ", column " + std::to_string(column) +
+                    " never closes; quotes are read as text from there on\n";
+    };
+    const textio::import::read_summary summary =
+        textio::import::read_table(record, input, *sink, text, progress_bar(input), warn);
+    if (summary.lines_left_unread > 0) {
+      result.err += "the table ends before line " + std::to_string(*text.table_end_line) + "; " +
+                    std::to_string(summary.lines_left_unread) +
+                    " more lines were left unread (--all-lines reads them)\n";
+    }
   } catch (const foundation::core::except::IMsgIDException& error) {
     const message_failure failure = capture_message(error);
     result.status = 1;
-    result.err = message_line(failure);
+    result.err += message_line(failure);
     if (jsonl) jsonl->flush();
     if (csv) csv->flush();
     if (format != read_format::csv) out << error_line(failure);

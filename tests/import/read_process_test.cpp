@@ -14,7 +14,7 @@ using test_support::run_tool;
 
 TEST(ReadProcess, ReadsAFile) {
   const std::string path = import_test::write_file("a,b\n1,\"x\"\"y\"\n");
-  const auto run = run_tool({"read", path, "NumHeaderLines", "1", "VariableNamesLine", "1"});
+  const auto run = run_tool({"read", path, "--no-detect", "NumHeaderLines", "1", "VariableNamesLine", "1"});
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.out, "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": []}\n[\"1\", \"x\\\"y\"]\n");
   EXPECT_EQ(run.err, "");
@@ -22,7 +22,7 @@ TEST(ReadProcess, ReadsAFile) {
 
 TEST(ReadProcess, ReadingErrorExitsOneWithTheMessage) {
   const std::string path = import_test::write_file("1,2\n3,,4\n");
-  const auto run = run_tool({"read", path, "ConsecutiveDelimitersRule", "error", "--format", "csv"});
+  const auto run = run_tool({"read", path, "--no-detect", "ConsecutiveDelimitersRule", "error", "--format", "csv"});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.out, "1,2\r\n");
   EXPECT_TRUE(run.err.starts_with("zvtextparser: ZORVEK:textio:reader:ConsecutiveDelimiters: ")) << run.err;
@@ -31,7 +31,7 @@ TEST(ReadProcess, ReadingErrorExitsOneWithTheMessage) {
 
 TEST(ReadProcess, StructGivesTheOptions) {
   const std::string path = import_test::write_file("a;b\n");
-  const auto run = run_tool({"read", "--struct", R"({"Delimiter": ";", "VariableNamesLine": 1})", path});
+  const auto run = run_tool({"read", "--no-detect", "--struct", R"({"Delimiter": ";", "VariableNamesLine": 1})", path});
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.out, "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": []}\n");
 }
@@ -46,8 +46,8 @@ TEST(ReadProcess, UsageErrors) {
 
 TEST(ReadProcess, CountAndCsvOptions) {
   const std::string path = import_test::write_file("a b\nc\n");
-  EXPECT_EQ(run_tool({"read", path, "--count", "ParserType", "tabular"}).out, "{\"records\": 2, \"fields\": 4}\n");
-  EXPECT_EQ(run_tool({"read", path, "--format=csv", "Delimiter", " "}).out, "a,b\r\nc,\r\n");
+  EXPECT_EQ(run_tool({"read", path, "--no-detect", "--count", "ParserType", "tabular"}).out, "{\"records\": 2, \"fields\": 4}\n");
+  EXPECT_EQ(run_tool({"read", path, "--no-detect", "--format=csv", "Delimiter", " "}).out, "a,b\r\nc,\r\n");
 }
 
 }  // namespace

@@ -102,7 +102,9 @@ TEST_P(TextFormat, ReadsTheSameInBlocksAndByteByByte) {
     EXPECT_EQ(o.records, c.records);
     EXPECT_EQ(o.error, c.error);
     EXPECT_EQ(o.warning, c.warning);
-    if (!c.counted.empty()) EXPECT_EQ(o.counted, c.counted);
+    if (!c.counted.empty()) {
+      EXPECT_EQ(o.counted, c.counted);
+    }
   }
 }
 
