@@ -162,4 +162,33 @@ TEST(VariableNames, FromTheFormatReplaceTheNamesLine) {
   EXPECT_EQ(o.records, R"(["1", "2"])");
 }
 
+// The sample ends after the line it stops in (with the zero bytes of a wide
+// line ending), and reading afterwards starts at the input's first byte.
+TEST(Sample, WholeLinesThenReadingFromTheStart) {
+  const struct {
+    std::string contents;
+    std::size_t bytes;
+    std::string sample;
+    bool whole;
+  } cases[] = {
+      {"ab\ncdef\ngh", 4, "ab\ncdef\n", false},
+      {"ab\r\ncd", 1, "ab\r\n", false},
+      {std::string("a\0\n\0b\0", 6), 1, std::string("a\0\n\0", 4), false},
+      {"abc", 10, "abc", true},
+  };
+  for (const auto& c : cases) {
+    for (const std::size_t reads : {std::size_t{0}, std::size_t{1}}) {
+      textio::import::utf8_input input(import_test::write_file(c.contents));
+      if (reads > 0) input.limit_reads(reads);
+      EXPECT_EQ(input.sample(c.bytes), c.sample);
+      EXPECT_EQ(input.sample_is_whole_input(), c.whole);
+      std::string all;
+      input.decode_from(c.contents.find('\0') == std::string::npos ? "UTF-8" : "UTF-16LE");
+      while (input.read(all, 3)) {
+      }
+      EXPECT_EQ(all, c.contents.find('\0') == std::string::npos ? c.contents : "a\nb");
+    }
+  }
+}
+
 }  // namespace
