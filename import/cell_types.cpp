@@ -1,0 +1,206 @@
+#include "import/cell_types.hpp"
+
+#include <array>
+#include <cctype>
+#include <string>
+
+namespace textio::import {
+namespace {
+
+bool digit(char c) { return c >= '0' && c <= '9'; }
+
+std::string lower(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return out;
+}
+
+bool is_missing_marker(std::string_view s) {
+  static constexpr std::array<std::string_view, 12> markers = {"na", "n/a", "nan", "null", "none", "-",
+                                                               "?",  ".",   "--",  "#n/a", "nil",  "missing"};
+  const std::string l = lower(s);
+  for (const auto m : markers) {
+    if (l == m) return true;
+  }
+  return false;
+}
+
+// A number: sign, digits with optional grouping, fraction, exponent, an
+// optional trailing percent sign; also inf and nan spellings.
+bool is_number(std::string_view s, const number_format& f) {
+  std::size_t i = 0;
+  const std::size_t n = s.size();
+  if (i < n && (s[i] == '+' || s[i] == '-')) ++i;
+  if (i < n && s[i] == '$') ++i;
+  const std::string rest = lower(s.substr(i));
+  if (rest == "inf" || rest == "infinity") return true;
+  std::size_t int_digits = 0;
+  std::size_t group = 0;
+  bool grouped = false;
+  while (i < n) {
+    if (digit(s[i])) {
+      ++int_digits;
+      ++group;
+    } else if (f.thousands != '\0' && s[i] == f.thousands && int_digits > 0 && i + 1 < n && digit(s[i + 1])) {
+      if ((grouped && group != 3) || (!grouped && group > 3)) return false;
+      grouped = true;
+      group = 0;
+    } else {
+      break;
+    }
+    ++i;
+  }
+  if (grouped && group != 3) return false;
+  std::size_t frac_digits = 0;
+  if (i < n && s[i] == f.decimal) {
+    ++i;
+    while (i < n && digit(s[i])) {
+      ++frac_digits;
+      ++i;
+    }
+  }
+  if (int_digits + frac_digits == 0) return false;
+  if (i < n && (s[i] == 'e' || s[i] == 'E' || s[i] == 'd' || s[i] == 'D')) {
+    std::size_t j = i + 1;
+    if (j < n && (s[j] == '+' || s[j] == '-')) ++j;
+    std::size_t exp_digits = 0;
+    while (j < n && digit(s[j])) {
+      ++exp_digits;
+      ++j;
+    }
+    if (exp_digits == 0) return false;
+    i = j;
+  }
+  if (i < n && s[i] == '%') ++i;
+  return i == n;
+}
+
+bool is_logical(std::string_view s) {
+  const std::string l = lower(s);
+  return l == "true" || l == "false" || l == "t" || l == "f" || l == "yes" || l == "no";
+}
+
+// Dates and times: digits separated by - / . : with a T or blank between a
+// date and a time, an optional zone, and month names (12-Jan-2020, Jan 5 2020).
+bool is_datetime(std::string_view s) {
+  if (s.size() < 4 || s.size() > 40) return false;
+  std::size_t digits = 0;
+  std::size_t seps = 0;
+  std::size_t letters = 0;
+  bool colon = false;
+  bool date_sep = false;
+  for (const char c : s) {
+    if (digit(c)) {
+      ++digits;
+    } else if (c == '-' || c == '/' || c == '.') {
+      ++seps;
+      date_sep = true;
+    } else if (c == ':') {
+      ++seps;
+      colon = true;
+    } else if (std::isalpha(static_cast<unsigned char>(c))) {
+      ++letters;
+    } else if (c == ' ' || c == 'T' || c == '+' || c == 'Z' || c == ',') {
+      continue;
+    } else {
+      return false;
+    }
+  }
+  if (digits < 2) return false;
+  if (letters > 0) {
+    static constexpr std::array<std::string_view, 12> months = {"jan", "feb", "mar", "apr", "may", "jun",
+                                                                "jul", "aug", "sep", "oct", "nov", "dec"};
+    const std::string l = lower(s);
+    bool month = false;
+    for (const auto m : months) month = month || l.find(m) != std::string::npos;
+    const bool clock = l.find("am") != std::string::npos || l.find("pm") != std::string::npos ||
+                       l.find('t') != std::string::npos || l.find("utc") != std::string::npos;
+    if (!month && !(clock && colon)) return false;
+    return letters <= 9 && digits >= 3;
+  }
+  if (colon) return seps >= 1 && digits >= 3;
+  // Date separators: two of the same kind, e.g. 2020-01-05, 5/1/2020, 05.01.2020.
+  if (!date_sep || seps != 2) return false;
+  const char sep = s[s.find_first_of("-/.")];
+  std::size_t same = 0;
+  for (const char c : s) same += c == sep;
+  return same == 2 && digits >= 4;
+}
+
+}  // namespace
+
+cell_type classify(std::string_view field, const number_format& format) {
+  while (!field.empty() && (field.front() == ' ' || field.front() == '\t')) field.remove_prefix(1);
+  while (!field.empty() && (field.back() == ' ' || field.back() == '\t')) field.remove_suffix(1);
+  if (field.empty() || is_missing_marker(field)) return cell_type::empty;
+  if (is_number(field, format)) return cell_type::number;
+  if (is_logical(field)) return cell_type::logical;
+  if (is_datetime(field)) return cell_type::datetime;
+  return cell_type::text;
+}
+
+void vote_number_format(std::string_view s, number_votes& v) {
+  if (!s.empty() && (s.front() == '-' || s.front() == '+')) s.remove_prefix(1);
+  if (s.empty() || !digit(s.front())) return;
+  // Shape: runs of digits separated by single '.', ',' or ' '.
+  std::string seps;
+  std::array<std::size_t, 16> runs{};
+  std::size_t nruns = 0;
+  std::size_t run = 0;
+  for (std::size_t i = 0; i < s.size(); ++i) {
+    const char c = s[i];
+    if (digit(c)) {
+      ++run;
+      continue;
+    }
+    if ((c == '.' || c == ',' || c == ' ') && run > 0 && nruns + 1 < runs.size()) {
+      seps += c;
+      runs[nruns++] = run;
+      run = 0;
+      continue;
+    }
+    return;
+  }
+  if (run == 0) return;
+  runs[nruns++] = run;
+  if (seps.empty()) return;
+  auto groups_of_three = [&](std::size_t from, std::size_t to) {
+    if (runs[from] > 3) return false;
+    for (std::size_t k = from + 1; k < to; ++k) {
+      if (runs[k] != 3) return false;
+    }
+    return true;
+  };
+  const char last = seps.back();
+  const bool mixed = seps.find_first_not_of(seps.front()) != std::string::npos;
+  if (seps.size() == 1) {
+    if (last == '.') ++v.decimal_point;
+    if (last == ',' && runs[1] != 3) ++v.decimal_comma;
+    if (last == ',' && runs[1] == 3 && runs[0] > 3) ++v.decimal_comma;
+    return;
+  }
+  if (!mixed) {
+    // 1.234.567 / 1,234,567 / 1 234 567
+    if (!groups_of_three(0, nruns)) return;
+    if (last == '.') ++v.thousands_dot;
+    if (last == ',') ++v.thousands_comma;
+    if (last == ' ') ++v.thousands_space;
+    return;
+  }
+  // A grouping separator then one decimal separator.
+  const char group = seps.front();
+  if (seps.find(last) != seps.size() - 1) return;
+  if (!groups_of_three(0, nruns - 1)) return;
+  if (group == '.' && last == ',') {
+    ++v.thousands_dot;
+    ++v.decimal_comma;
+  } else if (group == ',' && last == '.') {
+    ++v.thousands_comma;
+    ++v.decimal_point;
+  } else if (group == ' ') {
+    ++v.thousands_space;
+    last == ',' ? ++v.decimal_comma : ++v.decimal_point;
+  }
+}
+
+}  // namespace textio::import

