@@ -32,17 +32,19 @@ void add_key(std::set<std::string>& keys, std::string_view name) {
 }
 
 // A record field and the key that sets it; `escaped`: the key decodes
-// escape sequences, so a backslash in the value is doubled.
+// escape sequences, so a backslash in the value is doubled; `flag`: the
+// detection flag that setting the key clears.
 struct field_key {
   std::string_view field;
   std::string_view key;
   bool escaped = false;
+  std::string_view flag = {};
 };
 
 constexpr field_key field_keys[] = {
     {"file_type", "FileType"},
     {"parser_type", "ParserType"},
-    {"delimiter", "Delimiter", true},
+    {"delimiter", "Delimiter", true, "detecting_delimiter"},
     {"line_ending", "LineEnding", true},
     {"missing_placeholders", "TreatAsMissing", true},
     {"comment_style", "CommentStyle", true},
@@ -51,8 +53,8 @@ constexpr field_key field_keys[] = {
     {"date_locale", "DateLocale"},
     {"exp_chars", "ExpChars"},
     {"field_widths", "VariableWidths"},
-    {"num_header_lines", "NumHeaderLines"},
-    {"num_variables", "NumVariables"},
+    {"num_header_lines", "NumHeaderLines", false, "detecting_num_header_lines"},
+    {"num_variables", "NumVariables", false, "detecting_num_variables"},
     {"variable_names_line", "VariableNamesLine"},
     {"variable_units_line", "VariableUnitsLine"},
     {"variable_descriptions_line", "VariableDescriptionsLine"},
@@ -86,6 +88,8 @@ std::string value_text(const field_key& f, nlohmann::ordered_json value) {
     }
     v = doubled;
   };
+  // An empty list of texts: an empty cell array ([] would be numbers).
+  if (value.is_array() && value.empty() && f.escaped) return R"({"$class": "cell", "$size": [0, 0]})";
   if (value.is_array()) {
     for (auto& v : value) unescape(v);
   } else {
@@ -182,7 +186,8 @@ std::vector<std::string> reproducing_arguments(const textio::parser::options& re
   const auto add_differing = [&](const nlohmann::ordered_json& from) {
     for (const field_key& f : field_keys) {
       const std::string field(f.field);
-      if (wanted[field] == from[field]) continue;
+      const bool flag_differs = !f.flag.empty() && wanted[std::string(f.flag)] != from[std::string(f.flag)];
+      if (wanted[field] == from[field] && !flag_differs) continue;
       pairs.emplace_back(f.key);
       pairs.push_back(value_text(f, wanted[field]));
     }

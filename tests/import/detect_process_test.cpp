@@ -64,6 +64,10 @@ const detect_case detect_cases[] = {
     {"latin1_tab", "nom\tville\nJos\xE9\tS\xE8te\nAn\xE9\tN\xEEmes\n", {}},
     {"given_options_kept", "a|b\n1|2\n", {"Delimiter", "|", "NumHeaderLines", "1"}},
     {"forced_quote_and_escape", "'a\\'b',c\n'd',e\n", {"--quote", "'", "--escape", "backslash"}},
+    {"one_column_with_a_comma", "note\nhello\nfoo, bar\nbaz\nqux\nquux\n", {}},
+    {"fixed_width", "name         size  city\nalpha one    12    Paris\nbeta         7     Rome West\n"
+                    "gamma two    300   Oslo\ndelta        4     Bern\n", {}},
+    {"footnotes_end_the_table", "id,val\n1,2\n3,4\n5,6\n\nNote: values are made up.\nSource: nowhere\n", {}},
 };
 INSTANTIATE_TEST_SUITE_P(Files, DetectRoundTrip, ::testing::ValuesIn(detect_cases));
 
@@ -102,6 +106,22 @@ TEST(UserChoices, KeysInTheTablesSpellingFromPairsAndStruct) {
     const auto values = zvtool::option_arguments(args.value("--struct"), args.option_arguments);
     EXPECT_EQ(zvtool::user_choices_of(args, values).keys, c.keys) << c.args[1];
   }
+}
+
+// A quote that never closes after the sample is read as text, with a warning;
+// given with --quote it stays an error.
+TEST(ReadStrayQuote, DetectedWarnsGivenFails) {
+  std::string contents = "id,name\n";
+  for (int i = 0; i < 120000; ++i) contents += std::to_string(i) + ",\"n\"\n";
+  contents += "7,\"broken\n8,ok\n";
+  const std::string path = import_test::write_file(contents);
+  const auto detected = run_tool({"read", path, "--count"});
+  EXPECT_EQ(detected.status, 0);
+  EXPECT_EQ(detected.out, "{\"records\": 120002, \"fields\": 240004}\n");
+  EXPECT_NE(detected.err.find("the quote at line 120002, column 3 never closes"), std::string::npos) << detected.err;
+  const auto given = run_tool({"read", path, "--count", "--quote", "\""});
+  EXPECT_EQ(given.status, 1);
+  EXPECT_NE(given.err.find("UnterminatedQuote"), std::string::npos) << given.err;
 }
 
 }  // namespace
