@@ -71,6 +71,14 @@ const detect_case detect_cases[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Files, DetectRoundTrip, ::testing::ValuesIn(detect_cases));
 
+TEST(ReadDetects, SemicolonFileWithATitleNeedsNoOptions) {
+  const std::string path = import_test::write_file("Prices in 2024\n\nname;price\napple;1,5\npear;2,25\nplum;3\n");
+  const auto run = run_tool({"read", path});
+  EXPECT_EQ(run.out, "{\"variables\": [\"name\", \"price\"], \"units\": [], \"descriptions\": []}\n"
+                     "[\"apple\", \"1,5\"]\n[\"pear\", \"2,25\"]\n[\"plum\", \"3\"]\n");
+  EXPECT_EQ(run.err, "");
+}
+
 TEST(Detect, FailuresReportAsOptionsDoes) {
   const auto missing = run_tool({"detect", "/nonexistent"});
   EXPECT_EQ(missing.status, 5);
