@@ -5,7 +5,9 @@ include(CMakePackageConfigHelpers)
 set(ZVTP_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/zvtextparser)
 set(ZVTP_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/zvtextparser)
 
-target_include_directories(zvtextparser INTERFACE $<INSTALL_INTERFACE:${ZVTP_INSTALL_INCLUDEDIR}>)
+# <zvtextparser/...> from the include root; the platform headers keep their
+# own names under zvtextparser/platform (see the platform targets).
+target_include_directories(zvtextparser INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
 install(TARGETS zvtextparser ${ZVTP_PLATFORM_TARGETS}
   EXPORT zvtextparserTargets
@@ -13,9 +15,20 @@ install(TARGETS zvtextparser ${ZVTP_PLATFORM_TARGETS}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(DIRECTORY parser/ DESTINATION ${ZVTP_INSTALL_INCLUDEDIR}/parser FILES_MATCHING PATTERN "*.hpp")
-install(DIRECTORY errors/ DESTINATION ${ZVTP_INSTALL_INCLUDEDIR}/errors FILES_MATCHING PATTERN "*.hpp")
-install(FILES name_value/set_parser_options.hpp DESTINATION ${ZVTP_INSTALL_INCLUDEDIR}/name_value)
+# Only the public headers: what a caller of the exported surface includes.
+set(ZVTP_PUBLIC_HEADERS
+  errors/export.hpp
+  errors/msg_id_exception.hpp
+  errors/tags.hpp
+  name_value/set_parser_options.hpp
+  parser/enums.hpp
+  parser/options.hpp
+  parser/record_readers.hpp
+  parser/stop_characters.hpp)
+foreach(header IN LISTS ZVTP_PUBLIC_HEADERS)
+  get_filename_component(folder ${header} DIRECTORY)
+  install(FILES ${header} DESTINATION ${ZVTP_INSTALL_INCLUDEDIR}/${folder})
+endforeach()
 foreach(platform_target IN LISTS ZVTP_PLATFORM_TARGETS)
   install(DIRECTORY platform/${platform_target}/include/
     DESTINATION ${ZVTP_INSTALL_INCLUDEDIR}/platform FILES_MATCHING PATTERN "*.hpp")

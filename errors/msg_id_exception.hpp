@@ -5,7 +5,7 @@
 #include <exception>
 #include <string>
 
-#include "errors/export.hpp"
+#include <zvtextparser/errors/export.hpp>
 #include "zvarray/matrix.hpp"
 #include "zvcore/exceptions.hpp"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "errors/export.hpp"
+#include <zvtextparser/errors/export.hpp>
 #include "zvcore/base_msg_id.hpp"
 #include "zvcore/ustring.hpp"
 

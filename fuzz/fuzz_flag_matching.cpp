@@ -12,7 +12,7 @@
 #include "errors/tags.hpp"
 #include "fuzz/fuzz_input.hpp"
 #include "fuzz/host_value_generator.hpp"
-#include "name_value/rule_flags.hpp"
+#include "name_value/option_vocabulary.hpp"
 #include "name_value/set_parser_options.hpp"
 #include "support/record_equality.hpp"
 #include "support/record_fields.hpp"

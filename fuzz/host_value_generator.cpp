@@ -1,45 +1,20 @@
 #include "fuzz/host_value_generator.hpp"
 
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <vector>
+
+#include "name_value/option_vocabulary.hpp"
 
 namespace fuzz {
 
 const char* const option_keys[32] = {
-    "Delimiter",
-    "Whitespace",
-    "DateLocale",
-    "LineEnding",
-    "NumHeaderLines",
-    "ExpChars",
-    "ExponentCharacter",
-    "FileType",
-    "NumVariables",
-    "ConsecutiveDelimitersRule",
-    "LeadingDelimitersRule",
-    "TrailingDelimitersRule",
-    "EmptyLineRule",
-    "MissingRule",
-    "ImportErrorRule",
-    "TreatAsMissing",
-    "MultipleDelimsAsOne",
-    "CommentStyle",
-    "DataLine",
-    "VariableNamesLine",
-    "VariableUnitsLine",
-    "VariableDescriptionsLine",
-    "ExtraColumnsRule",
-    "PartialFieldRule",
-    "VariableWidths",
-    "ParserType",
-    "OutputBuilderType",
-    "EmptyValue",
-    "ReturnOnError",
-    "TrimNonNumeric",
-    "DecimalSeparator",
-    "ThousandsSeparator",
+#define ZVTP_KEY(key, ...) #key,
+    ZVTP_OPTION_VOCABULARY(ZVTP_KEY, ZVTP_KEY)
+#undef ZVTP_KEY
 };
+static_assert(std::size(textio::options::option_descriptions) == std::size(option_keys));
 
 namespace {
 

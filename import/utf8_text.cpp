@@ -3,32 +3,14 @@
 #include <cstdint>
 #include <cstring>
 
+#include "zvcore/utf8.hpp"
+
 namespace textio::import {
 namespace {
 
+namespace unicode = foundation::core::unicode;
+
 constexpr std::uint64_t high_bits = 0x8080808080808080ULL;
-
-bool is_continuation(unsigned char b) { return (b & 0xC0u) == 0x80u; }
-
-// Length of the sequence that lead byte `b` starts, 0 when it starts none.
-std::size_t sequence_length(unsigned char b) {
-  if (b < 0x80u) return 1;
-  if (b >= 0xC2u && b <= 0xDFu) return 2;
-  if (b >= 0xE0u && b <= 0xEFu) return 3;
-  if (b >= 0xF0u && b <= 0xF4u) return 4;
-  return 0;
-}
-
-// Whether the second byte is allowed after this lead byte (rules out
-// overlong forms, surrogates and values above U+10FFFF).
-bool second_byte_ok(unsigned char lead, unsigned char second) {
-  if (!is_continuation(second)) return false;
-  if (lead == 0xE0u) return second >= 0xA0u;
-  if (lead == 0xEDu) return second <= 0x9Fu;
-  if (lead == 0xF0u) return second >= 0x90u;
-  if (lead == 0xF4u) return second <= 0x8Fu;
-  return true;
-}
 
 }  // namespace
 
@@ -45,19 +27,13 @@ utf8_check check_utf8(std::string_view bytes) noexcept {
       i += 8;
     }
     if (i >= n) break;
-    const unsigned char lead = p[i];
-    if (lead < 0x80u) {
+    if (p[i] < 0x80u) {
       ++i;
       continue;
     }
-    const std::size_t length = sequence_length(lead);
-    if (length == 0) return {i, true};
-    for (std::size_t k = 1; k < length; ++k) {
-      if (i + k >= n) return {i, false};
-      const bool ok = k == 1 ? second_byte_ok(lead, p[i + 1]) : is_continuation(p[i + k]);
-      if (!ok) return {i, true};
-    }
-    i += length;
+    const unicode::utf8_sequence sequence = unicode::utf8_sequence_at(bytes.substr(i));
+    if (sequence.length == 0) return {i, !sequence.truncated};
+    i += sequence.length;
   }
   return {n, false};
 }
@@ -70,23 +46,13 @@ void append_utf16(std::u16string& out, std::string_view valid_utf8) {
   char16_t* dst = out.data() + start;
   std::size_t i = 0;
   while (i < n) {
-    const unsigned char b = p[i];
-    if (b < 0x80u) {
-      *dst++ = b;
-      ++i;
-    } else if (b < 0xE0u) {
-      *dst++ = static_cast<char16_t>(((b & 0x1Fu) << 6) | (p[i + 1] & 0x3Fu));
-      i += 2;
-    } else if (b < 0xF0u) {
-      *dst++ = static_cast<char16_t>(((b & 0x0Fu) << 12) | ((p[i + 1] & 0x3Fu) << 6) | (p[i + 2] & 0x3Fu));
-      i += 3;
-    } else {
-      const std::uint32_t cp =
-          ((b & 0x07u) << 18) | ((p[i + 1] & 0x3Fu) << 12) | ((p[i + 2] & 0x3Fu) << 6) | (p[i + 3] & 0x3Fu);
-      *dst++ = static_cast<char16_t>(0xD800u + ((cp - 0x10000u) >> 10));
-      *dst++ = static_cast<char16_t>(0xDC00u + ((cp - 0x10000u) & 0x3FFu));
-      i += 4;
+    if (p[i] < 0x80u) {
+      *dst++ = p[i++];
+      continue;
     }
+    const std::size_t length = unicode::utf8_length_from_lead(p[i]);
+    dst = unicode::write_utf16(dst, unicode::decode_utf8(p + i, length));
+    i += length;
   }
   out.resize(static_cast<std::size_t>(dst - out.data()));
 }
@@ -95,7 +61,7 @@ std::size_t utf16_length(std::string_view valid_utf8) noexcept {
   std::size_t units = 0;
   for (const char c : valid_utf8) {
     const auto b = static_cast<unsigned char>(c);
-    if (!is_continuation(b)) ++units;
+    if (!unicode::is_utf8_continuation(b)) ++units;
     if (b >= 0xF0u) ++units;
   }
   return units;

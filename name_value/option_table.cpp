@@ -66,40 +66,16 @@ option_map::const_iterator find_option(const option_map& table, std::string_view
   return table.find(folded_name{name, global_upper_case_table()});
 }
 
-// Rows in their order of insertion.
+// One row per key of the vocabulary.
 const option_map option_table{
-    {"Delimiter", &setters::delimiter},
-    {"Whitespace", &setters::whitespace},
-    {"DateLocale", &setters::date_locale},
-    {"LineEnding", &setters::line_ending},
-    {"NumHeaderLines", &setters::num_header_lines},
-    {"ExpChars", &setters::exp_chars},
-    {"ExponentCharacter", &setters::exp_chars},
-    {"FileType", &setters::file_type},
-    {"NumVariables", &setters::num_variables},
-    {"ConsecutiveDelimitersRule", &setters::consecutive_delimiters_rule},
-    {"LeadingDelimitersRule", &setters::leading_delimiters_rule},
-    {"TrailingDelimitersRule", &setters::trailing_delimiters_rule},
-    {"EmptyLineRule", &setters::empty_line_rule},
-    {"MissingRule", &setters::missing_rule},
-    {"ImportErrorRule", &setters::import_error_rule},
-    {"TreatAsMissing", &setters::treat_as_missing},
-    {"MultipleDelimsAsOne", &setters::multiple_delims_as_one},
-    {"CommentStyle", &setters::comment_style},
-    {"DataLine", &setters::data_line},
-    {"VariableNamesLine", &setters::variable_names_line},
-    {"VariableUnitsLine", &setters::variable_units_line},
-    {"VariableDescriptionsLine", &setters::variable_descriptions_line},
-    {"ExtraColumnsRule", &setters::extra_columns_rule},
-    {"PartialFieldRule", &setters::partial_field_rule},
-    {"VariableWidths", &setters::variable_widths},
-    {"ParserType", &setters::parser_type},
-    {"OutputBuilderType", &setters::output_builder_type},
-    {"EmptyValue", &setters::ignored_option},
-    {"ReturnOnError", &setters::ignored_option},
-    {"TrimNonNumeric", &setters::trim_non_numeric},
-    {"DecimalSeparator", &setters::decimal_separator},
-    {"ThousandsSeparator", &setters::thousands_separator},
+#define ZVTP_OPTION_ROW(key, setter, description) {#key, &setters::setter},
+#define ZVTP_RULE_ROW(key, setter, match, member, enumeration, description, ...)                                    \
+  {#key, &setters::rule<enums::enumeration,                                                                        \
+                        static_cast<void (parser::options::*)(enums::enumeration)>(&parser::options::member),      \
+                        flag_match::match, rule_flags::setter>},
+    ZVTP_OPTION_VOCABULARY(ZVTP_OPTION_ROW, ZVTP_RULE_ROW)
+#undef ZVTP_OPTION_ROW
+#undef ZVTP_RULE_ROW
 };
 
 }  // namespace textio::options

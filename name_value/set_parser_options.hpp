@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "errors/export.hpp"
-#include "parser/options.hpp"
+#include <zvtextparser/errors/export.hpp>
+#include <zvtextparser/parser/options.hpp>
 #include "zvarray/hv_array.hpp"
 
 namespace textio::options {

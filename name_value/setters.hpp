@@ -1,48 +1,43 @@
-// The option setters, one per key of the option table (ExpChars and
-// ExponentCharacter share one, as do EmptyValue and ReturnOnError). They are
-// reached only through the table.
+// The option setters, one per key of the option vocabulary (ExpChars and
+// ExponentCharacter share one, as do EmptyValue and ReturnOnError). A setter
+// tests the value, converts it into a temporary and writes the record last.
+// They are reached only through the option table.
 #pragma once
 
+#include <tuple>
+
+#include "name_value/flag_matching.hpp"
+#include "name_value/option_vocabulary.hpp"
 #include "parser/options.hpp"
 #include "zvarray/hv_array.hpp"
 
 namespace textio::options::setters {
 
-// Counts, line numbers, logicals, widths and the ignored keys.
-void num_header_lines(const hvArray_tag* value, textio::parser::options& opts);
-void num_variables(const hvArray_tag* value, textio::parser::options& opts);
-void data_line(const hvArray_tag* value, textio::parser::options& opts);
-void variable_names_line(const hvArray_tag* value, textio::parser::options& opts);
-void variable_units_line(const hvArray_tag* value, textio::parser::options& opts);
-void variable_descriptions_line(const hvArray_tag* value, textio::parser::options& opts);
-void multiple_delims_as_one(const hvArray_tag* value, textio::parser::options& opts);
-void trim_non_numeric(const hvArray_tag* value, textio::parser::options& opts);
-void variable_widths(const hvArray_tag* value, textio::parser::options& opts);
-void ignored_option(const hvArray_tag* value, textio::parser::options& opts);
+// Counts, line numbers, logicals, widths, single texts, escape-decoded texts
+// and the ignored keys, each defined in the file of its kind.
+#define ZVTP_DECLARE_SETTER(key, setter, description) \
+  void setter(const hvArray_tag* value, textio::parser::options& opts);
+#define ZVTP_NOT_DECLARED(key, setter, match, member, enumeration, description, ...)
+ZVTP_OPTION_VOCABULARY(ZVTP_DECLARE_SETTER, ZVTP_NOT_DECLARED)
+#undef ZVTP_DECLARE_SETTER
+#undef ZVTP_NOT_DECLARED
 
-// Rule options: one text flag out of a fixed list, stored as its position.
-void consecutive_delimiters_rule(const hvArray_tag* value, textio::parser::options& opts);
-void file_type(const hvArray_tag* value, textio::parser::options& opts);
-void leading_delimiters_rule(const hvArray_tag* value, textio::parser::options& opts);
-void trailing_delimiters_rule(const hvArray_tag* value, textio::parser::options& opts);
-void empty_line_rule(const hvArray_tag* value, textio::parser::options& opts);
-void output_builder_type(const hvArray_tag* value, textio::parser::options& opts);
-void extra_columns_rule(const hvArray_tag* value, textio::parser::options& opts);
-void import_error_rule(const hvArray_tag* value, textio::parser::options& opts);
-void missing_rule(const hvArray_tag* value, textio::parser::options& opts);
-void parser_type(const hvArray_tag* value, textio::parser::options& opts);
-void partial_field_rule(const hvArray_tag* value, textio::parser::options& opts);
-// Single texts stored as given (ExpChars also serves ExponentCharacter).
-void date_locale(const hvArray_tag* value, textio::parser::options& opts);
-void decimal_separator(const hvArray_tag* value, textio::parser::options& opts);
-void exp_chars(const hvArray_tag* value, textio::parser::options& opts);
-void thousands_separator(const hvArray_tag* value, textio::parser::options& opts);
-
-// Escape-decoded texts: one text for Whitespace, a text or a list for the rest.
-void whitespace(const hvArray_tag* value, textio::parser::options& opts);
-void delimiter(const hvArray_tag* value, textio::parser::options& opts);
-void line_ending(const hvArray_tag* value, textio::parser::options& opts);
-void treat_as_missing(const hvArray_tag* value, textio::parser::options& opts);
-void comment_style(const hvArray_tag* value, textio::parser::options& opts);
+// The setter of every rule option: matches the value against the option's
+// flags, exactly or by abbreviation, and stores the position as the
+// enumerator. A failed match throws BadTextFlag before the record is touched.
+template <class Enumeration, void (textio::parser::options::*write)(Enumeration), flag_match match,
+          const auto& flags>
+void rule(const hvArray_tag* value, textio::parser::options& opts) {
+  const std::uint8_t position = std::apply(
+      [value](auto... flag) {
+        if constexpr (match == flag_match::exact) {
+          return parse_exact_flag(value, flag...);
+        } else {
+          return parse_abbreviated_flag(value, flag...);
+        }
+      },
+      flags);
+  (opts.*write)(static_cast<Enumeration>(position));
+}
 
 }  // namespace textio::options::setters

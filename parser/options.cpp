@@ -1,6 +1,5 @@
 #include "parser/options.hpp"
 
-#include <new>
 #include <utility>
 
 #include "parser/constants.hpp"
@@ -16,18 +15,23 @@ options::options()
     : line_ending_(default_line_endings()), whitespace_(default_whitespace), exp_chars_(default_exp_chars) {}
 
 options::options(const options& other) = default;
+options& options::operator=(const options& other) = default;
 
+// A move takes the lists and strings and leaves the source's empty, which the
+// record promises and the standard does not (a moved-from string, and a
+// vector moved-assigned from, are only "valid but unspecified"). Member by
+// member in declaration order; the other fields are copied.
 options::options(options&& other) noexcept
-    : delimiter_(std::move(other.delimiter_)),
-      line_ending_(std::move(other.line_ending_)),
-      missing_placeholders_(std::move(other.missing_placeholders_)),
-      comment_style_(std::move(other.comment_style_)),
-      whitespace_(std::move(other.whitespace_)),
-      thousands_separator_(std::move(other.thousands_separator_)),
-      date_locale_(std::move(other.date_locale_)),
-      exp_chars_(std::move(other.exp_chars_)),
+    : delimiter_(std::exchange(other.delimiter_, {})),
+      line_ending_(std::exchange(other.line_ending_, {})),
+      missing_placeholders_(std::exchange(other.missing_placeholders_, {})),
+      comment_style_(std::exchange(other.comment_style_, {})),
+      whitespace_(std::exchange(other.whitespace_, {})),
+      thousands_separator_(std::exchange(other.thousands_separator_, {})),
+      date_locale_(std::exchange(other.date_locale_, {})),
+      exp_chars_(std::exchange(other.exp_chars_, {})),
       file_type_(other.file_type_),
-      field_widths_(std::move(other.field_widths_)),
+      field_widths_(std::exchange(other.field_widths_, {})),
       num_header_lines_(other.num_header_lines_),
       num_variables_(other.num_variables_),
       variable_names_line_(other.variable_names_line_),
@@ -47,27 +51,20 @@ options::options(options&& other) noexcept
       detecting_delimiter_(other.detecting_delimiter_),
       detecting_num_header_lines_(other.detecting_num_header_lines_),
       detecting_num_variables_(other.detecting_num_variables_),
-      trim_non_numeric_(other.trim_non_numeric_) {
-  // The standard leaves a moved-from string "valid but unspecified"; the
-  // record promises empty ones.
-  other.whitespace_.clear();
-  other.thousands_separator_.clear();
-  other.date_locale_.clear();
-  other.exp_chars_.clear();
-}
+      trim_non_numeric_(other.trim_non_numeric_) {}
 
-options& options::operator=(const options& other) {
-  if (this == &other) return *this;
-  delimiter_ = other.delimiter_;
-  line_ending_ = other.line_ending_;
-  missing_placeholders_ = other.missing_placeholders_;
-  comment_style_ = other.comment_style_;
-  whitespace_ = other.whitespace_;
-  thousands_separator_ = other.thousands_separator_;
-  date_locale_ = other.date_locale_;
-  exp_chars_ = other.exp_chars_;
+options& options::operator=(options&& other) noexcept {
+  if (this == &other) return *this;  // a self-move would otherwise empty the lists
+  delimiter_ = std::exchange(other.delimiter_, {});
+  line_ending_ = std::exchange(other.line_ending_, {});
+  missing_placeholders_ = std::exchange(other.missing_placeholders_, {});
+  comment_style_ = std::exchange(other.comment_style_, {});
+  whitespace_ = std::exchange(other.whitespace_, {});
+  thousands_separator_ = std::exchange(other.thousands_separator_, {});
+  date_locale_ = std::exchange(other.date_locale_, {});
+  exp_chars_ = std::exchange(other.exp_chars_, {});
   file_type_ = other.file_type_;
-  field_widths_ = other.field_widths_;
+  field_widths_ = std::exchange(other.field_widths_, {});
   num_header_lines_ = other.num_header_lines_;
   num_variables_ = other.num_variables_;
   variable_names_line_ = other.variable_names_line_;
@@ -88,13 +85,6 @@ options& options::operator=(const options& other) {
   detecting_num_header_lines_ = other.detecting_num_header_lines_;
   detecting_num_variables_ = other.detecting_num_variables_;
   trim_non_numeric_ = other.trim_non_numeric_;
-  return *this;
-}
-
-options& options::operator=(options&& other) noexcept {
-  if (this == &other) return *this;  // a self-move would otherwise empty the lists
-  this->~options();
-  new (this) options(std::move(other));
   return *this;
 }
 

@@ -38,8 +38,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "errors/export.hpp"
-#include "parser/enums.hpp"
+#include <zvtextparser/errors/export.hpp>
+#include <zvtextparser/parser/enums.hpp>
 #include "zvcore/ustring.hpp"
 
 namespace textio::parser {

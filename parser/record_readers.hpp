@@ -12,9 +12,9 @@
 #include <memory>
 #include <vector>
 
-#include "errors/export.hpp"
-#include "parser/options.hpp"
-#include "parser/stop_characters.hpp"
+#include <zvtextparser/errors/export.hpp>
+#include <zvtextparser/parser/options.hpp>
+#include <zvtextparser/parser/stop_characters.hpp>
 #include "zvcore/ustring.hpp"
 #include "zvdelim/get_or_create_delim.hpp"
 

@@ -16,7 +16,7 @@
 
 #include "errors/tags.hpp"
 #include "name_value/ascii_tables.hpp"
-#include "name_value/rule_flags.hpp"
+#include "name_value/option_vocabulary.hpp"
 #include "support/expect_message.hpp"
 #include "support/host_controls.hpp"
 #include "support/record_fields.hpp"

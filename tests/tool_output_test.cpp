@@ -4,11 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "parser/options.hpp"
+#include "tools/apply_options.hpp"
 #include "tools/message_failure.hpp"
 #include "tools/record_json.hpp"
 
@@ -104,6 +107,33 @@ TEST(ToolMessageLine, JoinsLinesAndTrims) {
   for (const auto& c : cases) {
     zvtool::message_failure failure{"A:B:C:Key", {}, c.message};
     EXPECT_EQ(zvtool::message_line(failure), c.line);
+  }
+}
+
+// The human line names the failed pair and adds a hint; the error object
+// keeps the library's identifier and arguments.
+TEST(ToolMessageLine, NamesThePairAndHints) {
+  const struct {
+    std::vector<std::string> args;
+    std::string line;
+  } cases[] = {
+      {{"NumHeaderLines", "2", "DataLine", "0"},
+       "ExpectedPositiveScalarInt: DataLine: The value must be a positive integer scalar.\n"},
+      {{"delimeter", ","}, "UnknownParameter: 'delimeter' is not a recognized option name. Did you mean 'Delimiter'?\n"},
+      {{"NumHeader", "1"}, "UnknownParameter: 'NumHeader' is not a recognized option name. Did you mean 'NumHeaderLines'?\n"},
+      {{"Xyz", "1"}, "UnknownParameter: 'Xyz' is not a recognized option name.\n"},
+      {{"Delimiter", "1"}, "DelimiterType: Delimiter: The value of 'Delimiter' must be a character vector or a cell array "
+                          "of character vectors. The value 1 was read as a number; write '\"1\"' to give it as text.\n"},
+      {{"DecimalSeparator", ",,"}, "InvalidStringProperty: DecimalSeparator: The value of 'DecimalSeparator' must be a "
+                                  "character vector. DecimalSeparator takes exactly one character.\n"},
+      {{"TrimNonNumeric", "yes"}, "ExpectedScalarLogical: TrimNonNumeric: The value must be a logical scalar (true or false).\n"},
+      {{"DataLine"}, "OddNumberNVPairs: Name-value arguments must come in pairs: every option name needs a value.\n"},
+  };
+  for (const auto& c : cases) {
+    textio::parser::options record;
+    const auto failure = zvtool::apply_option_arguments(std::nullopt, c.args, record);
+    ASSERT_TRUE(failure.has_value()) << c.line;
+    EXPECT_EQ(zvtool::message_line(*failure), "zvtextparser: ZORVEK:textio:textio:" + c.line);
   }
 }
 

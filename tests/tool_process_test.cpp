@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "support/run_tool.hpp"
-#include "tools/option_keys.hpp"
+#include "name_value/option_vocabulary.hpp"
 #include "tools/subcommands.hpp"
 
 namespace {
@@ -150,8 +150,8 @@ TEST(ToolHelp, EachSubcommandsHelpShowsItsUsageAndEveryOption) {
   }
   EXPECT_NE(run_tool({"help", "values"}).out.find("$class"), std::string::npos);
   const auto keys = run_tool({"help", "keys"}).out;
-  for (const auto& k : zvtool::option_keys()) {
-    EXPECT_NE(keys.find("  " + std::string(k.key) + " "), std::string::npos) << k.key;
+  for (const auto& option : textio::options::option_descriptions) {
+    EXPECT_NE(keys.find("  " + std::string(option.key) + " "), std::string::npos) << option.key;
   }
 }
 

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "name_value/set_parser_options.hpp"
+#include "tools/failure_hints.hpp"
+#include "tools/host_values.hpp"
 #include "tools/usage_error.hpp"
 
 namespace zvtool {
@@ -22,6 +24,15 @@ std::optional<message_failure> apply_options(std::span<const hv::Value> args, te
     return capture_message(error);
   }
   return std::nullopt;
+}
+
+std::optional<message_failure> apply_option_arguments(const std::optional<std::string>& struct_json,
+                                                      std::span<const std::string> option_arguments,
+                                                      textio::parser::options& record) {
+  const std::vector<hv::Value> values = zvtool::option_arguments(struct_json, option_arguments);
+  auto failure = apply_options(values, record);
+  if (failure) explain_failure(*failure, option_arguments, values);
+  return failure;
 }
 
 }  // namespace zvtool

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/option_keys.hpp"
+#include "name_value/option_vocabulary.hpp"
 
 namespace zvtool {
 namespace {
@@ -54,16 +54,24 @@ Examples:
 
 }  // namespace
 
+std::string option_value_help(const textio::options::option_description& option) {
+  if (option.flags.empty()) return std::string(option.description);
+  std::string text = "text, ";
+  for (std::size_t i = 0; i < option.flags.size(); ++i) {
+    if (i > 0) text += i + 1 == option.flags.size() ? " or " : ", ";
+    text += "'" + std::string(option.flags[i]) + "'";
+  }
+  if (option.match == textio::options::flag_match::abbreviated) text += " (abbreviations accepted)";
+  return text + ": " + std::string(option.description);
+}
+
 std::string option_keys_help() {
   std::size_t width = 0;
-  for (const auto& k : option_keys()) width = std::max(width, k.key.size());
+  for (const auto& option : textio::options::option_descriptions) width = std::max(width, option.key.size());
   std::string text = "Option keys (case does not matter):\n";
-  for (const auto& k : option_keys()) {
-    text += "  ";
-    text += k.key;
-    text.append(width + 2 - k.key.size(), ' ');
-    text += k.value_help;
-    text += '\n';
+  for (const auto& option : textio::options::option_descriptions) {
+    text += "  " + std::string(option.key) + std::string(width + 2 - option.key.size(), ' ') +
+            option_value_help(option) + "\n";
   }
   return text;
 }

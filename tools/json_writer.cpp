@@ -3,8 +3,16 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "zvcore/utf8.hpp"
+
 namespace zvtool {
 namespace {
+
+using foundation::core::unicode::append_utf8;
+using foundation::core::unicode::combine_surrogates;
+using foundation::core::unicode::is_high_surrogate;
+using foundation::core::unicode::is_low_surrogate;
+using foundation::core::unicode::utf8_sequence_at;
 
 constexpr char hex_digits[] = "0123456789abcdef";
 
@@ -47,58 +55,6 @@ bool append_ascii_escape(std::string& out, unsigned unit) {
   }
 }
 
-void append_utf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
-bool is_high_surrogate(char16_t u) { return u >= 0xD800 && u <= 0xDBFF; }
-bool is_low_surrogate(char16_t u) { return u >= 0xDC00 && u <= 0xDFFF; }
-
-// Length of the well-formed UTF-8 sequence that starts at bytes[i], or 0 when
-// none does (a stray continuation byte, an overlong form, a surrogate, a code
-// point above U+10FFFF, a truncated sequence).
-std::size_t utf8_sequence_length(std::string_view bytes, std::size_t i) {
-  const auto at = [&](std::size_t k) { return static_cast<unsigned char>(bytes[k]); };
-  const unsigned char lead = at(i);
-  if (lead < 0x80) return 1;
-  std::size_t length = 0;
-  unsigned char low = 0x80;  // range of the second byte
-  unsigned char high = 0xBF;
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    length = 2;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    length = 3;
-    if (lead == 0xE0) low = 0xA0;
-    if (lead == 0xED) high = 0x9F;
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    length = 4;
-    if (lead == 0xF0) low = 0x90;
-    if (lead == 0xF4) high = 0x8F;
-  } else {
-    return 0;
-  }
-  if (bytes.size() - i < length) return 0;
-  if (at(i + 1) < low || at(i + 1) > high) return 0;
-  for (std::size_t k = 2; k < length; ++k) {
-    if (at(i + k) < 0x80 || at(i + k) > 0xBF) return 0;
-  }
-  return length;
-}
-
 }  // namespace
 
 std::string json_quote_units(std::u16string_view units) {
@@ -108,8 +64,7 @@ std::string json_quote_units(std::u16string_view units) {
     if (u < 0x80) {
       if (!append_ascii_escape(out, u)) out += static_cast<char>(u);
     } else if (is_high_surrogate(u) && i + 1 < units.size() && is_low_surrogate(units[i + 1])) {
-      const char32_t c = 0x10000 + ((static_cast<char32_t>(u) - 0xD800) << 10) + (units[i + 1] - 0xDC00);
-      append_utf8(out, c);
+      append_utf8(out, combine_surrogates(u, units[i + 1]));
       ++i;
     } else if (is_high_surrogate(u) || is_low_surrogate(u)) {
       append_unit_escape(out, u);
@@ -124,7 +79,7 @@ std::string json_quote_units(std::u16string_view units) {
 std::string json_quote_bytes(std::string_view bytes) {
   std::string out = "\"";
   for (std::size_t i = 0; i < bytes.size();) {
-    const std::size_t length = utf8_sequence_length(bytes, i);
+    const std::size_t length = utf8_sequence_at(bytes.substr(i)).length;
     if (length == 0) {
       append_unit_escape(out, static_cast<unsigned char>(bytes[i]));
       ++i;

@@ -42,6 +42,8 @@ std::string message_line(const message_failure& failure) {
   const auto first = text.find_first_not_of(" \t");
   const auto last = text.find_last_not_of(" \t");
   text = first == std::string::npos ? std::string() : text.substr(first, last - first + 1);
+  if (!failure.option.empty()) text = failure.option + ": " + text;
+  if (!failure.hint.empty()) text += " " + failure.hint;
   return "zvtextparser: " + failure.identifier + ": " + text + "\n";
 }
 

@@ -16,6 +16,8 @@ struct message_failure {
   std::string identifier;       ///< e.g. "ZORVEK:textio:textio:BadTextFlag"
   resource_core::BaseMsgID id;  ///< catalog, key and arguments
   ustring message;              ///< the catalog text with the arguments filled in
+  std::string option = {};      ///< the NAME of the pair that failed, when the tool knows it
+  std::string hint = {};        ///< what the tool can add for a person, or empty
 };
 
 message_failure capture_message(const foundation::core::except::IMsgIDException& error);
@@ -25,8 +27,8 @@ message_failure capture_message(const foundation::core::except::IMsgIDException&
 // argument unit for unit.
 void write_message_failure(json_writer& out, const message_failure& failure);
 
-// "zvtextparser: <identifier>: <message>", the message's line breaks turned
-// into spaces and the whole trimmed; ends in a line break.
+// "zvtextparser: <identifier>: [<option>: ]<message>[ <hint>]", the message's
+// line breaks turned into spaces and the whole trimmed; ends in a line break.
 std::string message_line(const message_failure& failure);
 
 }  // namespace zvtool

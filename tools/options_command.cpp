@@ -3,16 +3,14 @@
 #include <vector>
 
 #include "tools/apply_options.hpp"
-#include "tools/host_values.hpp"
 #include "tools/record_json.hpp"
 
 namespace zvtool {
 
 tool_result report_options_call(const std::optional<std::string>& struct_json, std::span<const std::string> positionals,
                                 record_members more) {
-  const std::vector<hv::Value> values = option_arguments(struct_json, positionals);
   textio::parser::options record;
-  const auto failure = apply_options(values, record);
+  const auto failure = apply_option_arguments(struct_json, positionals, record);
   json_writer out;
   out.begin_object();
   out.key("options");

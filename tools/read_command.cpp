@@ -89,9 +89,8 @@ read_format output_format(const parsed_arguments& args) {
 
 tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   const read_format format = output_format(args);
-  const std::vector<hv::Value> values = option_arguments(args.value("--struct"), args.option_arguments);
   textio::parser::options record;
-  if (const auto failure = apply_options(values, record)) {
+  if (const auto failure = apply_option_arguments(args.value("--struct"), args.option_arguments, record)) {
     if (format == read_format::csv) return tool_result{exit_option_refused, "", message_line(*failure)};
     json_writer report;
     report.begin_object();

@@ -8,6 +8,18 @@ rm -rf "$scratch"
 prefix=$scratch/prefix
 cmake --install "$build_dir" --prefix "$prefix" >/dev/null
 
+echo "--- installed headers"
+# Only the public headers, under the project-named root (the platform's own
+# headers sit apart under zvtextparser/platform).
+installed=$(cd "$prefix/include/zvtextparser" && find . -path ./platform -prune -o -name '*.hpp' -print | sort | tr '\n' ' ')
+expected="./errors/export.hpp ./errors/msg_id_exception.hpp ./errors/tags.hpp ./name_value/set_parser_options.hpp \
+./parser/enums.hpp ./parser/options.hpp ./parser/record_readers.hpp ./parser/stop_characters.hpp "
+if [ "$installed" != "$expected" ]; then
+  echo "installed headers: $installed"
+  echo "expected:          $expected"
+  exit 1
+fi
+
 echo "--- find_package"
 cmake -S "$source_dir/tests/install/consumer" -B "$scratch/consumer" -G Ninja \
   -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$prefix" \
@@ -19,6 +31,6 @@ echo "--- pkg-config"
 export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
 libdir=$(pkg-config --variable=libdir zvtextparser)
 # shellcheck disable=SC2046,SC2086
-"$cxx" $cxxflags "$source_dir/tests/install/consumer/main.cpp" -o "$scratch/consumer_pc" \
+"$cxx" $cxxflags -I"$source_dir/tests/install/consumer" "$source_dir/tests/install/consumer/main.cpp" -o "$scratch/consumer_pc" \
   $(pkg-config --cflags --libs zvtextparser) $ldflags
 LD_LIBRARY_PATH=$libdir "$scratch/consumer_pc"

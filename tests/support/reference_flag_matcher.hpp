@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "name_value/rule_flags.hpp"
+#include "name_value/option_vocabulary.hpp"
 
 namespace test_support {
 

@@ -1,14 +1,16 @@
 // Sets options through the installed library, builds a reader from them, and
 // catches one of its message exceptions by its exact type, across the
-// shared-library boundary.
+// shared-library boundary. Its own errors/ folder must not shadow the
+// library's headers.
 #include <cstdio>
 #include <exception>
 
-#include "errors/msg_id_exception.hpp"
-#include "errors/tags.hpp"
-#include "name_value/set_parser_options.hpp"
-#include "parser/options.hpp"
-#include "parser/record_readers.hpp"
+#include <zvtextparser/errors/msg_id_exception.hpp>
+#include <zvtextparser/errors/tags.hpp>
+#include <zvtextparser/name_value/set_parser_options.hpp>
+#include <zvtextparser/parser/options.hpp>
+#include <zvtextparser/parser/record_readers.hpp>
+
 #include "zvarray/value.hpp"
 
 int main() {

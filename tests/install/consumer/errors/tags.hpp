@@ -1,0 +1,3 @@
+// A consumer's own header that happens to share a name with one of the
+// library's; the library's headers must never pick it up.
+#error "the consumer's errors/tags.hpp was included in place of the library's"
