@@ -1,11 +1,10 @@
 #include "tools/detect_command.hpp"
 
-#include <vector>
+#include <optional>
 
 #include "import/reader_errors.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/exit_status.hpp"
-#include "tools/host_values.hpp"
 #include "tools/reading_choices.hpp"
 #include "tools/record_json.hpp"
 
@@ -50,16 +49,15 @@ void write_detected(json_writer& out, const textio::import::detection_result& re
 }  // namespace
 
 tool_result run_detect_command(const parsed_arguments& args) {
-  const std::vector<hv::Value> values = option_arguments(args.value("--struct"), args.option_arguments);
-  const textio::import::user_choices choices = user_choices_of(args, values);
   textio::parser::options record;
   json_writer out;
   out.begin_object();
-  if (const auto failure = apply_options(values, record)) {
+  if (const auto failure = apply_option_arguments(args.value("--struct"), args.option_arguments, record)) {
     out.key("options");
     write_options_record(out, record);
     return finish_report(out, failure);
   }
+  const textio::import::user_choices choices = user_choices_of(args);
   std::optional<textio::import::detection_result> detected;
   std::optional<message_failure> failure;
   try {

@@ -109,7 +109,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   if (format == read_format::jsonl) sink = &jsonl.emplace(out);
   if (format == read_format::csv) sink = &csv.emplace(out);
 
-  const textio::import::user_choices choices = user_choices_of(args, values);
+  const textio::import::user_choices choices = user_choices_of(args);
   tool_result result;
   try {
     textio::import::utf8_input input(*args.operand);

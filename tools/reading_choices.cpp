@@ -7,10 +7,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "name_value/option_vocabulary.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
-#include "tools/option_keys.hpp"
 #include "tools/record_json.hpp"
 #include "tools/usage_error.hpp"
 
@@ -26,8 +26,8 @@ bool same_name(std::string_view a, std::string_view b) {
 }
 
 void add_key(std::set<std::string>& keys, std::string_view name) {
-  for (const option_key& k : option_keys()) {
-    if (same_name(k.key, name)) keys.emplace(k.key);
+  for (const auto& option : textio::options::option_descriptions) {
+    if (same_name(option.key, name)) keys.emplace(option.key);
   }
 }
 
@@ -110,10 +110,11 @@ std::string escape_name(escape_style escape) { return escape == escape_style::ba
 
 std::string quote_name(char quote) { return quote == '\0' ? "none" : std::string(1, quote); }
 
-textio::import::user_choices user_choices_of(const parsed_arguments& args, std::span<const hv::Value> values) {
+textio::import::user_choices user_choices_of(const parsed_arguments& args) {
   textio::import::user_choices choices;
-  if (args.has("--struct")) {
-    const hvArray_tag* record = values.empty() ? nullptr : values.front().get();
+  if (const auto json = args.value("--struct")) {
+    const hv::Value value = struct_argument(*json);
+    const hvArray_tag* record = value.get();
     const int fields = record == nullptr ? 0 : record->get_number_of_struct_fields();
     const char* const* names = fields > 0 ? record->get_struct_field_names() : nullptr;
     for (int i = 0; i < fields && names != nullptr; ++i) add_key(choices.keys, names[i]);
@@ -197,7 +198,7 @@ std::vector<std::string> reproducing_arguments(const textio::parser::options& re
   // them right.
   for (int round = 0; round < 3; ++round) {
     textio::parser::options replay;
-    if (apply_options(option_arguments(std::nullopt, pairs), replay)) break;
+    if (apply_option_arguments(std::nullopt, pairs, replay)) break;
     const nlohmann::ordered_json got = record_json(replay);
     if (got == wanted) break;
     add_differing(got);

@@ -4,7 +4,6 @@
 // reading without detection.
 #pragma once
 
-#include <span>
 #include <string>
 #include <vector>
 
@@ -13,7 +12,6 @@
 #include "import/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "tools/command_line.hpp"
-#include "zvarray/value.hpp"
 
 namespace zvtool {
 
@@ -26,8 +24,8 @@ inline constexpr tool_option escape_option{"--escape", "STYLE",
 // The settings the user gave: the option keys named by the NAME VALUE
 // arguments or the --struct fields (matched case-insensitively, in the
 // option table's spelling), and --encoding, --quote, --escape. Throws
-// usage_error for a bad --quote or --escape.
-textio::import::user_choices user_choices_of(const parsed_arguments& args, std::span<const hv::Value> values);
+// usage_error for a bad --quote, --escape or --struct.
+textio::import::user_choices user_choices_of(const parsed_arguments& args);
 
 // The format to read with when nothing is detected: the default, with what
 // the user forced.

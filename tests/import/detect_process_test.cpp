@@ -10,7 +10,6 @@
 
 #include "import/read_helpers.hpp"
 #include "support/run_tool.hpp"
-#include "tools/host_values.hpp"
 #include "tools/reading_choices.hpp"
 #include "tools/subcommands.hpp"
 
@@ -111,8 +110,7 @@ TEST(UserChoices, KeysInTheTablesSpellingFromPairsAndStruct) {
   };
   for (const auto& c : cases) {
     const auto args = zvtool::parse_subcommand_arguments("detect", c.args);
-    const auto values = zvtool::option_arguments(args.value("--struct"), args.option_arguments);
-    EXPECT_EQ(zvtool::user_choices_of(args, values).keys, c.keys) << c.args[1];
+    EXPECT_EQ(zvtool::user_choices_of(args).keys, c.keys) << c.args[1];
   }
 }
 
