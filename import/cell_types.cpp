@@ -9,13 +9,26 @@ namespace {
 
 bool digit(char c) { return c >= '0' && c <= '9'; }
 
+char lower_ascii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+
 std::string lower(std::string_view s) {
   std::string out(s);
-  for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (char& c : out) c = lower_ascii(c);
   return out;
 }
 
+// Whether `s` holds `word` (lower case), ignoring case.
+bool contains_word(std::string_view s, std::string_view word) {
+  for (std::size_t i = 0; i + word.size() <= s.size(); ++i) {
+    std::size_t k = 0;
+    while (k < word.size() && lower_ascii(s[i + k]) == word[k]) ++k;
+    if (k == word.size()) return true;
+  }
+  return false;
+}
+
 bool is_missing_marker(std::string_view s) {
+  if (s.size() > 7) return false;
   static constexpr std::array<std::string_view, 12> markers = {"na", "n/a", "nan", "null", "none", "-",
                                                                "?",  ".",   "--",  "#n/a", "nil",  "missing"};
   const std::string l = lower(s);
@@ -32,8 +45,10 @@ bool is_number(std::string_view s, const number_format& f) {
   const std::size_t n = s.size();
   if (i < n && (s[i] == '+' || s[i] == '-')) ++i;
   if (i < n && s[i] == '$') ++i;
-  const std::string rest = lower(s.substr(i));
-  if (rest == "inf" || rest == "infinity") return true;
+  if (i < n && (s[i] == 'i' || s[i] == 'I')) {
+    const std::string rest = lower(s.substr(i));
+    return rest == "inf" || rest == "infinity";
+  }
   std::size_t int_digits = 0;
   std::size_t group = 0;
   bool grouped = false;
@@ -76,6 +91,7 @@ bool is_number(std::string_view s, const number_format& f) {
 }
 
 bool is_logical(std::string_view s) {
+  if (s.size() > 5) return false;
   const std::string l = lower(s);
   return l == "true" || l == "false" || l == "t" || l == "f" || l == "yes" || l == "no";
 }
@@ -110,11 +126,9 @@ bool is_datetime(std::string_view s) {
   if (letters > 0) {
     static constexpr std::array<std::string_view, 12> months = {"jan", "feb", "mar", "apr", "may", "jun",
                                                                 "jul", "aug", "sep", "oct", "nov", "dec"};
-    const std::string l = lower(s);
     bool month = false;
-    for (const auto m : months) month = month || l.find(m) != std::string::npos;
-    const bool clock = l.find("am") != std::string::npos || l.find("pm") != std::string::npos ||
-                       l.find('t') != std::string::npos || l.find("utc") != std::string::npos;
+    for (const auto m : months) month = month || contains_word(s, m);
+    const bool clock = contains_word(s, "am") || contains_word(s, "pm") || contains_word(s, "t");
     if (!month && !(clock && colon)) return false;
     return letters <= 9 && digits >= 3;
   }
@@ -132,7 +146,10 @@ bool is_datetime(std::string_view s) {
 cell_type classify(std::string_view field, const number_format& format) {
   while (!field.empty() && (field.front() == ' ' || field.front() == '\t')) field.remove_prefix(1);
   while (!field.empty() && (field.back() == ' ' || field.back() == '\t')) field.remove_suffix(1);
-  if (field.empty() || is_missing_marker(field)) return cell_type::empty;
+  if (field.empty()) return cell_type::empty;
+  // Numbers, dates and markers are short; a long field is text.
+  if (field.size() > 64) return cell_type::text;
+  if (is_missing_marker(field)) return cell_type::empty;
   if (is_number(field, format)) return cell_type::number;
   if (is_logical(field)) return cell_type::logical;
   if (is_datetime(field)) return cell_type::datetime;

@@ -18,8 +18,8 @@ namespace {
 using textio::enums::ParserType;
 
 // Lines and records the layout looks at: a bound on the work for any sample.
-constexpr std::size_t max_lines = 2000;
-constexpr std::size_t max_records = 1000;
+constexpr std::size_t max_lines = 1000;
+constexpr std::size_t max_records = 600;
 
 ustring to_ustring(std::string_view utf8) {
   ustring out;
@@ -164,6 +164,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     if (last != std::string::npos) text.resize(last + 1);
   }
   const std::vector<sample_line> lines = split_lines(text, max_lines);
+  // The part of the sample that is looked at.
+  const std::string_view examined =
+      lines.empty() ? std::string_view() : std::string_view(text).substr(0, lines.back().offset + lines.back().text.size());
   const bool parser_given = !open("ParserType");
 
   // Comment marker.
@@ -197,7 +200,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     }
     if (delimiters.empty()) delimiters.push_back(opts.delimiter().empty() ? '\n' : ',');
   }
-  std::vector<dialect_score> ranked = rank_dialects(lines, text, marker, delimiters, with_blanks, quotes, escapes);
+  std::vector<dialect_score> ranked = rank_dialects(lines, examined, marker, delimiters, with_blanks, quotes, escapes);
   chosen.d = ranked.empty() ? dialect{} : ranked.front().d;
   if (ranked.size() > 1 && ranked[0].score > 0) {
     // The nearest rival with another delimiter.
@@ -218,7 +221,14 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     const dialect_score by_blanks = score_dialect(lines, text, blanks, marker);
     const sample_table blank_table = split_records(lines, text, blanks, marker, max_records);
     const table_layout blank_layout = analyse_layout(blank_table, {});
-    const fixed_columns columns = fixed_width_starts(lines, blank_layout.header_lines, marker);
+    // Columns shared by the body as runs of blanks see it, else by all lines
+    // (runs of blanks may have found no body), else past a preamble.
+    fixed_columns columns;
+    for (const std::size_t from : {static_cast<std::size_t>(blank_layout.header_lines), std::size_t{0}, lines.size() / 4,
+                                   lines.size() / 2}) {
+      columns = fixed_width_starts(lines, from, marker);
+      if (columns.starts.size() >= 2) break;
+    }
     const std::vector<std::size_t>& starts = columns.starts;
     bool use_fixed = false;
     if (starts.size() >= 2) {
@@ -228,7 +238,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       // same fields, or when they cut more fields than the columns hold and
       // the columns stand at least two blanks apart (words inside a field
       // are one blank apart).
-      const bool blanks_regular = blank_layout.body_fit >= 0.95;
+      // (Runs of blanks that leave a body of one or two rows found no table.)
+      const bool blanks_regular = blank_layout.body_fit >= 0.95 &&
+                                  (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows);
       const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
       use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
                   (!blanks_regular || blanks_split_fields);
@@ -275,7 +287,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   fmt.quote = chosen.fixed_width || chosen.single_column ? '"' : chosen.d.quote;
   fmt.escape = chosen.d.escape;
   fmt.quote_detected = !choices.quote.has_value();
-  if (!choices.quote && (chosen.d.quote != '"' || text.find('"') != std::string::npos)) {
+  if (!choices.quote && (chosen.d.quote != '"' || examined.find('"') != std::string_view::npos)) {
     rep.filled.push_back({"Quote", chosen.d.quote == '\0' ? std::string("no quote character pairs up")
                                                           : printable(chosen.d.quote) + " quotes fields"});
   }
@@ -325,7 +337,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     confidence *= 0.4 + 0.6 * layout.body_fit;
     confidence *= 0.6 + 0.4 * std::min(1.0, chosen.margin * 4);
     if (layout.body_rows < 3) confidence *= 0.5;
-    if (control_share(text) > 0.01) confidence *= 0.1;
+    if (control_share(examined) > 0.01) confidence *= 0.1;
     if (chosen.single_column) confidence *= 0.7;
   }
   rep.quote = fmt.quote;

@@ -14,7 +14,7 @@ namespace {
 
 // Rows and fields examined per candidate: enough to see a table's shape,
 // few enough that trying every candidate stays cheap.
-constexpr std::size_t scored_records = 300;
+constexpr std::size_t scored_records = 200;
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
@@ -165,8 +165,19 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
                                          const std::vector<escape_style>& escapes) {
   std::vector<dialect> candidates;
   std::vector<dialect> bases;
-  for (const char c : delimiters) bases.push_back({c, false, '"', escape_style::doubled});
-  if (with_blanks) bases.push_back({' ', true, '"', escape_style::doubled});
+  for (const char c : delimiters) bases.push_back({c, false, quotes.front(), escapes.front()});
+  if (with_blanks) bases.push_back({' ', true, quotes.front(), escapes.front()});
+  // Delimiters first, with the first quote and escape; the quotes and
+  // escapes are then tried with the best few of them only.
+  constexpr std::size_t kept_delimiters = 3;
+  if (bases.size() > kept_delimiters && (quotes.size() > 1 || escapes.size() > 1)) {
+    std::vector<std::pair<double, std::size_t>> first;
+    for (std::size_t i = 0; i < bases.size(); ++i) first.emplace_back(score_dialect(lines, text, bases[i], comment_marker).score, i);
+    std::stable_sort(first.begin(), first.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<dialect> best;
+    for (std::size_t i = 0; i < kept_delimiters; ++i) best.push_back(bases[first[i].second]);
+    bases = std::move(best);
+  }
   for (const dialect& b : bases) {
     for (const char q : quotes) {
       // Only quote characters the sample holds make a difference.

@@ -25,6 +25,7 @@ class record_builder {
   void add(std::string&& field, bool quoted) {
     ++r_.field_count;
     if (r_.fields.size() < max_kept_fields) {
+      if (field.size() > max_kept_bytes) field.resize(max_kept_bytes);  // kinds and names need only the start
       r_.fields.push_back(std::move(field));
       r_.quoted.push_back(quoted);
     }

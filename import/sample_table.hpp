@@ -50,6 +50,7 @@ struct sample_table {
 };
 
 inline constexpr std::size_t max_kept_fields = 512;
+inline constexpr std::size_t max_kept_bytes = 1024;
 
 // Cuts the lines from `first` on into records under `d`. Lines whose first
 // non-blank text is `comment_marker` (when not empty) are comment records.

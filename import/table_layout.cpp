@@ -228,8 +228,10 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
   if (out.names_rows == 0 && s > 0 && rec(s - 1).field_count > k && rec(s - 1).last_line + 1 == rec(s).first_line) {
     // A names row with more names than the rows have fields: the rows lack
     // their last fields.
-    bool all_text = true;
-    for (const std::string& f : rec(s - 1).fields) all_text = all_text && classify(f, format) == cell_type::text;
+    // Not a "Key: name name" line, which labels the table rather than naming it.
+    const std::vector<std::string>& cells = rec(s - 1).fields;
+    bool all_text = cells.empty() || cells.front().empty() || cells.front().back() != ':';
+    for (const std::string& f : cells) all_text = all_text && classify(f, format) == cell_type::text;
     if (all_text) {
       out.names_rows = 1;
       out.names_line = rec(s - 1).first_line;

@@ -12,9 +12,9 @@ namespace {
 // The accuracy reached on the corpus, per field; a change that lowers one
 // fails here.
 const std::map<std::string, double> floors = {
-    {"encoding", 0.0},     {"delimiter", 0.0}, {"quote", 0.0},     {"escape", 0.0},
-    {"header_lines", 0.0}, {"names_line", 0.0}, {"num_variables", 0.0}, {"decimal", 0.0},
-    {"thousands", 0.0},    {"comment", 0.0},   {"table_end", 0.0},
+    {"encoding", 1.0},       {"delimiter", 0.984}, {"quote", 1.0},         {"escape", 1.0},
+    {"header_lines", 1.0}, {"names_line", 0.992}, {"num_variables", 0.984}, {"decimal", 1.0},
+    {"thousands", 1.0},      {"comment", 1.0},     {"table_end", 1.0},
 };
 
 TEST(DetectionCorpus, PerFieldAccuracyHoldsItsFloor) {
