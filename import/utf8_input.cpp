@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string_view>
 #include <utility>
@@ -48,13 +49,16 @@ void utf8_input::decode_from(const std::string& encoding) {
 std::string_view utf8_input::sample(std::size_t bytes) {
   while (pending_.size() < bytes && fill(bytes - pending_.size())) {
   }
-  // On to the end of the line; in UTF-16 and UTF-32 the zero bytes that
-  // complete the line ending come along.
+  // On to the end of the line, within as many bytes again (at least 64 KiB),
+  // so that one huge line cannot pull in the whole input; in UTF-16 and
+  // UTF-32 the zero bytes that complete the line ending come along.
+  const std::size_t limit = bytes + std::max(bytes, std::size_t{1} << 16);
   std::size_t end = bytes;
   for (;;) {
-    while (end < pending_.size() && pending_[end] != '\n' && pending_[end] != '\r') ++end;
-    if (end < pending_.size() || !fill(block_size_)) break;
+    while (end < pending_.size() && end < limit && pending_[end] != '\n' && pending_[end] != '\r') ++end;
+    if (end < pending_.size() || end == limit || !fill(std::min(block_size_, limit - end))) break;
   }
+  if (end == limit) return std::string_view(pending_).substr(0, end);
   if (end < pending_.size()) {
     ++end;
     for (std::size_t extra = 0; extra < 7; ++extra) {

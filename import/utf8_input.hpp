@@ -31,8 +31,9 @@ class utf8_input {
   void decode_from(const std::string& encoding);
 
   // The input's first bytes as they are (byte-order mark included): `bytes`
-  // of them, then on to the end of the line they stop in, or all of the input
-  // when it is shorter. Reading later starts with these same bytes, so
+  // of them, then on to the end of the line they stop in (but no further
+  // than as many bytes again, at least 64 KiB), or all of the input when it
+  // is shorter. Reading later starts with these same bytes, so
   // standard input needs no seek. Call before the first read.
   std::string_view sample(std::size_t bytes);
   // Whether the input ended within the sample.

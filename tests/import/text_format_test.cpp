@@ -175,6 +175,7 @@ TEST(Sample, WholeLinesThenReadingFromTheStart) {
       {"ab\r\ncd", 1, "ab\r\n", false},
       {std::string("a\0\n\0b\0", 6), 1, std::string("a\0\n\0", 4), false},
       {"abc", 10, "abc", true},
+      {std::string(70000, 'x') + "\nb", 10, std::string(10 + 65536, 'x'), false},  // one huge line is cut
   };
   for (const auto& c : cases) {
     for (const std::size_t reads : {std::size_t{0}, std::size_t{1}}) {
