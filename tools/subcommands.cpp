@@ -62,7 +62,10 @@ are names. --count: {"records": N, "fields": M} (it overrides --format).
 A reading error ends the output after the last good record, with an
 {"error": {...}} line in jsonl and count. A refused option prints the
 options subcommand's report in jsonl and count, nothing in csv; the message
-goes to standard error in every case.
+goes to standard error in every case. Unless --no-detect is given, what the
+options leave open is first detected as the detect subcommand does. Standard
+error also says when a detected quote never closed (it is then read as text)
+and how many lines were left after the table's end.
 )";
 
 constexpr std::string_view detect_details = R"(Detection looks at the first MiB of FILE and the rest of the line it ends in,
