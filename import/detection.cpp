@@ -252,6 +252,25 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     }
     if (!use_fixed && best.dominant_fields <= 1 && by_blanks.dominant_fields <= 1) chosen.single_column = true;
   }
+  if (parser_given && opts.parser_type() == ParserType::FixedWidth) {
+    // Fixed width given without widths: the columns the lines share.
+    chosen.fixed_width = true;
+    chosen.widths = opts.field_widths();
+    std::vector<std::size_t> starts;
+    if (open("VariableWidths")) {
+      starts = fixed_width_starts(lines, 0, marker).starts;
+      chosen.widths = widths_from_starts(starts, lines);
+      opts.field_widths(chosen.widths);
+      rep.filled.push_back({"VariableWidths", "the lines share blank columns at these positions"});
+    } else {
+      std::uint64_t at = 0;
+      for (const std::uint64_t w : chosen.widths) {
+        starts.push_back(static_cast<std::size_t>(at));
+        at += w;
+      }
+    }
+    chosen.table = cut_fixed_width(lines, starts, marker, max_records);
+  }
   if (!chosen.fixed_width && !chosen.single_column && detecting_layout && best.dominant_fields <= 1) {
     chosen.single_column = true;
   }

@@ -50,7 +50,6 @@ std::size_t first_row(const sample_table& table, const std::vector<std::size_t>&
   return 0;
 }
 
-bool text_like(cell_type t) { return t == cell_type::text; }
 
 struct column_profile {
   cell_type type = cell_type::text;

@@ -82,6 +82,14 @@ INSTANTIATE_TEST_SUITE_P(Detection, Layout, ::testing::ValuesIn(layout_cases),
 TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   const detection_result r = detect(fixed_width_table, true, {}, {});
   EXPECT_EQ(r.report.variable_names, (std::vector<std::string>{"name", "year", "value"}));
+  // Fixed width given without widths: the widths are found.
+  textio::parser::options given;
+  given.parser_type(ParserType::FixedWidth);
+  user_choices choices;
+  choices.keys = {"ParserType"};
+  const detection_result widths = detect(fixed_width_table, true, given, choices);
+  EXPECT_EQ(widths.options.field_widths(), r.options.field_widths());
+  EXPECT_EQ(widths.options.num_variables(), 3u);
 }
 
 TEST(Detection, QuoteAndEscapeAreChosenWithTheDelimiter) {
@@ -93,8 +101,9 @@ TEST(Detection, QuoteAndEscapeAreChosenWithTheDelimiter) {
       detect("a,b\n1,\"say \\\"hi\\\", then\"\n2,\"x\"\n3,\"and \\\"bye\\\"\"\n", true, {}, {});
   EXPECT_EQ(backslash.format.escape, textio::import::escape_style::backslash);
   EXPECT_TRUE(backslash.format.quote_detected);
-  // A quote that never closes is no quote character.
-  const detection_result stray = detect("a,b\n1,\"x\n2,y\n3,z\n4,w\n", true, {}, {});
+  // A quote that never closes is no quote character, though it would cut the
+  // same table.
+  const detection_result stray = detect("a,b\n1,2\n3,4\n5,\"6\n", true, {}, {});
   EXPECT_NE(stray.format.quote, '"');
 }
 

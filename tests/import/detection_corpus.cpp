@@ -104,7 +104,10 @@ std::map<std::string, std::string> detect_fields(const std::string& sample, bool
   got["encoding"] = r.format.encoding;
   if (o.parser_type() == ParserType::FixedWidth) {
     std::string w = "fixed:";
-    for (std::size_t i = 0; i < o.field_widths().size(); ++i) w += (i ? "," : "") + std::to_string(o.field_widths()[i]);
+    for (std::size_t i = 0; i < o.field_widths().size(); ++i) {
+      if (i > 0) w += ',';
+      w += std::to_string(o.field_widths()[i]);
+    }
     got["delimiter"] = w;
   } else if (o.parser_type() == ParserType::Tabular) {
     got["delimiter"] = "blanks";
