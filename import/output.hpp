@@ -33,6 +33,15 @@ class record_sink {
   virtual ~record_sink() = default;
   virtual void header(const table_header& header) = 0;
   virtual void record(std::span<const output_value> values) = 0;
+  // A record of `values` followed by `missing` missing values: the padding up
+  // to a variable count, which the reader does not store. The default hands
+  // on one padded record; a sink that writes as it goes overrides it.
+  virtual void padded_record(std::span<const output_value> values, std::size_t missing) {
+    if (missing == 0) return record(values);
+    std::vector<output_value> padded(values.begin(), values.end());
+    padded.resize(values.size() + missing);
+    record(padded);
+  }
   // A sink that only counts says so here and then receives the field count
   // of each record instead of its values, where the values cannot change
   // what is counted.

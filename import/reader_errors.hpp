@@ -72,10 +72,23 @@ struct UnknownEncoding : resource_core::BaseMsgID {
   }
 };
 
-// The input could not be opened or read; argument: its name as given.
+// The input could not be opened or read; arguments: its name as given and
+// the system's reason ("No such file or directory", "Is a directory", ...).
 struct CannotReadFile : resource_core::BaseMsgID {
-  explicit CannotReadFile(const std::string& path) : resource_core::BaseMsgID(catalog_name, "CannotReadFile") {
+  CannotReadFile(const std::string& path, const std::string& reason)
+      : resource_core::BaseMsgID(catalog_name, "CannotReadFile") {
     args.emplace_back(std::in_place_index<1>, path);
+    args.emplace_back(std::in_place_index<1>, reason);
+  }
+};
+
+// Memory ran out (or reached the tool's limit) while reading; arguments: the
+// physical line where the record starts, and what asked for the memory (a
+// setting such as "NumVariables 1000000000", or the record's own size).
+struct OutOfMemory : resource_core::BaseMsgID {
+  OutOfMemory(std::uint64_t line, const std::string& cause) : resource_core::BaseMsgID(catalog_name, "OutOfMemory") {
+    args.emplace_back(std::in_place_index<0>, line);
+    args.emplace_back(std::in_place_index<1>, cause);
   }
 };
 

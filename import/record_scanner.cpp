@@ -131,7 +131,6 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
     }
     f.start = here();
     f.begin = pos_;
-    std::size_t keep = 0;  // units that trimming must not remove
     if (rules_.quotes && !quotes_as_text_ && pos_ < n && text[pos_] == rules_.quote) {
       f.quoted = true;
       out.empty = false;
@@ -189,13 +188,14 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
           ++pos_;
         }
       }
-      keep = f.length;
       if (f.length == 0) f.begin = pos_;
     }
     std::size_t match = 0;
     const field_end end = scan_unquoted(text, at_end, out, f, match);
     if (end == field_end::need_more) return scan_result::need_more;
-    if (rules_.trim && f.length > keep && is_blank_unit(out.text(text, f).back())) trim_end(text, out, f, keep);
+    // A quoted field keeps the units after its closing quote as they stand,
+    // whitespace included; only unquoted fields are trimmed.
+    if (rules_.trim && !f.quoted && f.length > 0 && is_blank_unit(out.text(text, f).back())) trim_end(text, out, f, 0);
     // Emptiness: a unit that is no whitespace (trimmed fields have none at
     // their ends, so any unit left counts).
     if (out.empty && f.length != 0) {

@@ -1,12 +1,15 @@
 #include "import/text_reader.hpp"
 
+#include <algorithm>
 #include <limits>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "import/compact_table.hpp"
 #include "import/count_kernel.hpp"
 #include "import/delimiter_rules.hpp"
 #include "import/fixed_width_cutter.hpp"
@@ -73,14 +76,25 @@ class table_reader {
     set_up();
   }
 
+  // An allocation failure becomes OutOfMemory, naming the record and what
+  // asked for the memory.
   read_summary run() {
-    std::uint64_t line = 1;
-    read_summary summary;
+    try {
+      read_all();
+    } catch (const std::bad_alloc&) {
+      throw_msg_id_exception(reader_error::OutOfMemory(line_, memory_user()));
+    }
+    return summary_;
+  }
+
+ private:
+  void read_all() {
+    std::uint64_t& line = line_;
     for (;;) {
       if (text_.table_end_line && line >= *text_.table_end_line) {
         finish();
-        summary.lines_left_unread = count_lines_left();
-        return summary;
+        summary_.lines_left_unread = count_lines_left();
+        return;
       }
       const bool header_line = line <= header_lines_;
       const bool meta = !header_sent_ && is_meta_line(line);
@@ -120,10 +134,21 @@ class table_reader {
       line = rec_.next_line;
     }
     finish();
-    return summary;
   }
 
- private:
+  // What holds the memory of a record beyond its own text.
+  std::string memory_user() const {
+    if (buffering_) {
+      if (opts_.missing_rule() == BadDataRule::OmitVar)
+        return "MissingRule OmitVar, which keeps the table until its end";
+      if (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar)
+        return "PartialFieldRule OmitVar, which keeps the table until its end";
+      return "ImportErrorRule OmitVar, which keeps the table until its end";
+    }
+    if (!opts_.detecting_num_variables()) return "NumVariables " + std::to_string(opts_.num_variables());
+    return "the record's length and field count";
+  }
+
   // A field of the record being shaped, with where it came from.
   struct cell {
     view text;
@@ -138,11 +163,6 @@ class table_reader {
     string content;
     bool quoted = false;
     source_position where;
-  };
-  struct owned_value {
-    value_kind kind = value_kind::missing;
-    string content;
-    double number = 0;
   };
 
   void set_up() {
@@ -518,14 +538,8 @@ class table_reader {
           fail<reader_error::ExtraColumns>(where(cells_[*variables_]));
       }
     }
-    while (cells_.size() < *variables_) {
-      cell c;
-      c.missing = true;
-      c.resolved = rec_.fields.empty();
-      c.at = rec_.end;
-      cells_.push_back(c);
-    }
-    emit();
+    // Fields the record lacks are missing; they are a count, not cells.
+    emit(cells_.size() < *variables_ ? *variables_ - cells_.size() : 0);
   }
 
   bool is_missing(const cell& c) const {
@@ -561,7 +575,8 @@ class table_reader {
     return true;
   }
 
-  void emit() {
+  // Hands on the record's cells followed by `padding` missing values.
+  void emit(std::size_t padding) {
     values_.clear();
     const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
     for (std::size_t i = 0; i < cells_.size(); ++i) {
@@ -582,22 +597,24 @@ class table_reader {
       }
       values_.push_back(v);
     }
+    if (padding > 0) {
+      cell first;
+      first.missing = true;
+      first.resolved = rec_.fields.empty();
+      first.at = rec_.end;
+      if (opts_.missing_rule() == BadDataRule::OmitVar) {
+        mark_omitted(cells_.size() + padding - 1);
+        std::fill(omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size()),
+                  omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size() + padding), true);
+      } else if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), cells_.size(), first)) {
+        return;
+      }
+    }
     if (!buffering_) {
-      sink_.record(values_);
+      sink_.padded_record(values_, padding);
       return;
     }
-    std::vector<owned_value> row;
-    row.reserve(values_.size());
-    for (const output_value& v : values_) {
-      view t;
-      if constexpr (sizeof(CharT) == 1) {
-        t = v.bytes;
-      } else {
-        t = v.units;
-      }
-      row.push_back({v.kind, string(t), v.number});
-    }
-    table_.push_back(std::move(row));
+    table_.add_row(values_, padding);
   }
 
   // The physical lines left in the input, counted by their line endings
@@ -656,18 +673,18 @@ class table_reader {
     if (!buffering_) return;
     sink_.header(header_values(omitted_));
     std::vector<output_value> out;
-    for (const auto& row : table_) {
+    table_.for_each_row([&](std::span<const output_value> row, std::size_t padding) {
       out.clear();
       for (std::size_t i = 0; i < row.size(); ++i) {
         if (i < omitted_.size() && omitted_[i]) continue;
-        output_value v;
-        v.kind = row[i].kind;
-        v.number = row[i].number;
-        if (v.kind == value_kind::text) v = text_value(row[i].content);
-        out.push_back(v);
+        out.push_back(row[i]);
       }
-      sink_.record(out);
-    }
+      std::size_t kept_padding = 0;
+      for (std::size_t i = row.size(); i < row.size() + padding; ++i) {
+        if (i >= omitted_.size() || !omitted_[i]) ++kept_padding;
+      }
+      sink_.padded_record(out, kept_padding);
+    });
   }
 
   textio::parser::options opts_;
@@ -677,6 +694,7 @@ class table_reader {
   const progress_callback& progress_;
   const text_format& text_;
   const stray_quote_callback& stray_quote_;
+  read_summary summary_;
 
   scan_rules<CharT> raw_rules_;
   scan_rules<CharT> data_rules_;
@@ -709,7 +727,8 @@ class table_reader {
   std::u16string next_pending_;
   std::u16string fixed_text_;
   std::vector<bool> omitted_;
-  std::vector<std::vector<owned_value>> table_;
+  compact_table<CharT> table_;
+  std::uint64_t line_ = 1;  // the physical line of the record being read
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -18,21 +19,42 @@ namespace {
 
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 
+// CannotReadFile for `name` with the system's reason for `error` (an errno).
+[[noreturn]] void cannot_read(const std::string& name, int error) {
+  throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(name, std::strerror(error)));
+}
+
 }  // namespace
 
-utf8_input::utf8_input(const std::string& path) : name_(path) {
+utf8_input::utf8_input(const std::string& path) : name_(path == "-" ? "standard input" : path) {
   if (path == "-") {
     fd_ = STDIN_FILENO;
   } else {
     fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd_ < 0) throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(path));
+    if (fd_ < 0) cannot_read(path, errno);
     owns_fd_ = true;
   }
-  struct stat info {};
-  if (::fstat(fd_, &info) == 0 && S_ISREG(info.st_mode)) size_ = static_cast<std::uint64_t>(info.st_size);
+  note_file_state();
 }
 
-utf8_input::utf8_input(int fd, std::string name) : fd_(fd), name_(std::move(name)) {}
+utf8_input::utf8_input(int fd, std::string name) : fd_(fd), name_(std::move(name)) { note_file_state(); }
+
+void utf8_input::note_file_state() noexcept {
+  struct stat info {};
+  if (::fstat(fd_, &info) == 0 && S_ISREG(info.st_mode)) {
+    regular_ = true;
+    size_ = static_cast<std::uint64_t>(info.st_size);
+    mtime_seconds_ = info.st_mtim.tv_sec;
+    mtime_nanoseconds_ = info.st_mtim.tv_nsec;
+  }
+}
+
+bool utf8_input::changed_since_opened() const noexcept {
+  struct stat info {};
+  if (!regular_ || ::fstat(fd_, &info) != 0) return false;
+  return static_cast<std::uint64_t>(info.st_size) != size_ || info.st_mtim.tv_sec != mtime_seconds_ ||
+         info.st_mtim.tv_nsec != mtime_nanoseconds_;
+}
 
 utf8_input::~utf8_input() {
   if (owns_fd_) ::close(fd_);
@@ -82,8 +104,9 @@ bool utf8_input::fill(std::size_t want) {
     got = ::read(fd_, pending_.data() + old, want);
   } while (got < 0 && errno == EINTR);
   if (got < 0) {
+    const int error = errno;
     pending_.resize(old);
-    throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(name_));
+    cannot_read(name_, error);
   }
   pending_.resize(old + static_cast<std::size_t>(got));
   if (got == 0) at_end_ = true;
@@ -136,8 +159,9 @@ bool utf8_input::read(std::string& out, std::size_t want) {
       got = ::read(fd_, out.data() + start, size);
     } while (got < 0 && errno == EINTR);
     if (got < 0) {
+      const int error = errno;
       out.resize(start);
-      throw_msg_id_exception(ZORVEK::textio::reader::CannotReadFile(name_));
+      cannot_read(name_, error);
     }
     const auto bytes = static_cast<std::size_t>(got);
     if (bytes == 0) at_end_ = true;

@@ -16,8 +16,8 @@ class transcoder;
 
 class utf8_input {
  public:
-  // "-" reads standard input. Throws CannotReadFile when the file cannot be
-  // opened.
+  // "-" reads standard input (named "standard input" in messages). Throws
+  // CannotReadFile, with the system's reason, when the file cannot be opened.
   explicit utf8_input(const std::string& path);
   // Reads from an open descriptor, which stays open.
   utf8_input(int fd, std::string name);
@@ -57,7 +57,14 @@ class utf8_input {
   // Bytes taken from the input so far.
   std::uint64_t bytes_read() const noexcept { return offset_; }
 
+  // For a regular file: whether its size or modification time differ now
+  // from when it was opened, i.e. it was written to while being read and the
+  // text read may mix old and new contents. False for any other input.
+  bool changed_since_opened() const noexcept;
+
  private:
+  // Notes the size and modification time of a regular file.
+  void note_file_state() noexcept;
   // Reads raw bytes into pending_; false at the end of the input.
   bool fill(std::size_t want);
   // read() for input in another encoding than UTF-8.
@@ -67,6 +74,9 @@ class utf8_input {
   bool owns_fd_ = false;
   std::string name_;
   std::uint64_t size_ = 0;
+  bool regular_ = false;
+  std::int64_t mtime_seconds_ = 0;
+  std::int64_t mtime_nanoseconds_ = 0;
   std::uint64_t offset_ = 0;  // bytes of the input before pending_
   std::string pending_;       // raw bytes not yet handed out
   bool at_end_ = false;

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/checked_output.hpp"
 #include "tools/exit_status.hpp"
 #include "tools/subcommands.hpp"
 #include "tools/usage_error.hpp"
@@ -54,8 +55,13 @@ int run(const std::vector<std::string>& args) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const zvtool::checked_standard_output output;
   try {
-    return run(std::vector<std::string>(argv + 1, argv + argc));
+    const int status = run(std::vector<std::string>(argv + 1, argv + argc));
+    zvtool::flush_output(std::cout);
+    return status;
+  } catch (const zvtool::output_failure& e) {
+    return zvtool::report_output_failure(e);
   } catch (const zvtool::usage_error& e) {
     std::cerr << "zvtextparser: " << e.what() << '\n';
     return zvtool::exit_usage_error;

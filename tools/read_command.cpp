@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <iostream>
 #include <optional>
@@ -12,9 +10,10 @@
 #include "import/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "tools/apply_options.hpp"
+#include "tools/checked_output.hpp"
 #include "tools/exit_status.hpp"
-#include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
+#include "tools/memory_limit.hpp"
 #include "tools/reading_choices.hpp"
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
@@ -57,24 +56,15 @@ textio::import::progress_callback progress_bar(const textio::import::utf8_input&
   };
 }
 
-// --table-end, --variable-names and --all-lines (which wins) over the format.
-void apply_table_options(const parsed_arguments& args, textio::import::text_format& text) {
-  if (const auto end = args.value("--table-end")) {
-    std::uint64_t line = 0;
-    const auto [ptr, ec] = std::from_chars(end->data(), end->data() + end->size(), line);
-    if (ec != std::errc() || ptr != end->data() + end->size() || line == 0) {
-      throw usage_error("--table-end takes a line number from 1, not '" + *end + "'");
-    }
-    text.table_end_line = line;
-  }
-  if (const auto names = args.value("--variable-names")) {
-    const auto json = parse_json(*names);
-    if (!json || !json->is_array() || !std::ranges::all_of(*json, [](const auto& n) { return n.is_string(); })) {
-      throw usage_error("--variable-names takes a JSON array of strings");
-    }
-    text.variable_names = json->get<std::vector<std::string>>();
-  }
-  if (args.has("--all-lines")) text.table_end_line.reset();
+// A reading error in the data, or an input that cannot be read.
+int reading_failure_status(const message_failure& failure) {
+  return failure.id.key == "CannotReadFile" ? exit_io_failure : exit_reading_error;
+}
+
+std::string changed_warning(const std::string& file) {
+  return "zvtextparser: warning: '" + file +
+         "' changed while it was read (its size or modification time differ from when it was opened); the records "
+         "may mix old and new contents\n";
 }
 
 }  // namespace
@@ -108,6 +98,10 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   textio::import::record_sink* sink = &counter;
   if (format == read_format::jsonl) sink = &jsonl.emplace(out);
   if (format == read_format::csv) sink = &csv.emplace(out);
+  const auto flush_records = [&] {
+    if (jsonl) jsonl->flush();
+    if (csv) csv->flush();
+  };
 
   const textio::import::user_choices choices = user_choices_of(args);
   tool_result result;
@@ -122,33 +116,49 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     }
     apply_table_options(args, text);
     const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
-      result.err += "warning: the quote at line " + std::to_string(line) + ", column " + std::to_string(column) +
+      result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " + std::to_string(column) +
                     " never closes; quotes are read as text from there on\n";
     };
     const textio::import::read_summary summary =
         textio::import::read_table(record, input, *sink, text, progress_bar(input), warn);
     if (summary.lines_left_unread > 0) {
-      result.err += "the table ends before line " + std::to_string(*text.table_end_line) + "; " +
+      result.err += "zvtextparser: the table ends before line " + std::to_string(*text.table_end_line) + "; " +
                     std::to_string(summary.lines_left_unread) +
                     " more lines were left unread (--all-lines reads them)\n";
     }
+    if (input.changed_since_opened()) {
+      result.err += changed_warning(*args.operand);
+      if (args.has("--strict")) result.status = exit_io_failure;
+    }
   } catch (const foundation::core::except::IMsgIDException& error) {
     const message_failure failure = capture_message(error);
-    result.status = 1;
+    result.status = reading_failure_status(failure);
     result.err += message_line(failure);
-    if (jsonl) jsonl->flush();
-    if (csv) csv->flush();
+    if (failure.id.key == "OutOfMemory") {
+      result.err += "zvtextparser: the memory limit was " + memory_size_text(memory_limit(args)) + " (--max-memory)\n";
+    }
+    flush_records();
     if (format != read_format::csv) out << error_line(failure);
+    flush_output(out);
     return result;
   }
-  if (jsonl) jsonl->flush();
-  if (csv) csv->flush();
+  flush_records();
+  if (csv && csv->lone_missing_written()) result.err += lone_missing_advice();
   if (format == read_format::count) {
     out << "{\"records\": " << counter.records() << ", \"fields\": " << counter.fields() << "}\n";
   }
+  flush_output(out);
   return result;
 }
 
-tool_result run_read_command(const parsed_arguments& args) { return run_read(args, std::cout); }
+std::uint64_t memory_limit(const parsed_arguments& args) {
+  const auto given = args.value("--max-memory");
+  return given ? parse_memory_size(*given) : default_memory_limit();
+}
+
+tool_result run_read_command(const parsed_arguments& args) {
+  apply_memory_limit(memory_limit(args));
+  return run_read(args, std::cout);
+}
 
 }  // namespace zvtool

@@ -1,6 +1,7 @@
 #include "tools/reading_choices.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cctype>
 #include <cstdio>
 #include <string_view>
@@ -177,6 +178,25 @@ std::string report_text(const textio::import::detection_report& report) {
     text.append("  the table ends before line ").append(std::to_string(*report.table_end_line)).append("\n");
   }
   return text;
+}
+
+void apply_table_options(const parsed_arguments& args, textio::import::text_format& text) {
+  if (const auto end = args.value("--table-end")) {
+    std::uint64_t line = 0;
+    const auto [ptr, ec] = std::from_chars(end->data(), end->data() + end->size(), line);
+    if (ec != std::errc() || ptr != end->data() + end->size() || line == 0) {
+      throw usage_error("--table-end takes a line number from 1, not '" + *end + "'");
+    }
+    text.table_end_line = line;
+  }
+  if (const auto names = args.value("--variable-names")) {
+    const auto json = parse_json(*names);
+    if (!json || !json->is_array() || !std::ranges::all_of(*json, [](const auto& n) { return n.is_string(); })) {
+      throw usage_error("--variable-names takes a JSON array of strings");
+    }
+    text.variable_names = json->get<std::vector<std::string>>();
+  }
+  if (args.has("--all-lines")) text.table_end_line.reset();
 }
 
 std::vector<std::string> reproducing_arguments(const textio::parser::options& record,

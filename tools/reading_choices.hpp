@@ -38,6 +38,10 @@ textio::import::detection_result detect_input(textio::import::utf8_input& input,
                                               const textio::parser::options& record,
                                               const textio::import::user_choices& choices);
 
+// --table-end, --variable-names and --all-lines (which wins) over `text`.
+// Throws usage_error for a bad line number or names list.
+void apply_table_options(const parsed_arguments& args, textio::import::text_format& text);
+
 // The report for standard error, one item a line.
 std::string report_text(const textio::import::detection_report& report);
 

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "tools/checked_output.hpp"
 #include "tools/json_writer.hpp"
 #include "zvcore/ustring.hpp"
 
@@ -41,7 +42,7 @@ void append_json_array(std::string& out, std::span<const output_value> values) {
 }
 
 bool needs_quotes(std::string_view text) {
-  if (text.empty()) return true;
+  if (text.empty() || text.starts_with("\xEF\xBB\xBF")) return true;
   const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\b'; };
   if (blank(text.front()) || blank(text.back())) return true;
   return text.find_first_of(",\"\r\n") != std::string_view::npos;
@@ -77,21 +78,38 @@ void append_csv(std::string& out, const output_value& v) {
   }
 }
 
-void append_csv_row(std::string& out, std::span<const output_value> values) {
+void append_csv_fields(std::string& out, std::span<const output_value> values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (i > 0) out += ',';
     append_csv(out, values[i]);
   }
+}
+
+void append_csv_row(std::string& out, std::span<const output_value> values) {
+  append_csv_fields(out, values);
   out += "\r\n";
+}
+
+// Appends `count` copies of `text` to the output in pieces, so that a long
+// run of missing values never sits in memory at once.
+void append_repeated(buffered_output& out, std::string_view text, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    out.text() += text;
+    out.maybe_flush();
+  }
 }
 
 }  // namespace
 
-void buffered_output::flush() {
+void buffered_output::write_out() {
   if (buffer_.empty()) return;
   out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
-  out_.flush();
   buffer_.clear();
+}
+
+void buffered_output::flush() {
+  write_out();
+  flush_output(out_);
 }
 
 std::string number_text(double value) {
@@ -120,15 +138,40 @@ void jsonl_writer::record(std::span<const output_value> values) {
   out_.maybe_flush();
 }
 
+void jsonl_writer::padded_record(std::span<const output_value> values, std::size_t missing) {
+  if (missing == 0) return record(values);
+  std::string& out = out_.text();
+  out += '[';
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    append_json(out, values[i]);
+    out += ", ";
+  }
+  append_repeated(out_, "null, ", missing - 1);
+  out_.text() += "null]\n";
+  out_.maybe_flush();
+}
+
 void csv_writer::header(const textio::import::table_header& header) {
   if (header.names.empty()) return;
   append_csv_row(out_.text(), header.names);
   out_.maybe_flush();
 }
 
-void csv_writer::record(std::span<const output_value> values) {
-  append_csv_row(out_.text(), values);
+void csv_writer::record(std::span<const output_value> values) { padded_record(values, 0); }
+
+void csv_writer::padded_record(std::span<const output_value> values, std::size_t missing) {
+  if (values.size() + missing == 1 && (missing == 1 || values[0].kind == value_kind::missing)) {
+    lone_missing_written_ = true;
+  }
+  append_csv_fields(out_.text(), values);
+  append_repeated(out_, ",", values.empty() && missing > 0 ? missing - 1 : missing);
+  out_.text() += "\r\n";
   out_.maybe_flush();
+}
+
+std::string lone_missing_advice() {
+  return "zvtextparser: note: a record of one missing value is written as an empty line; read this CSV back with "
+         "EmptyLineRule read to keep those records\n";
 }
 
 }  // namespace zvtool

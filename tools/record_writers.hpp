@@ -17,13 +17,19 @@ class buffered_output {
   explicit buffered_output(std::ostream& out) : out_(out) {}
   buffered_output(const buffered_output&) = delete;
   buffered_output& operator=(const buffered_output&) = delete;
-  ~buffered_output() { flush(); }
+  // Writes what is left without checking: on the way out after a failure.
+  ~buffered_output() { write_out(); }
 
   std::string& text() noexcept { return buffer_; }
   void maybe_flush() {
     if (buffer_.size() >= (std::size_t{1} << 16)) flush();
   }
+  // Writes the buffer and flushes the stream; throws output_failure when the
+  // stream fails.
   void flush();
+
+ private:
+  void write_out();
 
  private:
   std::ostream& out_;
@@ -42,6 +48,7 @@ class jsonl_writer : public textio::import::record_sink {
   explicit jsonl_writer(std::ostream& out) : out_(out) {}
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
+  void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
   void flush() { out_.flush(); }
 
  private:
@@ -50,17 +57,28 @@ class jsonl_writer : public textio::import::record_sink {
 
 // RFC 4180: a header row when there are names, CRLF after every row, a field
 // quoted when it holds a comma, a quote, CR or LF, starts or ends with
-// whitespace, or is empty text (an unquoted empty field is missing).
+// whitespace or U+FEFF (which would read back as a byte-order mark), or is
+// empty text (an unquoted empty field is missing).
+//
+// A record of one missing field is an empty line, which reads back as a
+// record only under EmptyLineRule "read"; lone_missing_written() tells
+// whether such a line was written, and lone_missing_advice() what to say.
 class csv_writer : public textio::import::record_sink {
  public:
   explicit csv_writer(std::ostream& out) : out_(out) {}
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
+  void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
   void flush() { out_.flush(); }
+  bool lone_missing_written() const noexcept { return lone_missing_written_; }
 
  private:
   buffered_output out_;
+  bool lone_missing_written_ = false;
 };
+
+// The advice for a CSV output that holds a record of one missing field.
+std::string lone_missing_advice();
 
 // Counts records and fields; writes nothing until asked.
 class count_writer : public textio::import::record_sink {
@@ -69,6 +87,10 @@ class count_writer : public textio::import::record_sink {
   void record(std::span<const textio::import::output_value> values) override {
     ++records_;
     fields_ += values.size();
+  }
+  void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override {
+    record(values);
+    fields_ += missing;
   }
   bool counts_only() const override { return true; }
   void record_count(std::size_t fields) override {

@@ -23,6 +23,8 @@ constexpr std::array read_options{
     struct_option,
     tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
+    tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},
+    tool_option{"--strict", "", "exit 5 when FILE changed while it was read (a warning is printed in any case)"},
     tool_option{"--no-detect", "", "read with the options as they stand; detect nothing"},
     encoding_option,
     quote_option,
@@ -62,10 +64,15 @@ are names. --count: {"records": N, "fields": M} (it overrides --format).
 A reading error ends the output after the last good record, with an
 {"error": {...}} line in jsonl and count. A refused option prints the
 options subcommand's report in jsonl and count, nothing in csv; the message
-goes to standard error in every case. Unless --no-detect is given, what the
-options leave open is first detected as the detect subcommand does. Standard
-error also says when a detected quote never closed (it is then read as text)
-and how many lines were left after the table's end.
+goes to standard error in every case. In csv a record of one missing value
+is an empty line, which reads back only under EmptyLineRule read; a note on
+standard error says so when such a record was written. A regular FILE that
+changed while it was read gives a warning on standard error (and status 5
+with --strict). A failed write ends the tool with status 5, a closed pipe
+quietly with status 141. Unless --no-detect is given, what the options
+leave open is first detected as the detect subcommand does. Standard error
+also says when a detected quote never closed (it is then read as text) and
+how many lines were left after the table's end.
 )";
 
 constexpr std::string_view detect_details = R"(Detection looks at the first MiB of FILE and the rest of the line it ends in,

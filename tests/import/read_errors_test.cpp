@@ -29,7 +29,7 @@ class ReadError : public ::testing::TestWithParam<error_case> {};
 TEST_P(ReadError, StopsWithItsIdentifierAndPosition) {
   const auto& c = GetParam();
   const auto out = read_text(c.contents, c.args);
-  EXPECT_EQ(out.status, 1);
+  EXPECT_EQ(out.status, 4);
   EXPECT_EQ(joined(out), c.records_before);
   EXPECT_NE(out.error.find("\"identifier\": \"ZORVEK:textio:reader:" + c.key + "\""), std::string::npos) << out.error;
   EXPECT_NE(out.error.find("\"arguments\": [" + c.arguments + "]"), std::string::npos) << out.error;
@@ -82,15 +82,21 @@ const error_case error_cases[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Errors, ReadError, ::testing::ValuesIn(error_cases));
 
-TEST(ReadError, MissingFileIsAReadingError) {
-  const auto out = import_test::read_file("/nonexistent/zvtextimport/file.csv", {});
-  EXPECT_EQ(out.status, 1);
-  EXPECT_NE(out.error.find("ZORVEK:textio:reader:CannotReadFile"), std::string::npos) << out.raw;
+TEST(ReadError, InputThatCannotBeReadGivesThePathAndTheReason) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"/nonexistent/zvtextimport/file.csv", "No such file or directory"},
+      {::testing::TempDir(), "Is a directory"},
+  };
+  for (const auto& [path, reason] : cases) {
+    const auto out = import_test::read_file(path, {});
+    EXPECT_EQ(out.status, 5) << path;
+    EXPECT_NE(out.error.find("\"arguments\": [\"" + path + "\", \"" + reason + "\"]"), std::string::npos) << out.raw;
+  }
 }
 
 TEST(ReadError, CsvOutputEndsAtTheLastGoodRecord) {
   const auto out = read_text("1,2\n3,,4\n5,6", {"--format", "csv", "ConsecutiveDelimitersRule", "error"});
-  EXPECT_EQ(out.status, 1);
+  EXPECT_EQ(out.status, 4);
   EXPECT_EQ(out.raw, "1,2\r\n");
 }
 

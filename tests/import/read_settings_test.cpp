@@ -76,9 +76,12 @@ INSTANTIATE_TEST_SUITE_P(EmptyLines, ReadSetting, ::testing::ValuesIn(empty_line
 const setting_case quote_cases[] = {
     {"delimiter_and_line_ending_inside_quotes", "\"a,b\nc\",d\ne,f", {}, R"(["a,b\nc", "d"] | ["e", "f"])"},
     {"doubled_quote_is_one", "\"say \"\"hi\"\"\",x", {}, R"(["say \"hi\"", "x"])"},
-    {"units_after_closing_quote_appended", "\"ab\"cd ,e", {}, R"(["abcd", "e"])"},
+    {"units_after_closing_quote_kept_as_they_stand",
+     "\"ab\"  ,\"cd\" x ,\"\"\t,e",
+     {},
+     R"(["ab  ", "cd x ", "\t", "e"])"},
     {"quoted_field_not_trimmed", "\" a \", b ", {}, R"([" a ", "b"])"},
-    {"quote_after_whitespace_still_quotes", "  \"a,b\"  ,c", {}, R"(["a,b", "c"])"},
+    {"quote_after_whitespace_still_quotes", "  \"a,b\",c", {}, R"(["a,b", "c"])"},
     {"quote_inside_unquoted_field_is_text", "a\"b,c", {}, R"(["a\"b", "c"])"},
     {"quoted_empty_is_not_missing", "\"\",x", {}, R"(["", "x"])"},
     {"crlf_inside_quotes_kept", "\"a\r\nb\",c\r\nd,e", {}, R"(["a\r\nb", "c"] | ["d", "e"])"},
@@ -178,7 +181,7 @@ const setting_case matrix_cases[] = {
      R"([1234.5, 0.75])"},
     {"trim_non_numeric", "$12.5 USD,abc", numbers({"TrimNonNumeric", "true"}), R"([12.5, "NaN"])"},
     {"untrimmed_fails", "$12.5", numbers({}), R"(["NaN"])"},
-    {"nan_and_inf", "NaN,-Inf,inf", numbers({}), R"(["NaN", "-Inf", "Inf"])"},
+    {"nan_and_inf", "NaN,-Inf,inf,Infinity,-infinity", numbers({}), R"(["NaN", "-Inf", "Inf", "Inf", "-Inf"])"},
     {"import_error_omitrow", "1,2\n3,x\n5,6", numbers({"ImportErrorRule", "omitrow"}), "[1, 2] | [5, 6]"},
     {"import_error_omitvar", "1,2\n3,x\n5,6", numbers({"ImportErrorRule", "omitvar"}), "[1] | [3] | [5]"},
 };

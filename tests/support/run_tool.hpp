@@ -16,4 +16,18 @@ struct tool_run {
 
 tool_run run_tool(const std::vector<std::string>& args);
 
+// How the child's standard streams and SIGPIPE are set up, for fault
+// injection; by default both outputs are captured and SIGPIPE is default.
+struct tool_setup {
+  std::string stdout_path;  ///< when set, standard output is this file (e.g. /dev/full)
+  int stdout_fd = -1;       ///< when set, standard output is this descriptor
+  int stdin_fd = -1;        ///< when set, standard input is this descriptor
+  bool close_stdout = false;
+  bool close_stdin = false;
+  bool ignore_sigpipe = false;
+  int timeout_seconds = 60;  ///< the child is killed after it, and the status is -1
+};
+
+tool_run run_tool(const std::vector<std::string>& args, const tool_setup& setup);
+
 }  // namespace test_support
