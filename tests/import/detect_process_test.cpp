@@ -77,6 +77,9 @@ TEST(ReadDetects, SemicolonFileWithATitleNeedsNoOptions) {
   EXPECT_EQ(run.out, "{\"variables\": [\"name\", \"price\"], \"units\": [], \"descriptions\": []}\n"
                      "[\"apple\", \"1,5\"]\n[\"pear\", \"2,25\"]\n[\"plum\", \"3\"]\n");
   EXPECT_EQ(run.err, "");
+  const auto verbose = run_tool({"read", path, "--verbose", "--count"});
+  EXPECT_NE(verbose.err.find("  Delimiter: ';'"), std::string::npos) << verbose.err;
+  EXPECT_NE(verbose.err.find("variable names: \"name\" \"price\""), std::string::npos) << verbose.err;
 }
 
 TEST(Detect, FailuresReportAsOptionsDoes) {
