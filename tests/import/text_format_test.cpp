@@ -115,7 +115,6 @@ const format_case format_cases[] = {
      R"(["a", "é"] | ["b", null])"},
     {"utf16be_no_bom", std::string("\0a\0,\0b", 6), in("UTF-16BE"), R"(["a", "b"])"},
     {"utf32le_bom_skipped", std::string("\xFF\xFE\0\0x\0\0\0", 8), in("UTF-32LE"), R"(["x"])"},
-    {"utf8_bom_through_iconv", "\xEF\xBB\xBFz", in("UTF-8"), R"(["z"])"},
     {"invalid_byte_offset_after_good_text", "ab\ncd\n\x81", in("WINDOWS-1252"), R"(["ab"])",
      "InvalidEncoding(WINDOWS-1252 6 )"},
     {"cut_off_character_at_end", std::string("a\0\n\0b", 5), in("UTF-16LE"), "",
