@@ -1,20 +1,23 @@
 // Throughput of the reference reader on a generated CSV (10 columns, mixed
-// text and numbers, some quoted fields): counting (the one-pass kernel),
-// reading every value (the full scanner, on UTF-8 bytes), and reading as
-// UTF-16 (a non-ASCII delimiter forces that path). The comparison with other
-// programs on a 256 MiB file is bench/read_comparison.sh.
+// text and numbers, some quoted fields): the structural scan alone on the
+// text in memory (per kernel), counting (the structural scan), reading every value (the full scanner, on UTF-8 bytes),
+// and reading as UTF-16 (a non-ASCII delimiter forces that path). The comparison with other programs on a 256 MiB file
+// is bench/read_comparison.sh.
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "import/output.hpp"
+#include "import/structural_scan.hpp"
 #include "import/text_reader.hpp"
 #include "import/utf8_input.hpp"
 #include "parser/options.hpp"
+#include "zvdelim/get_or_create_delim.hpp"
 
 namespace {
 
@@ -75,11 +78,46 @@ void BM_ReadDelimitedUtf16(benchmark::State& state) {
 }
 BENCHMARK(BM_ReadDelimitedUtf16)->Unit(benchmark::kMillisecond);
 
+// The structural scan over the whole sample in memory, counting records and
+// fields, with one kernel.
+void BM_StructuralScan(benchmark::State& state, std::int64_t target) {
+  std::ifstream in(sample_path(), std::ios::binary);
+  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  using namespace textio::import;
+  scan_rules<char> rules;
+  rules.field_delimiters = string_matcher<char>(textio::get_or_create_delim({u","}));
+  rules.line_endings = string_matcher<char>(textio::get_or_create_delim({u"\n", u"\r", u"\r\n"}));
+  rules.quotes = true;
+  rules.trim = true;
+  rules.whitespace = u" \t";
+  rules.finish();
+  structural_scanner scanner(*structural_classes::for_rules(rules), false, target);
+  for (auto _ : state) {
+    std::size_t records = 0;
+    std::size_t fields = 0;
+    const auto out = scanner.scan(text, true, 1, [&](const structural_record& r) {
+      ++records;
+      fields += r.fields;
+      return true;
+    });
+    if (out.what != structural_stop::end_of_input) state.SkipWithError("the sample left the structural scan");
+    benchmark::DoNotOptimize(records);
+    benchmark::DoNotOptimize(fields);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(text.size()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  for (const std::int64_t target : textio::import::structural_targets()) {
+    benchmark::RegisterBenchmark(
+        (std::string("BM_StructuralScan/") + textio::import::structural_target_name(target)).c_str(), BM_StructuralScan,
+        target)
+        ->Unit(benchmark::kMillisecond);
+  }
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
   std::remove(sample_path().c_str());

@@ -82,7 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   const auto& o = r.options;
   if (!(r.report.confidence >= 0 && r.report.confidence <= 1)) fail("confidence outside 0 to 1");
-  if (o.detecting_delimiter() && given.detecting_delimiter() && !choices.keys.count("ParserType")) {
+  if (o.detecting_delimiter() && given.detecting_delimiter() &&
+      (!choices.keys.count("ParserType") || given.parser_type() == textio::enums::ParserType::Delimited)) {
     fail("delimiter left undetected");
   }
   if (!given.detecting_delimiter() && o.delimiter() != given.delimiter()) fail("given delimiter changed");

@@ -168,6 +168,11 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   const std::string_view examined =
       lines.empty() ? std::string_view() : std::string_view(text).substr(0, lines.back().offset + lines.back().text.size());
   const bool parser_given = !open("ParserType");
+  // The reader is chosen when nobody gave it; the delimiter also when the
+  // delimited reader was given without one.
+  const bool choose_parser = opts.detecting_delimiter() && !parser_given;
+  const bool choose_delimiter =
+      opts.detecting_delimiter() && (!parser_given || opts.parser_type() == ParserType::Delimited);
 
   // Comment marker.
   std::string marker;
@@ -189,9 +194,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   chosen_layout chosen;
   std::vector<char> delimiters;
   bool with_blanks = false;
-  if (opts.detecting_delimiter() && !parser_given) {
+  if (choose_delimiter) {
     delimiters = candidate_delimiters(lines, marker);
-    with_blanks = true;
+    with_blanks = choose_parser;
   } else if (opts.parser_type() == ParserType::Tabular) {
     with_blanks = true;
   } else {
@@ -213,8 +218,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
   const dialect_score best = ranked.empty() ? dialect_score{} : ranked.front();
   chosen.table = split_records(lines, text, chosen.d, marker, max_records);
-  const bool detecting_layout = opts.detecting_delimiter() && !parser_given;
-  if (detecting_layout && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8)) {
+  if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8)) {
     // Blank-aligned columns: separate by runs of blanks when every row then
     // has the same number of fields, else cut at fixed positions.
     const dialect blanks{' ', true, '"', escape_style::doubled};
@@ -271,7 +275,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     }
     chosen.table = cut_fixed_width(lines, starts, marker, max_records);
   }
-  if (!chosen.fixed_width && !chosen.single_column && detecting_layout && best.dominant_fields <= 1) {
+  if (!chosen.fixed_width && !chosen.single_column && choose_delimiter && best.dominant_fields <= 1) {
     chosen.single_column = true;
   }
 
@@ -285,7 +289,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   const table_layout layout = analyse_layout(chosen.table, numbers);
 
   // Fill in what was left open.
-  if (detecting_layout) {
+  if (choose_delimiter) {
     if (chosen.fixed_width) {
       opts.parser_type(ParserType::FixedWidth);
       if (open("VariableWidths")) opts.field_widths(chosen.widths);
@@ -303,8 +307,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       rep.filled.push_back({"Delimiter", printable(chosen.d.delimiter) + " gives the most regular table"});
     }
   }
-  fmt.quote = chosen.fixed_width || chosen.single_column ? '"' : chosen.d.quote;
-  fmt.escape = chosen.d.escape;
+  fmt.quote = choices.quote ? *choices.quote : chosen.fixed_width || chosen.single_column ? '"' : chosen.d.quote;
+  fmt.escape = choices.escape ? *choices.escape : chosen.d.escape;
   fmt.quote_detected = !choices.quote.has_value();
   if (!choices.quote && (chosen.d.quote != '"' || examined.find('"') != std::string_view::npos)) {
     rep.filled.push_back({"Quote", chosen.d.quote == '\0' ? std::string("no quote character pairs up")

@@ -47,6 +47,10 @@ std::size_t first_row(const sample_table& table, const std::vector<std::size_t>&
     for (std::size_t j = 1; j <= window; ++j) agree += fits(table.records[rows[i + j]].field_count, k);
     if (agree * 5 >= window * 4) return i;
   }
+  // No run of agreeing rows: the first row that fits.
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (fits(table.records[rows[i]].field_count, k)) return i;
+  }
   return 0;
 }
 
@@ -123,7 +127,7 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
     if (window == 0 || agree * 2 < window) break;
     ++i;
   }
-  if (e < rows.size()) out.end_line = rec(e - 1).last_line + 1;
+  if (e > s && e < rows.size()) out.end_line = rec(e - 1).last_line + 1;
 
   // Kinds down each column, from the rows below the candidate names rows.
   const std::size_t first_typed = (e - s >= 8) ? s + 3 : s + 1;

@@ -10,13 +10,13 @@
 #include <vector>
 
 #include "import/compact_table.hpp"
-#include "import/count_kernel.hpp"
 #include "import/delimiter_rules.hpp"
 #include "import/fixed_width_cutter.hpp"
 #include "import/number_conversion.hpp"
 #include "import/reader_errors.hpp"
 #include "import/reader_settings.hpp"
 #include "import/record_scanner.hpp"
+#include "import/structural_scan.hpp"
 #include "import/unit_window.hpp"
 #include "import/utf8_text.hpp"
 #include "parser/record_readers.hpp"
@@ -99,19 +99,18 @@ class table_reader {
       const bool header_line = line <= header_lines_;
       const bool meta = !header_sent_ && is_meta_line(line);
       if constexpr (sizeof(CharT) == 1) {
-        if (kernel_ && !header_line && !meta) {
-          const count_kernel::result r = kernel_->scan(window_.view(), window_.at_end(), line);
-          if (r.what == count_kernel::status::need_more) {
+        if (counter_ && line >= first_counted_line_) {
+          const auto r = counter_->scan(window_.view(), window_.at_end(), line,
+                                        [this](const structural_record& rec) { return counted_fast(rec); });
+          window_.consume(r.consumed);
+          line = r.next_line;
+          if (r.what == structural_scanner::stop::need_more) {
             more();
             continue;
           }
-          if (r.what == count_kernel::status::end_of_input) break;
-          if (r.what == count_kernel::status::record && counted_by_kernel(r)) {
-            window_.consume(r.consumed);
-            line = r.next_line;
-            continue;
-          }
-          // Otherwise the full scanner takes this record.
+          if (r.what == structural_scanner::stop::end_of_input) break;
+          if (text_.table_end_line && line >= *text_.table_end_line) continue;
+          // Otherwise the full scanner takes the next record.
         }
       }
       record_scanner<CharT>& scanner = header_line && !meta ? raw_scanner_ : data_scanner_;
@@ -193,12 +192,6 @@ class table_reader {
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
-    if constexpr (sizeof(CharT) == 1) {
-      // The kernel knows only the '"' quote, doubled.
-      if (counting_ && text_.quote == '"' && text_.escape == escape_style::doubled) {
-        kernel_ = count_kernel::for_options(opts_);
-      }
-    }
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     const textio::parser::LineRecordReader line_reader(opts_);
@@ -240,6 +233,24 @@ class table_reader {
         data_rules_.finish();
         data_rules_.mark_stop_characters(line_reader.delimiters.stop_chars, starts_line_ending);
         break;
+    }
+    if constexpr (sizeof(CharT) == 1) {
+      // Plain delimited records are counted by the structural scan, whose
+      // field count is the delimiter count plus one. It knows doubled quotes
+      // only.
+      using namespace textio::enums;
+      if (counting_ && opts_.parser_type() == ParserType::Delimited && !data_rules_.backslash_escape &&
+          opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
+          opts_.trailing_delim_rule() == TrailingDelimiterRule::Keep &&
+          opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split) {
+        const std::uint64_t last_special = std::max({header_lines_, opts_.variable_names_line(),
+                                                     opts_.variable_units_line(), opts_.variable_descriptions_line()});
+        const auto classes = structural_classes::for_rules(data_rules_);
+        if (classes && last_special < std::numeric_limits<std::uint64_t>::max()) {
+          counter_.emplace(*classes);
+          first_counted_line_ = last_special + 1;
+        }
+      }
     }
   }
 
@@ -307,10 +318,12 @@ class table_reader {
     if (progress_) progress_(input_.bytes_read(), input_.size());
   }
 
-  // A record that the count kernel scanned; false when the full scanner must
-  // take it (an empty line that is an error).
-  bool counted_by_kernel(const count_kernel::result& r) {
+  // A record that the structural scan found; false when the full scanner
+  // must take it (an empty line that is an error).
+  bool counted_fast(const structural_record& r) {
+    if (text_.table_end_line && r.line >= *text_.table_end_line) return false;  // the table has ended
     if (r.empty) {
+      if (r.had_comment) return true;
       if (opts_.empty_line_rule() == EmptyLineRule::Error) return false;
       if (opts_.empty_line_rule() == EmptyLineRule::Skip) return true;
       send_header();
@@ -708,7 +721,8 @@ class table_reader {
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
-  std::optional<count_kernel> kernel_;  // UTF-8 counting of plain delimited text
+  std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
+  std::uint64_t first_counted_line_ = 0;       // after header and meta lines
   delimiter_rule_set delimiter_rules_;
   number_format format_;
   std::vector<string> placeholders_;

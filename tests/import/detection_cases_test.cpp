@@ -90,6 +90,10 @@ TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   const detection_result widths = detect(fixed_width_table, true, given, choices);
   EXPECT_EQ(widths.options.field_widths(), r.options.field_widths());
   EXPECT_EQ(widths.options.num_variables(), 3u);
+  // The delimited reader given without a delimiter: the delimiter is found.
+  given.parser_type(ParserType::Delimited);
+  const detection_result delimited = detect("a;b\n1;2\n3;4\n", true, given, choices);
+  EXPECT_EQ(delimited.options.delimiter(), std::vector<std::u16string>{u";"});
 }
 
 TEST(Detection, QuoteAndEscapeAreChosenWithTheDelimiter) {

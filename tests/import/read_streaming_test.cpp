@@ -189,6 +189,8 @@ const count_case count_cases[] = {
     {"line_parser", "a\n\nb", {"ParserType", "line", "EmptyLineRule", "read"}},
     {"tabular", " a  b \nc", {"ParserType", "tabular"}},
     {"matrix_fill", "1,x\n2", {"OutputBuilderType", "matrix"}},
+    {"comments", "#h,\"\n1,2 # c\n  # only\n\"#\",3\n\n4#,", {"CommentStyle", "#", "EmptyLineRule", "read"}},
+    {"quotes_that_are_text", "\"\"\n a,\"b\n c\"\n x\"y,z\n\"q\"r,s", {}},
 };
 INSTANTIATE_TEST_SUITE_P(Count, CountMatchesRecords, ::testing::ValuesIn(count_cases));
 

@@ -1,6 +1,5 @@
 // The reader's pieces on their own: the delimiter rules over blank and
-// filled fields, the fixed-width cutter, and the count kernel against the
-// full scanner.
+// filled fields, and the fixed-width cutter.
 #include "import/delimiter_rules.hpp"
 
 #include <string>
@@ -8,11 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "import/count_kernel.hpp"
 #include "import/fixed_width_cutter.hpp"
-#include "import/reader_settings.hpp"
-#include "import/record_scanner.hpp"
-#include "parser/record_readers.hpp"
 
 namespace {
 
@@ -95,58 +90,6 @@ TEST(FixedWidthCutter, ReportsPartialAndExtraUnits) {
   EXPECT_FALSE(extra.short_record);
   EXPECT_TRUE(extra.has_extra);
   EXPECT_EQ(extra.extra_begin, 5u);
-}
-
-// The count kernel and the full scanner agree on every record of these
-// texts, cut at every place into a window that may end early (at the end
-// of the input both must decide).
-TEST(CountKernel, AgreesWithTheScannerAtEveryCut) {
-  const textio::parser::options opts = textio::import::effective_options(textio::parser::options());
-  const auto kernel = textio::import::count_kernel::for_options(opts);
-  ASSERT_TRUE(kernel.has_value());
-  const textio::parser::DelimitedRecordReader reader(opts);
-  textio::import::scan_rules<char> rules;
-  rules.field_delimiters = textio::import::string_matcher<char>(reader.field_delimiter);
-  rules.line_endings = textio::import::string_matcher<char>(reader.line_delimiter);
-  rules.quotes = true;
-  rules.trim = true;
-  rules.whitespace = opts.whitespace();
-  rules.finish();
-  rules.mark_stop_characters(reader.quoted_delimiters.delimiters.stop_chars,
-                             textio::import::starts_field_delimiter | textio::import::starts_line_ending);
-  textio::import::record_scanner<char> scanner(rules);
-
-  const std::string texts[] = {
-      "a,b,c\r\n1,\"x,\r\ny\",3\n",
-      "  \n\t,\n\"\",\"q\"\"\"  ,  z\r",
-      "0123456789abcdef,0123456789abcdef0123,\"\"\"\",x\ry\n",
-      " \"a\"b , c,,,\n\n\r\n",
-  };
-  for (const std::string& text : texts) {
-    for (std::size_t cut = 0; cut <= text.size(); ++cut) {
-      const bool at_end = cut == text.size();
-      const std::string_view window(text.data(), cut);
-      textio::import::scanned_record<char> rec;
-      const auto full = scanner.scan(window, at_end, 1, rec);
-      const auto fast = kernel->scan(window, at_end, 1);
-      const std::string where = "text " + ::testing::PrintToString(text) + " cut at " + std::to_string(cut);
-      // The scanner asks for more text a little earlier (it looks as far
-      // ahead as the longest line ending); only the records must agree.
-      if (!at_end && (full == textio::import::scan_result::need_more ||
-                      fast.what == textio::import::count_kernel::status::need_more))
-        continue;
-      ASSERT_NE(full, textio::import::scan_result::need_more) << where;
-      if (full == textio::import::scan_result::end_of_input) {
-        EXPECT_EQ(fast.what, textio::import::count_kernel::status::end_of_input) << where;
-        continue;
-      }
-      ASSERT_EQ(fast.what, textio::import::count_kernel::status::record) << where;
-      EXPECT_EQ(fast.consumed, rec.consumed) << where;
-      EXPECT_EQ(fast.next_line, rec.next_line) << where;
-      EXPECT_EQ(fast.fields, rec.fields.size()) << where;
-      EXPECT_EQ(fast.empty, rec.empty) << where;
-    }
-  }
 }
 
 }  // namespace

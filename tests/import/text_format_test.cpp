@@ -127,6 +127,8 @@ const format_case format_cases[] = {
     {"backslash_escape", R"("a\"b\\c\n",d)", quoted('"', escape_style::backslash), R"(["a\"b\\c\\n", "d"])", "", "",
      "1/2"},
     {"backslash_then_quote_closes", "\"a\\\\\",b", quoted('"', escape_style::backslash), R"(["a\\", "b"])"},
+    {"escaped_quote_before_delimiter", "\"a\\\",b\",c", quoted('"', escape_style::backslash), R"(["a\",b", "c"])", "",
+     "", "1/2"},
     {"stray_detected_quote_read_as_text", "a,b\n\"c,d\ne,\"\"\n", quoted('"', escape_style::doubled, true),
      R"(["a", "b"] | ["\"c", "d"] | ["e", "\"\""])", "", "2:1", "3/6"},
     {"stray_given_quote_fails", "a,b\n\"c,d\ne,f\n", quoted('"'), R"(["a", "b"])", "UnterminatedQuote(2 1 )"},
