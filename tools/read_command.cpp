@@ -14,6 +14,7 @@
 #include "tools/exit_status.hpp"
 #include "tools/json_writer.hpp"
 #include "tools/memory_limit.hpp"
+#include "tools/reading_choices.hpp"
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
 #include "tools/usage_error.hpp"
@@ -102,10 +103,29 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     if (csv) csv->flush();
   };
 
+  const textio::import::user_choices choices = user_choices_of(args);
   tool_result result;
   try {
     textio::import::utf8_input input(*args.operand);
-    textio::import::read_table(record, input, *sink, progress_bar(input));
+    textio::import::text_format text = given_format(choices);
+    if (!args.has("--no-detect")) {
+      const textio::import::detection_result detected = detect_input(input, record, choices);
+      record = detected.options;
+      text = detected.format;
+      if (args.has("--verbose")) result.err += report_text(detected.report);
+    }
+    apply_table_options(args, text);
+    const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
+      result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " + std::to_string(column) +
+                    " never closes; quotes are read as text from there on\n";
+    };
+    const textio::import::read_summary summary =
+        textio::import::read_table(record, input, *sink, text, progress_bar(input), warn);
+    if (summary.lines_left_unread > 0) {
+      result.err += "zvtextparser: the table ends before line " + std::to_string(*text.table_end_line) + "; " +
+                    std::to_string(summary.lines_left_unread) +
+                    " more lines were left unread (--all-lines reads them)\n";
+    }
     if (input.changed_since_opened()) {
       result.err += changed_warning(*args.operand);
       if (args.has("--strict")) result.status = exit_io_failure;
@@ -113,7 +133,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   } catch (const foundation::core::except::IMsgIDException& error) {
     const message_failure failure = capture_message(error);
     result.status = reading_failure_status(failure);
-    result.err = message_line(failure);
+    result.err += message_line(failure);
     if (failure.id.key == "OutOfMemory") {
       result.err += "zvtextparser: the memory limit was " + memory_size_text(memory_limit(args)) + " (--max-memory)\n";
     }

@@ -23,7 +23,7 @@ std::string write_file(const std::string& contents) {
 }
 
 read_output read_file(const std::string& path, const std::vector<std::string>& args) {
-  std::vector<std::string> all{path};
+  std::vector<std::string> all{path, "--no-detect"};
   all.insert(all.end(), args.begin(), args.end());
   const zvtool::parsed_arguments scanned = zvtool::parse_subcommand_arguments("read", all);
   std::ostringstream text;

@@ -19,7 +19,7 @@ struct read_output {
 // its path.
 std::string write_file(const std::string& contents);
 
-// zvtextparser read <file> <args...>, in process.
+// zvtextparser read <file> --no-detect <args...>, in process.
 read_output read_file(const std::string& path, const std::vector<std::string>& args);
 read_output read_text(const std::string& contents, const std::vector<std::string>& args);
 
