@@ -32,8 +32,9 @@ fi
 bytes=$(stat -c %s "$file")
 cat "$file" > /dev/null  # into the page cache
 threads=$(nproc)
-# The settings spelled out, so that no detection changes what is read: comma
-# delimited, one line of names, every value text as read.
+# The settings spelled out and detection off (the in-memory table does not
+# detect), so that every command reads the same: comma delimited, one line of
+# names, every value text as read.
 read_options=(Delimiter , NumHeaderLines 1 VariableNamesLine 1)
 
 labels=()
@@ -44,9 +45,9 @@ add() { labels+=("$1"); jobs+=("$2"); commands+=("$3"); }
 q=$(printf '%q' "$file")
 opts=$(printf '%q ' "${read_options[@]}")
 add "wc -l" count "wc -l $q"
-add "zvtextparser read --count" count "$tool read $q --count $opts"
-add "zvtextparser read --format csv" csv "$tool read $q --format csv $opts"
-add "zvtextparser read --format jsonl" json "$tool read $q --format jsonl $opts"
+add "zvtextparser read --count" count "$tool read $q --count --no-detect $opts"
+add "zvtextparser read --format csv" csv "$tool read $q --format csv --no-detect $opts"
+add "zvtextparser read --format jsonl" json "$tool read $q --format jsonl --no-detect $opts"
 [[ -x $table ]] && add "zvtextparser in-memory table" memory "$table $q $opts"
 
 if command -v Rscript > /dev/null && Rscript -e 'library(data.table)' > /dev/null 2>&1; then
