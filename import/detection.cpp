@@ -11,6 +11,7 @@
 #include "import/table_layout.hpp"
 #include "import/utf8_text.hpp"
 #include "errors/msg_id_exception.hpp"
+#include "zvcore/ustring.hpp"
 
 namespace textio::import {
 namespace {
@@ -25,30 +26,6 @@ ustring to_ustring(std::string_view utf8) {
   ustring out;
   const utf8_check c = check_utf8(utf8);
   append_utf16(out, utf8.substr(0, c.valid));
-  return out;
-}
-
-std::string to_utf8(const ustring& s) {
-  std::string out;
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    char32_t c = s[i];
-    if (c >= 0xD800 && c <= 0xDBFF && i + 1 < s.size()) c = 0x10000 + ((c - 0xD800) << 10) + (s[++i] - 0xDC00);
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (c >> 18));
-      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
   return out;
 }
 
@@ -177,7 +154,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   // Comment marker.
   std::string marker;
   if (!opts.comment_style().empty()) {
-    marker = to_utf8(opts.comment_style().front());
+    marker = foundation::core::unicode::to_utf8(opts.comment_style().front());
   } else if (open("CommentStyle")) {
     marker = find_comment_marker(lines);
     if (!marker.empty()) {
