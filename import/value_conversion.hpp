@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "import/datetime_parsing.hpp"
 #include "import/number_conversion.hpp"
@@ -26,5 +27,18 @@ bool convert_value(std::basic_string_view<CharT> text, value_type type, const co
 
 // true/false in any case.
 std::optional<bool> parse_logical(std::string_view text);
+
+}  // namespace textio::import
+
+namespace textio::import {
+
+// How the reader reads one variable: its type, the order of its two-number
+// dates, and texts that mean missing in it besides the record's placeholders
+// (markers that detection found).
+struct variable_typing {
+  value_type type = value_type::string;
+  date_order dates = date_order::day_first;
+  std::vector<std::string> missing_markers;
+};
 
 }  // namespace textio::import
