@@ -30,6 +30,9 @@ struct table_header {
   std::vector<output_value> names;
   std::vector<output_value> units;
   std::vector<output_value> descriptions;
+  // The type name of each variable when the reader converts to types;
+  // empty when every value is text.
+  std::vector<std::string_view> types;
 };
 
 // Receives the header once, before any record, then every record in order.

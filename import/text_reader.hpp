@@ -7,9 +7,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 
 #include "import/output.hpp"
 #include "import/utf8_input.hpp"
+#include "import/value_conversion.hpp"
 #include "parser/options.hpp"
 
 namespace textio::import {
@@ -24,5 +26,13 @@ using progress_callback = std::function<void(std::uint64_t bytes_read, std::uint
 // the whole table first.
 void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
                 const progress_callback& progress = {});
+
+// Reads as read_table does, and with OutputBuilderType Table converts each
+// variable to its type in `types` (by position; variables beyond are text).
+// A value that does not convert follows ImportErrorRule: Fill makes it
+// missing, OmitRow, OmitVar, Error as for Matrix. Other output types ignore
+// `types`.
+void read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                      std::span<const variable_typing> types, const progress_callback& progress = {});
 
 }  // namespace textio::import

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 
@@ -17,6 +18,7 @@
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
 #include "tools/usage_error.hpp"
+#include "tools/variable_types.hpp"
 
 namespace zvtool {
 namespace {
@@ -66,6 +68,20 @@ std::string changed_warning(const std::string& file) {
          "may mix old and new contents\n";
 }
 
+// With OutputBuilderType Table: the type of each variable, detected from the
+// first records of a regular file and overridden by --types. Standard input
+// is read once, so only --types gives its variables types.
+std::vector<textio::import::variable_typing> variable_types(const parsed_arguments& args,
+                                                            const textio::parser::options& record) {
+  if (record.output_type() != textio::enums::OutputBuilderType::Table) return {};
+  text_sample sample;
+  std::error_code ec;
+  if (*args.operand != "-" && std::filesystem::is_regular_file(*args.operand, ec)) {
+    sample = read_text_sample(record, *args.operand);
+  }
+  return apply_type_argument(args.value("--types"), detect_sample_types(record, sample), sample.names);
+}
+
 }  // namespace
 
 read_format output_format(const parsed_arguments& args) {
@@ -91,6 +107,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     return result;
   }
 
+  const auto types = variable_types(args, record);
   std::optional<jsonl_writer> jsonl;
   std::optional<csv_writer> csv;
   count_writer counter;
@@ -105,7 +122,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   tool_result result;
   try {
     textio::import::utf8_input input(*args.operand);
-    textio::import::read_table(record, input, *sink, progress_bar(input));
+    textio::import::read_typed_table(record, input, *sink, types, progress_bar(input));
     if (input.changed_since_opened()) {
       result.err += changed_warning(*args.operand);
       if (args.has("--strict")) result.status = exit_io_failure;

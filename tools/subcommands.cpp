@@ -21,6 +21,8 @@ constexpr std::array read_options{
     struct_option,
     tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
+    tool_option{"--types", "JSON",
+                "types by position [\"double\", \"auto\"] or by name {\"when\": \"datetime\"}; auto: detect"},
     tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},
     tool_option{"--strict", "", "exit 5 when FILE changed while it was read (a warning is printed in any case)"},
 };
