@@ -373,10 +373,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
 
   // The type of each variable from the table's body rows.
   std::vector<std::vector<std::string>> body;
-  for (std::size_t r = layout.first_record + layout.names_rows; r < chosen.table.records.size(); ++r) {
-    const sample_record& rec = chosen.table.records[r];
+  for (const sample_record& rec : chosen.table.records) {
     if (layout.end_line && rec.first_line >= *layout.end_line) break;
-    if (!rec.blank && !rec.comment) body.push_back(rec.fields);
+    if (rec.first_line > opts.num_header_lines() && !rec.blank && !rec.comment) body.push_back(rec.fields);
   }
   const std::uint64_t variables = opts.detecting_num_variables() ? layout.num_variables : opts.num_variables();
   add_variable_types(rep, body, static_cast<std::size_t>(std::min<std::uint64_t>(variables, max_kept_fields)), opts);

@@ -17,7 +17,7 @@ const std::map<std::string, double> floors = {
     {"thousands", 1.0},      {"comment", 1.0},     {"table_end", 1.0},
 };
 
-const double type_accuracy_floor = 0.0;
+const double type_accuracy_floor = 1.0;
 
 TEST(DetectionCorpus, PerFieldAccuracyHoldsItsFloor) {
   const std::string dir = ZVTP_DETECT_CORPUS;
