@@ -44,13 +44,13 @@ struct rule_case {
 
 TEST(ReadTypes, ValuesThatDoNotConvertFollowTheImportErrorRule) {
   const rule_case cases[] = {
-      {"fill", "[1, 7] | [null, 8] | [300, 9]"},
-      {"omitrow", "[1, 7] | [300, 9]"},
-      {"omitvar", "[7] | [8] | [9]"},
-      {"error", "[1, 7]", 4},
+      {"fill", "[1, true] | [null, false] | [300, true]"},
+      {"omitrow", "[1, true] | [300, true]"},
+      {"omitvar", "[true] | [false] | [true]"},
+      {"error", "[1, true]", 4},
   };
   for (const auto& c : cases) {
-    const auto out = read_text("a,b\n1,7\nx,8\n300,9\n", with({"ImportErrorRule", c.rule, "--types", R"(["int16"])"}));
+    const auto out = read_text("a,b\n1,true\nx,false\n300,TRUE\n", with({"ImportErrorRule", c.rule, "--types", R"(["int16"])"}));
     EXPECT_EQ(joined(out), c.expected) << c.rule;
     EXPECT_EQ(out.status, c.status) << c.rule;
     if (c.status != 0) {
