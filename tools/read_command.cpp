@@ -71,15 +71,26 @@ std::string changed_warning(const std::string& file) {
 // With OutputBuilderType Table: the type of each variable, detected from the
 // first records of a regular file and overridden by --types. Standard input
 // is read once, so only --types gives its variables types.
+// A datetime variable whose dates read both day-first and month-first gets a
+// note in `notes`.
 std::vector<textio::import::variable_typing> variable_types(const parsed_arguments& args,
-                                                            const textio::parser::options& record) {
+                                                            const textio::parser::options& record,
+                                                            std::string& notes) {
   if (record.output_type() != textio::enums::OutputBuilderType::Table) return {};
   text_sample sample;
   std::error_code ec;
   if (*args.operand != "-" && std::filesystem::is_regular_file(*args.operand, ec)) {
     sample = read_text_sample(record, *args.operand);
   }
-  return apply_type_argument(args.value("--types"), detect_sample_types(record, sample), sample.names);
+  auto detected = detect_sample_types(record, sample);
+  auto types = apply_type_argument(args.value("--types"), detected, sample.names);
+  for (std::size_t i = 0; i < detected.size(); ++i) {
+    if (detected[i].date_order_unsettled && types[i].type == textio::import::value_type::datetime) {
+      notes += "zvtextparser: note: the dates of variable " + std::to_string(i + 1) +
+               " read both day-first and month-first; they are read day-first\n";
+    }
+  }
+  return types;
 }
 
 }  // namespace
@@ -107,7 +118,8 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     return result;
   }
 
-  const auto types = variable_types(args, record);
+  std::string type_notes;
+  const auto types = variable_types(args, record, type_notes);
   std::optional<jsonl_writer> jsonl;
   std::optional<csv_writer> csv;
   count_writer counter;
@@ -120,6 +132,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   };
 
   tool_result result;
+  result.err = type_notes;
   try {
     textio::import::utf8_input input(*args.operand);
     textio::import::read_typed_table(record, input, *sink, types, progress_bar(input));
@@ -130,7 +143,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   } catch (const foundation::core::except::IMsgIDException& error) {
     const message_failure failure = capture_message(error);
     result.status = reading_failure_status(failure);
-    result.err = message_line(failure);
+    result.err += message_line(failure);
     if (failure.id.key == "OutOfMemory") {
       result.err += "zvtextparser: the memory limit was " + memory_size_text(memory_limit(args)) + " (--max-memory)\n";
     }

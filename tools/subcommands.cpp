@@ -50,7 +50,8 @@ library refuses an option, reader prints what options prints: no "reader".
 )";
 
 constexpr std::string_view read_details = R"(Output (jsonl): {"variables": [...], "units": [...], "descriptions": [...]},
-then one JSON array per record. csv: RFC 4180 with a header row when there
+with OutputBuilderType table also "types": [...] (detected from the first
+records, or as --types gives them), then one JSON array per record. csv: RFC 4180 with a header row when there
 are names. --count: {"records": N, "fields": M} (it overrides --format).
 A reading error ends the output after the last good record, with an
 {"error": {...}} line in jsonl and count. A refused option prints the

@@ -7,11 +7,13 @@
 #include <vector>
 
 #include "import/read_helpers.hpp"
+#include "support/run_tool.hpp"
 
 namespace {
 
 using import_test::joined;
 using import_test::read_text;
+using test_support::run_tool;
 
 const std::vector<std::string> named{"OutputBuilderType", "table", "NumHeaderLines", "1", "VariableNamesLine", "1"};
 
@@ -27,6 +29,13 @@ TEST(ReadTypes, DetectedTypesGiveValues) {
       << out.header;
   EXPECT_EQ(joined(out),
             R"([1.5, true, "2018-01-28", "01:02:03.50", "x"] | [-2, false, "2018-12-13", "48:00:00", "y"])");
+}
+
+TEST(ReadTypes, UnsettledDateOrderIsNoted) {
+  const std::string path = import_test::write_file("when\n3/4/2020\n5/6/2020\n");
+  const auto run = run_tool({"read", path, "NumHeaderLines", "1", "VariableNamesLine", "1"});
+  EXPECT_EQ(run.out.substr(run.out.find('\n') + 1), "[\"2020-04-03\"]\n[\"2020-06-05\"]\n");
+  EXPECT_NE(run.err.find("variable 1 read both day-first and month-first"), std::string::npos) << run.err;
 }
 
 TEST(ReadTypes, DetectedMarkersAreMissingNotImportErrors) {
