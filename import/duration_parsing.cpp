@@ -26,9 +26,12 @@ std::optional<duration_value> parse_duration(std::string_view s) {
   std::size_t i = 0;
   if (i < s.size() && (s[i] == '-' || s[i] == '+')) v.negative = s[i++] == '-';
   std::int64_t days = 0;
-  auto hours = digits(s, i, 7);
+  // Bounds that keep the nanoseconds within 64 bits: 999999 hours, or 99999
+  // days.
+  auto hours = digits(s, i, 6);
   if (!hours) return std::nullopt;
   if (i < s.size() && s[i] == ' ') {
+    if (*hours > 99999) return std::nullopt;
     ++i;
     days = *hours;
     hours = digits(s, i, 2);

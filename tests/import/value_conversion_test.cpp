@@ -84,6 +84,8 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"01:60:00", value_type::duration, "refused"},
       {"1:2:3", value_type::duration, "refused"},
       {"01:02", value_type::duration, "refused"},
+      {"99999 23:59:59", value_type::duration, "2399999:59:59"},
+      {"100000 00:00:00", value_type::duration, "refused"},
       {"anything", value_type::string, "refused"},
   };
   for (const auto& c : cases) {
