@@ -163,6 +163,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   const std::size_t read_size = 1 + in.below(16);
+  // The reader's own format: quote, escape, a detected quote, an encoding
+  // to convert from, a table end.
+  textio::import::text_format format;
+  static constexpr char quotes[] = {'"', '\'', '\0'};
+  static constexpr const char* encodings[] = {"UTF-8", "UTF-8", "WINDOWS-1252", "UTF-16LE", "UTF-32BE"};
+  const std::uint32_t format_bits = in.below(256);
+  format.quote = quotes[format_bits % 3];
+  if ((format_bits & 4) != 0) format.escape = textio::import::escape_style::backslash;
+  format.quote_detected = (format_bits & 8) != 0;
+  format.encoding = in.pick(encodings);
+  if ((format_bits & 16) != 0) format.table_end_line = 1 + in.below(8);
 
   // The rest of the bytes are the file.
   std::vector<std::uint8_t> file;
@@ -176,7 +187,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     textio::import::utf8_input input(fd, "fuzz");
     input.limit_reads(read_size);
-    textio::import::read_table(record, input, sink);
+    textio::import::read_table(record, input, sink, format);
     read_all = true;
   } catch (const foundation::core::except::IMsgIDException&) {
     // A reading error is a normal end.
@@ -188,7 +199,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     textio::import::utf8_input input(fd, "fuzz");
     input.limit_reads(read_size);
-    textio::import::read_table(record, input, counter);
+    textio::import::read_table(record, input, counter, format);
     counted_all = true;
   } catch (const foundation::core::except::IMsgIDException&) {
   }

@@ -108,6 +108,7 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
   out.scratch.clear();
   out.empty = true;
   out.had_comment = false;
+  out.stray_quote = {};
   if (text.empty()) return at_end ? scan_result::end_of_input : scan_result::need_more;
   pos_ = 0;
   line_ = first_line;
@@ -130,19 +131,40 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
     }
     f.start = here();
     f.begin = pos_;
-    if (rules_.quotes && pos_ < n && text[pos_] == rules_.quote) {
+    if (rules_.quotes && !quotes_as_text_ && pos_ < n && text[pos_] == rules_.quote) {
       f.quoted = true;
       out.empty = false;
       const window_position opening = here();
       ++pos_;
       std::size_t segment = pos_;
+      const CharT escape = rules_.backslash_escape ? CharT('\\') : rules_.quote;
       for (;;) {
-        while (pos_ < n && text[pos_] != rules_.quote && (rules_.classes(text[pos_]) & starts_line_ending) == 0) ++pos_;
+        while (pos_ < n && text[pos_] != rules_.quote && text[pos_] != escape &&
+               (rules_.classes(text[pos_]) & starts_line_ending) == 0)
+          ++pos_;
         if (pos_ == n) {
           if (!at_end) return scan_result::need_more;
+          if (rules_.stray_quote_as_text) {
+            // The record again, with the quote as text.
+            quotes_as_text_ = true;
+            const scan_result again = scan(text, at_end, first_line, out);
+            out.stray_quote = opening;
+            return again;
+          }
           std::uint64_t column = opening.pos - opening.line_start;
           if constexpr (sizeof(CharT) == 1) column = utf16_length(text.substr(opening.line_start, column));
           throw_msg_id_exception(ZORVEK::textio::reader::UnterminatedQuote(opening.line, column + 1));
+        }
+        if (rules_.backslash_escape && text[pos_] == escape) {
+          if (pos_ + 1 == n && !at_end) return scan_result::need_more;
+          if (pos_ + 1 < n && (text[pos_ + 1] == rules_.quote || text[pos_ + 1] == escape)) {
+            append(text, out, f, segment, pos_);
+            segment = pos_ + 1;
+            pos_ += 2;
+          } else {
+            ++pos_;  // a backslash before anything else is itself
+          }
+          continue;
         }
         if (text[pos_] == rules_.quote) {
           if (pos_ + 1 == n && !at_end) return scan_result::need_more;

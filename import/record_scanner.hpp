@@ -47,6 +47,8 @@ struct scanned_record {
   // No units but whitespace (and delimiters made of whitespace), no quote.
   bool empty = true;
   bool had_comment = false;
+  // Where a quote that never closed was read as text instead (line 0: none).
+  window_position stray_quote;
 
   std::basic_string_view<CharT> text(std::basic_string_view<CharT> window, const raw_field& f) const noexcept {
     return f.in_scratch ? std::basic_string_view<CharT>(scratch).substr(f.begin, f.length)
@@ -73,6 +75,10 @@ struct scan_rules {
   string_matcher<CharT> comment_close;  // none with an open marker: to the end of the line
   bool quotes = false;
   CharT quote = CharT('"');
+  bool backslash_escape = false;  // \" and \\ inside quotes, instead of ""
+  // A quoted field still open at the end of the input turns quoting off
+  // from its record on, instead of failing.
+  bool stray_quote_as_text = false;
   bool trim = false;  // trim whitespace at both ends of unquoted fields
   std::u16string whitespace;
 
@@ -117,7 +123,8 @@ class record_scanner {
   // Scans the record at the start of `text`, whose first unit is on physical
   // line `first_line`. need_more: the window ends before the record is known
   // to end and the input has not ended; the caller appends and scans again.
-  // Throws UnterminatedQuote for a quoted field open at the end of the input.
+  // Throws UnterminatedQuote for a quoted field open at the end of the input
+  // (unless the rules read such a quote as text).
   scan_result scan(view text, bool at_end, std::uint64_t first_line, scanned_record<CharT>& out);
 
  private:
@@ -143,6 +150,7 @@ class record_scanner {
   std::size_t pos_ = 0;
   std::uint64_t line_ = 0;
   std::size_t line_start_ = 0;
+  bool quotes_as_text_ = false;  // after a stray quote
 };
 
 }  // namespace textio::import

@@ -65,26 +65,39 @@ class table_reader {
   using string = std::basic_string<CharT>;
 
   table_reader(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-               const progress_callback& progress, std::span<const variable_typing> types = {})
-      : opts_(effective_options(given)), input_(input), window_(input), sink_(sink), progress_(progress) {
+               const progress_callback& progress, const text_format& text, const stray_quote_callback& stray_quote,
+               std::span<const variable_typing> types = {})
+      : opts_(effective_options(given)),
+        input_(input),
+        window_(input),
+        sink_(sink),
+        progress_(progress),
+        text_(text),
+        stray_quote_(stray_quote) {
     if (opts_.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
     set_up();
   }
 
   // An allocation failure becomes OutOfMemory, naming the record and what
   // asked for the memory.
-  void run() {
+  read_summary run() {
     try {
       read_all();
     } catch (const std::bad_alloc&) {
       throw_msg_id_exception(reader_error::OutOfMemory(line_, memory_user()));
     }
+    return summary_;
   }
 
  private:
   void read_all() {
     std::uint64_t& line = line_;
     for (;;) {
+      if (text_.table_end_line && line >= *text_.table_end_line) {
+        finish();
+        summary_.lines_left_unread = count_lines_left();
+        return;
+      }
       const bool header_line = line <= header_lines_;
       const bool meta = !header_sent_ && is_meta_line(line);
       if constexpr (sizeof(CharT) == 1) {
@@ -98,6 +111,7 @@ class table_reader {
             continue;
           }
           if (r.what == structural_scanner::stop::end_of_input) break;
+          if (text_.table_end_line && line >= *text_.table_end_line) continue;
           // Otherwise the full scanner takes the next record.
         }
       }
@@ -108,6 +122,10 @@ class table_reader {
         continue;
       }
       if (result == scan_result::end_of_input) break;
+      if (rec_.stray_quote.line != 0 && stray_quote_) {
+        const source_position p = resolve(rec_.stray_quote);
+        stray_quote_(p.line, p.column);
+      }
       if (meta) {
         take_meta_line(line);
       } else if (!header_line) {
@@ -151,6 +169,14 @@ class table_reader {
   void set_up() {
     header_lines_ = opts_.num_header_lines();
     if (!opts_.detecting_num_variables()) variables_ = opts_.num_variables();
+    for (const std::string& name : text_.variable_names) {
+      if constexpr (sizeof(CharT) == 1) {
+        names_.push_back(name);
+      } else {
+        names_.push_back(foundation::core::unicode::to_utf16(name));
+      }
+    }
+    if (!variables_ && !names_.empty()) variables_ = names_.size();
     format_.decimal_separator = opts_.decimal_separator();
     format_.thousands_separator = opts_.thousands_separator();
     format_.exp_chars = opts_.exp_chars();
@@ -197,8 +223,10 @@ class table_reader {
         const textio::parser::DelimitedRecordReader reader(opts_);
         data_rules_.field_delimiters = string_matcher<CharT>(reader.field_delimiter);
         data_rules_.line_endings = string_matcher<CharT>(reader.line_delimiter);
-        data_rules_.quotes = true;
-        data_rules_.quote = static_cast<CharT>(reader.quoted_delimiters.quote);
+        data_rules_.quotes = text_.quote != '\0';
+        data_rules_.quote = static_cast<CharT>(static_cast<unsigned char>(text_.quote));
+        data_rules_.backslash_escape = text_.escape == escape_style::backslash;
+        data_rules_.stray_quote_as_text = text_.quote_detected;
         data_rules_.trim = true;
         add_comments_and_finish(data_rules_);
         data_rules_.mark_stop_characters(reader.quoted_delimiters.delimiters.stop_chars,
@@ -224,9 +252,10 @@ class table_reader {
     }
     if constexpr (sizeof(CharT) == 1) {
       // Plain delimited records are counted by the structural scan, whose
-      // field count is the delimiter count plus one.
+      // field count is the delimiter count plus one. It knows doubled quotes
+      // only.
       using namespace textio::enums;
-      if (counting_ && opts_.parser_type() == ParserType::Delimited &&
+      if (counting_ && opts_.parser_type() == ParserType::Delimited && !data_rules_.backslash_escape &&
           opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
           opts_.trailing_delim_rule() == TrailingDelimiterRule::Keep &&
           opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split) {
@@ -308,6 +337,7 @@ class table_reader {
   // A record that the structural scan found; false when the full scanner
   // must take it (an empty line that is an error).
   bool counted_fast(const structural_record& r) {
+    if (text_.table_end_line && r.line >= *text_.table_end_line) return false;  // the table has ended
     if (r.empty) {
       if (r.had_comment) return true;
       if (opts_.empty_line_rule() == EmptyLineRule::Error) return false;
@@ -467,7 +497,7 @@ class table_reader {
     }
     pending_units_.clear();
     next_pending_.clear();
-    if (line == opts_.variable_names_line()) {
+    if (line == opts_.variable_names_line() && text_.variable_names.empty()) {
       names_ = texts;
       if (!variables_) variables_ = names_.size();
     }
@@ -641,6 +671,40 @@ class table_reader {
     table_.add_row(values_, padding);
   }
 
+  // The physical lines left in the input, counted by their line endings
+  // without scanning records.
+  std::uint64_t count_lines_left() {
+    const scan_rules<CharT>& rules = raw_rules_;
+    std::uint64_t lines = 0;
+    bool open_line = false;  // units after the last line ending
+    for (;;) {
+      const view w = window_.view();
+      std::size_t pos = 0;
+      while (pos < w.size()) {
+        if ((rules.classes(w[pos]) & starts_line_ending) == 0) {
+          open_line = true;
+          ++pos;
+          continue;
+        }
+        if (!window_.at_end() && pos + rules.lookahead > w.size()) break;
+        const std::size_t ending = rules.line_endings.match(w, pos);
+        if (ending == 0) {
+          open_line = true;
+          ++pos;
+          continue;
+        }
+        ++lines;
+        open_line = false;
+        pos += ending;
+      }
+      window_.consume(pos);
+      if (!window_.at_end() && window_.more()) continue;
+      if (!window_.view().empty() && window_.at_end()) continue;
+      break;
+    }
+    return lines + (open_line ? 1 : 0);
+  }
+
   void finish() {
     // Units or fields still waiting for a line that never came.
     if constexpr (sizeof(CharT) == 2) {
@@ -682,6 +746,9 @@ class table_reader {
   unit_window<CharT> window_;
   record_sink& sink_;
   const progress_callback& progress_;
+  const text_format& text_;
+  const stray_quote_callback& stray_quote_;
+  read_summary summary_;
 
   scan_rules<CharT> raw_rules_;
   scan_rules<CharT> data_rules_;
@@ -727,19 +794,24 @@ class table_reader {
 
 }  // namespace
 
-void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-                const progress_callback& progress) {
-  read_typed_table(given, input, sink, {}, progress);
+read_summary read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                        const text_format& format, const progress_callback& progress,
+                        const stray_quote_callback& stray_quote) {
+  return read_typed_table(given, input, sink, format, {}, progress, stray_quote);
 }
 
-void read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-                      std::span<const variable_typing> types, const progress_callback& progress) {
+read_summary read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                              const text_format& format, std::span<const variable_typing> types,
+                              const progress_callback& progress, const stray_quote_callback& stray_quote) {
+  input.decode_from(format.encoding);
   const textio::parser::options opts = effective_options(given);
-  if (scans_utf8_bytes(opts)) {
-    table_reader<char>(given, input, sink, progress, types).run();
-  } else {
-    table_reader<char16_t>(given, input, sink, progress, types).run();
-  }
+  if (scans_utf8_bytes(opts)) return table_reader<char>(given, input, sink, progress, format, stray_quote, types).run();
+  return table_reader<char16_t>(given, input, sink, progress, format, stray_quote, types).run();
+}
+
+void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                const progress_callback& progress) {
+  read_table(given, input, sink, text_format{}, progress);
 }
 
 }  // namespace textio::import

@@ -10,6 +10,7 @@
 #include <span>
 
 #include "import/output.hpp"
+#include "import/text_format.hpp"
 #include "import/utf8_input.hpp"
 #include "import/value_conversion.hpp"
 #include "parser/options.hpp"
@@ -20,19 +21,35 @@ namespace textio::import {
 // input's size (0 when unknown).
 using progress_callback = std::function<void(std::uint64_t bytes_read, std::uint64_t total)>;
 
-// Reads all of `input`. Throws the reader's messages (reader_errors.hpp);
-// records handed to the sink before the failure stay handed. Memory stays
-// bounded by the longest record unless a rule omits variables, which needs
-// the whole table first.
-void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-                const progress_callback& progress = {});
+// Called once when a quote that was detected, not given, never closes: from
+// there on quotes are read as text. Line and column (UTF-16 units) are 1-based.
+using stray_quote_callback = std::function<void(std::uint64_t line, std::uint64_t column)>;
+
+struct read_summary {
+  // Physical lines after the format's table end, counted but not read.
+  std::uint64_t lines_left_unread = 0;
+};
+
+// Reads all of `input` (up to the format's table end) in the format's
+// encoding, quote and escape. Throws the reader's messages
+// (reader_errors.hpp); records handed to the sink before the failure stay
+// handed. Memory stays bounded by the longest record unless a rule omits
+// variables, which needs the whole table first.
+read_summary read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                        const text_format& format, const progress_callback& progress = {},
+                        const stray_quote_callback& stray_quote = {});
 
 // Reads as read_table does, and with OutputBuilderType Table converts each
 // variable to its type in `types` (by position; variables beyond are text).
 // A value that does not convert follows ImportErrorRule: Fill makes it
 // missing, OmitRow, OmitVar, Error as for Matrix. Other output types ignore
 // `types`.
-void read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-                      std::span<const variable_typing> types, const progress_callback& progress = {});
+read_summary read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                              const text_format& format, std::span<const variable_typing> types,
+                              const progress_callback& progress = {}, const stray_quote_callback& stray_quote = {});
+
+// read_table in the default format: UTF-8, '"' doubled, the whole input.
+void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                const progress_callback& progress = {});
 
 }  // namespace textio::import

@@ -4,12 +4,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <string_view>
 #include <utility>
 
 #include "import/reader_errors.hpp"
+#include "import/transcoder.hpp"
 #include "import/utf8_text.hpp"
 
 namespace textio::import {
@@ -58,6 +60,40 @@ utf8_input::~utf8_input() {
   if (owns_fd_) ::close(fd_);
 }
 
+void utf8_input::decode_from(const std::string& encoding) {
+  if (is_utf8_name(encoding)) {
+    transcoder_.reset();
+  } else {
+    transcoder_ = std::make_unique<transcoder>(encoding);
+  }
+}
+
+std::string_view utf8_input::sample(std::size_t bytes) {
+  while (pending_.size() < bytes && fill(bytes - pending_.size())) {
+  }
+  // On to the end of the line, within as many bytes again (at least 64 KiB),
+  // so that one huge line cannot pull in the whole input; in UTF-16 and
+  // UTF-32 the zero bytes that complete the line ending come along.
+  const std::size_t limit = bytes + std::max(bytes, std::size_t{1} << 16);
+  std::size_t end = bytes;
+  for (;;) {
+    while (end < pending_.size() && end < limit && pending_[end] != '\n' && pending_[end] != '\r') ++end;
+    if (end < pending_.size() || end == limit || !fill(std::min(block_size_, limit - end))) break;
+  }
+  if (end == limit) return std::string_view(pending_).substr(0, end);
+  if (end < pending_.size()) {
+    ++end;
+    for (std::size_t extra = 0; extra < 7; ++extra) {
+      if (end == pending_.size() && !fill(block_size_)) break;
+      const char c = pending_[end];
+      if (c != '\0' && c != '\n') break;
+      ++end;
+    }
+  }
+  if (end > pending_.size()) end = pending_.size();
+  return std::string_view(pending_).substr(0, end);
+}
+
 bool utf8_input::fill(std::size_t want) {
   if (at_end_) return false;
   if (want > read_limit_) want = read_limit_;
@@ -77,8 +113,32 @@ bool utf8_input::fill(std::size_t want) {
   return got > 0;
 }
 
+bool utf8_input::read_converted(std::string& out, std::size_t want) {
+  for (;;) {
+    if (pending_.empty() && !fill(want)) return false;
+    const std::size_t start = out.size();
+    const transcoder::result r = transcoder_->convert(pending_, out);
+    pending_.erase(0, r.consumed);
+    offset_ += r.consumed;
+    if (!started_ && out.size() > start) {
+      started_ = true;
+      if (std::string_view(out).substr(start).starts_with(byte_order_mark)) out.erase(start, byte_order_mark.size());
+    }
+    // The good text ahead of a bad sequence is handed out first; the next
+    // call then fails at the sequence.
+    if (out.size() > start) return true;
+    if (r.invalid) throw_msg_id_exception(ZORVEK::textio::reader::InvalidEncoding(transcoder_->name(), offset_));
+    // A character cut off so far: it needs more bytes, or the input ends in it.
+    if (r.consumed == 0 && !fill(want)) {
+      if (pending_.empty()) return false;
+      throw_msg_id_exception(ZORVEK::textio::reader::InvalidEncoding(transcoder_->name(), offset_));
+    }
+  }
+}
+
 bool utf8_input::read(std::string& out, std::size_t want) {
   if (want == 0) want = 1;
+  if (transcoder_) return read_converted(out, want);
   if (!started_) {
     while (pending_.size() < byte_order_mark.size() && fill(want)) {
     }

@@ -1,13 +1,18 @@
 // A file (or standard input) read as UTF-8 in large blocks: the byte-order
 // mark is skipped, and every block handed out ends at a character boundary
-// and holds only well-formed UTF-8. Memory: one block.
+// and holds only well-formed UTF-8. Input in another encoding is converted
+// to UTF-8 as it is read. Memory: one block.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 
 namespace textio::import {
+
+class transcoder;
 
 class utf8_input {
  public:
@@ -19,6 +24,20 @@ class utf8_input {
   utf8_input(const utf8_input&) = delete;
   utf8_input& operator=(const utf8_input&) = delete;
   ~utf8_input();
+
+  // Reads the input as `encoding` (an iconv name) from now on, converting it
+  // to UTF-8; its byte-order mark is skipped. Call before the first read.
+  // Throws UnknownEncoding.
+  void decode_from(const std::string& encoding);
+
+  // The input's first bytes as they are (byte-order mark included): `bytes`
+  // of them, then on to the end of the line they stop in (but no further
+  // than as many bytes again, at least 64 KiB), or all of the input when it
+  // is shorter. Reading later starts with these same bytes, so
+  // standard input needs no seek. Call before the first read.
+  std::string_view sample(std::size_t bytes);
+  // Whether the input ended within the sample.
+  bool sample_is_whole_input() const noexcept { return at_end_; }
 
   // Appends about `want` bytes (at least one character unless the input has
   // ended) to `out`. Returns false, appending nothing, at the end of the
@@ -48,6 +67,8 @@ class utf8_input {
   void note_file_state() noexcept;
   // Reads raw bytes into pending_; false at the end of the input.
   bool fill(std::size_t want);
+  // read() for input in another encoding than UTF-8.
+  bool read_converted(std::string& out, std::size_t want);
 
   int fd_ = -1;
   bool owns_fd_ = false;
@@ -62,6 +83,7 @@ class utf8_input {
   bool started_ = false;  // the byte-order mark has been looked for
   std::size_t read_limit_ = static_cast<std::size_t>(-1);
   std::size_t block_size_ = std::size_t{1} << 20;
+  std::unique_ptr<transcoder> transcoder_;  // none: the input is UTF-8
 };
 
 }  // namespace textio::import

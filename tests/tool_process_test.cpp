@@ -162,10 +162,10 @@ TEST(ToolArguments, DoubleDashUnknownOptionAndCsvRefusal) {
   EXPECT_EQ(counted.status, 1);
   EXPECT_NE(counted.out.find("OddNumberNVPairs"), std::string::npos) << counted.out;
 
-  const auto verbose = run_tool({"read", "/nonexistent", "--verbose"});
+  const auto verbose = run_tool({"read", "/nonexistent", "--loud"});
   EXPECT_EQ(verbose.status, 2);
   EXPECT_EQ(verbose.out, "");
-  EXPECT_NE(verbose.err.find("unknown option '--verbose' for read"), std::string::npos) << verbose.err;
+  EXPECT_NE(verbose.err.find("unknown option '--loud' for read"), std::string::npos) << verbose.err;
 
   const auto csv = run_tool({"read", "/nonexistent", "--format", "csv", "Delimiter", "7"});
   EXPECT_EQ(csv.status, 1);

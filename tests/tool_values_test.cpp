@@ -213,7 +213,7 @@ TEST(ToolArguments, OneGrammarSortsOptionsOperandAndPairs) {
       {{"--count", "f", "--format=csv"}, {{"--count", ""}, {"--format", "csv"}}, false, "f", {}},
       {{"f", "--", "--count", "--help", "--"}, {}, false, "f", {"--count", "--help", "--"}},
       {{"--", "--f"}, {}, false, "--f", {}},
-      {{"-h", "--verbose"}, {}, true, std::nullopt, {}},
+      {{"-h", "--loud"}, {}, true, std::nullopt, {}},
   };
   for (const auto& c : cases) {
     const auto parsed = zvtool::parse_subcommand_arguments("read", c.given);
@@ -227,7 +227,7 @@ TEST(ToolArguments, OneGrammarSortsOptionsOperandAndPairs) {
     args given;
     std::string message_has;
   } mistakes[] = {
-      {{"f", "--verbose"}, "unknown option '--verbose' for read; its options are --struct JSON, --format FORMAT, --count"},
+      {{"f", "--loud"}, "unknown option '--loud' for read; its options are --struct JSON, --format FORMAT, --count, "},
       {{"f", "--struct"}, "--struct needs JSON"},
       {{"f", "--count=1"}, "--count takes no value"},
       {{"f", "--struct=", "--struct", "{}"}, "--struct may be given only once"},

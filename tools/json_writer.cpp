@@ -1,5 +1,6 @@
 #include "tools/json_writer.hpp"
 
+#include <charconv>
 #include <stdexcept>
 
 #include "zvcore/utf8.hpp"
@@ -165,6 +166,18 @@ void json_writer::unsigned_value(std::uint64_t n) {
 void json_writer::bool_value(bool b) {
   value_prefix();
   out_ += b ? "true" : "false";
+}
+
+void json_writer::null_value() {
+  value_prefix();
+  out_ += "null";
+}
+
+void json_writer::double_value(double d) {
+  value_prefix();
+  char buffer[32];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, d).ptr;
+  out_.append(buffer, end);
 }
 
 }  // namespace zvtool

@@ -36,6 +36,9 @@ class json_writer {
   void bytes_value(std::string_view bytes);
   void unsigned_value(std::uint64_t n);
   void bool_value(bool b);
+  void null_value();
+  // Shortest form that reads back as the same double; must be finite.
+  void double_value(double d);
 
   // The document so far; complete once every container is closed. Ends
   // without a line break.

@@ -3,10 +3,12 @@
 #include <array>
 #include <stdexcept>
 
+#include "tools/detect_command.hpp"
 #include "tools/help_text.hpp"
 #include "tools/options_command.hpp"
 #include "tools/read_command.hpp"
 #include "tools/reader_command.hpp"
+#include "tools/reading_choices.hpp"
 #include "tools/usage_error.hpp"
 
 namespace zvtool {
@@ -25,7 +27,16 @@ constexpr std::array read_options{
                 "types by position [\"double\", \"auto\"] or by name {\"when\": \"datetime\"}; auto: detect"},
     tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},
     tool_option{"--strict", "", "exit 5 when FILE changed while it was read (a warning is printed in any case)"},
+    tool_option{"--no-detect", "", "read with the options as they stand; detect nothing"},
+    encoding_option,
+    quote_option,
+    escape_option,
+    tool_option{"--verbose", "", "print what was detected to standard error"},
+    tool_option{"--all-lines", "", "read on past the detected end of the table"},
+    tool_option{"--table-end", "LINE", "stop before this line (1-based), as detect's arguments give it"},
+    tool_option{"--variable-names", "JSON", "a JSON array of the variables' names, as detect's arguments give it"},
 };
+constexpr std::array detect_options{struct_option, encoding_option, quote_option, escape_option};
 constexpr std::array<tool_option, 0> help_options{};
 
 constexpr std::string_view options_details = R"(Output: one JSON object, {"options": {...}}, the record's thirty fields
@@ -61,7 +72,20 @@ is an empty line, which reads back only under EmptyLineRule read; a note on
 standard error says so when such a record was written. A regular FILE that
 changed while it was read gives a warning on standard error (and status 5
 with --strict). A failed write ends the tool with status 5, a closed pipe
-quietly with status 141.
+quietly with status 141. Unless --no-detect is given, what the options
+leave open is first detected as the detect subcommand does. Standard error
+also says when a detected quote never closed (it is then read as text) and
+how many lines were left after the table's end.
+)";
+
+constexpr std::string_view detect_details = R"(Detection looks at the first MiB of FILE and the rest of the line it ends in,
+and fills in only what the options leave open. Output: {"options": {...},
+"detected": {...}, "arguments": [...]}: "options" as the options subcommand
+prints it, after detection; "detected" the encoding, quote (null: none),
+escape, variable_names, table_end_line (null: the whole file), confidence
+(0 to 1) and a reason per setting it filled; "arguments" what to give
+read --no-detect to read FILE the same way. A refused option or a reading
+error reports as the options subcommand does.
 )";
 
 tool_result run_help(const parsed_arguments& args);
@@ -76,6 +100,9 @@ constexpr std::array all_subcommands{
     subcommand{{"read", "Read FILE with the reader that the options name and print its records.", "FILE",
                 "the file to read, or - for standard input", read_options, read_details},
                &run_read_command},
+    subcommand{{"detect", "Apply options as options does, detect what they leave open in FILE and print it as JSON.",
+                "FILE", "the file to look at, or - for standard input", detect_options, detect_details},
+               &run_detect_command},
     subcommand{{"help", "Show the help of a subcommand, the value syntax (values) or the option keys (keys).",
                 "TOPIC", "a subcommand, values or keys", help_options, {}, false, false},
                &run_help},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "import/sample_types.hpp"
 #include "import/text_reader.hpp"
 #include "import/utf8_input.hpp"
 #include "tools/host_values.hpp"
@@ -54,19 +55,30 @@ textio::import::value_type type_named(const std::string& name) {
 
 }  // namespace
 
-text_sample read_text_sample(const textio::parser::options& record, const std::string& path, std::size_t records) {
+text_sample read_text_sample(const textio::parser::options& record, const std::string& path,
+                             const textio::import::text_format& format, std::size_t records) {
   text_sample sample;
   textio::parser::options as_text = record;
   as_text.output_type(textio::enums::OutputBuilderType::Cell);
   sample_sink sink(sample, records);
   try {
     textio::import::utf8_input input(path);
-    textio::import::read_table(as_text, input, sink);
+    textio::import::read_table(as_text, input, sink, format);
   } catch (const sample_full&) {
   } catch (const foundation::core::except::IMsgIDException&) {
   }
   sample.variables = std::max(sample.variables, sample.names.size());
   return sample;
+}
+
+std::vector<textio::import::detected_type> detected_types_of(const textio::import::detection_report& report) {
+  const auto typings = textio::import::variable_typings(report);
+  std::vector<textio::import::detected_type> out(typings.size());
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    out[i].typing = typings[i];
+    out[i].date_order_unsettled = report.date_order_unsettled[i];
+  }
+  return out;
 }
 
 std::vector<textio::import::detected_type> detect_sample_types(const textio::parser::options& record,

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "import/detection.hpp"
+#include "import/text_format.hpp"
 #include "import/type_detection.hpp"
 #include "parser/options.hpp"
 
@@ -25,7 +27,10 @@ inline constexpr std::size_t type_sample_records = 1000;
 // Reads the first `records` records of `path` under `record` as text.
 // Reading errors in the sample end it early; the full read reports them.
 text_sample read_text_sample(const textio::parser::options& record, const std::string& path,
-                             std::size_t records = type_sample_records);
+                             const textio::import::text_format& format, std::size_t records = type_sample_records);
+
+// The types that detection reported.
+std::vector<textio::import::detected_type> detected_types_of(const textio::import::detection_report& report);
 
 // Detects each variable's type from `sample` with the record's number
 // format and missing placeholders (markers are detected when it has none).

@@ -25,7 +25,7 @@ std::string write_file(const std::string& contents) {
 }
 
 read_output read_file(const std::string& path, const std::vector<std::string>& args) {
-  std::vector<std::string> all{path};
+  std::vector<std::string> all{path, "--no-detect"};
   all.insert(all.end(), args.begin(), args.end());
   const auto names = [&](std::string_view word) {
     return std::any_of(args.begin(), args.end(), [&](const std::string& a) {

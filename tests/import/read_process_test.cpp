@@ -21,7 +21,7 @@ using test_support::run_tool;
 
 TEST(ReadProcess, ReadsAFile) {
   const std::string path = import_test::write_file("a,b\n1,\"x\"\"y\"\n");
-  const auto run = run_tool({"read", path, "NumHeaderLines", "1", "VariableNamesLine", "1"});
+  const auto run = run_tool({"read", path, "--no-detect", "NumHeaderLines", "1", "VariableNamesLine", "1"});
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.out,
             "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"double\", \"string\"]}\n"
@@ -31,7 +31,7 @@ TEST(ReadProcess, ReadsAFile) {
 
 TEST(ReadProcess, ReadingErrorExitsFourWithTheMessage) {
   const std::string path = import_test::write_file("1,2\n3,,4\n");
-  const auto run = run_tool({"read", path, "ConsecutiveDelimitersRule", "error", "--format", "csv"});
+  const auto run = run_tool({"read", path, "--no-detect", "ConsecutiveDelimitersRule", "error", "--format", "csv"});
   EXPECT_EQ(run.status, 4);
   EXPECT_EQ(run.out, "1,2\r\n");
   EXPECT_TRUE(run.err.starts_with("zvtextparser: ZORVEK:textio:reader:ConsecutiveDelimiters: ")) << run.err;
@@ -40,7 +40,7 @@ TEST(ReadProcess, ReadingErrorExitsFourWithTheMessage) {
 
 TEST(ReadProcess, StructGivesTheOptions) {
   const std::string path = import_test::write_file("a;b\n");
-  const auto run = run_tool({"read", "--struct", R"({"Delimiter": ";", "VariableNamesLine": 1})", path});
+  const auto run = run_tool({"read", "--no-detect", "--struct", R"({"Delimiter": ";", "VariableNamesLine": 1})", path});
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.out,
             "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"string\", \"string\"]}\n");
@@ -56,8 +56,8 @@ TEST(ReadProcess, UsageErrors) {
 
 TEST(ReadProcess, CountAndCsvOptions) {
   const std::string path = import_test::write_file("a b\nc\n");
-  EXPECT_EQ(run_tool({"read", path, "--count", "ParserType", "tabular"}).out, "{\"records\": 2, \"fields\": 4}\n");
-  EXPECT_EQ(run_tool({"read", path, "--format=csv", "Delimiter", " "}).out, "a,b\r\nc,\r\n");
+  EXPECT_EQ(run_tool({"read", path, "--no-detect", "--count", "ParserType", "tabular"}).out, "{\"records\": 2, \"fields\": 4}\n");
+  EXPECT_EQ(run_tool({"read", path, "--no-detect", "--format=csv", "Delimiter", " "}).out, "a,b\r\nc,\r\n");
 }
 
 namespace faults {
@@ -229,13 +229,15 @@ constexpr bool address_sanitizer = false;
 TEST(ReadProcess, MemoryLimitBoundsTheReader) {
   if (address_sanitizer) GTEST_SKIP() << "the limit is off under AddressSanitizer";
   const auto padded = run_tool(
-      {"read", import_test::write_file("a\n"), "NumVariables", "3000000", "--max-memory", "160M", "--format", "csv"});
+      {"read", import_test::write_file("a\n"), "--no-detect", "NumVariables", "3000000", "--max-memory", "160M",
+       "--format", "csv"});
   EXPECT_EQ(padded.status, 0) << padded.err;
   EXPECT_EQ(padded.out.size(), 3000002u);
   std::string wide = "x\n";
   for (int i = 0; i < 3000000; ++i) wide += "1,";
   const auto run =
-      run_tool({"read", import_test::write_file(wide), "--max-memory", "160M", "--count", "MissingRule", "omitrow"});
+      run_tool({"read", import_test::write_file(wide), "--no-detect", "--max-memory", "160M", "--count", "MissingRule",
+                "omitrow"});
   EXPECT_EQ(run.status, 4);
   EXPECT_NE(run.err.find("OutOfMemory: Out of memory reading the record at line 2"), std::string::npos) << run.err;
   EXPECT_NE(run.err.find("the memory limit was 160.0 MiB (--max-memory)"), std::string::npos) << run.err;

@@ -1,0 +1,140 @@
+// detect and read's detection run as a process: detect's JSON, the arguments
+// that reproduce a reading without detection, the table end, and which keys
+// count as given.
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "import/read_helpers.hpp"
+#include "support/run_tool.hpp"
+#include "tools/reading_choices.hpp"
+#include "tools/subcommands.hpp"
+
+namespace {
+
+using test_support::run_tool;
+
+nlohmann::json parse(const std::string& text) { return nlohmann::json::parse(text, nullptr, false); }
+
+struct detect_case {
+  const char* name;
+  std::string contents;
+  std::vector<std::string> args;  // given to both detect and read
+};
+
+void PrintTo(const detect_case& c, std::ostream* os) { *os << c.name; }
+
+class DetectRoundTrip : public ::testing::TestWithParam<detect_case> {};
+
+// detect's arguments, given to read --no-detect, read the file as read does.
+TEST_P(DetectRoundTrip, ArgumentsReadAsReadDoes) {
+  const auto& c = GetParam();
+  const std::string path = import_test::write_file(c.contents);
+  std::vector<std::string> detect_args{"detect", path};
+  detect_args.insert(detect_args.end(), c.args.begin(), c.args.end());
+  const auto detected = run_tool(detect_args);
+  ASSERT_EQ(detected.status, 0) << detected.err;
+  const nlohmann::json report = parse(detected.out);
+  ASSERT_TRUE(report.is_object()) << detected.out;
+  ASSERT_EQ(report["options"].size(), 30u);
+  const nlohmann::json& d = report["detected"];
+  EXPECT_TRUE(d["encoding"].is_string() && d["escape"].is_string() && d["variable_names"].is_array() &&
+              d["reasons"].is_object() && (d["quote"].is_string() || d["quote"].is_null()) &&
+              (d["table_end_line"].is_number_unsigned() || d["table_end_line"].is_null()))
+      << d.dump();
+  EXPECT_TRUE(d["confidence"].is_number() && d["confidence"] >= 0 && d["confidence"] <= 1) << d.dump();
+
+  std::vector<std::string> read_args{"read", path};
+  read_args.insert(read_args.end(), c.args.begin(), c.args.end());
+  const auto read = run_tool(read_args);
+  std::vector<std::string> replay{"read", path, "--no-detect"};
+  for (const auto& a : report["arguments"]) replay.push_back(a.get<std::string>());
+  const auto again = run_tool(replay);
+  EXPECT_EQ(again.status, read.status) << again.err;
+  EXPECT_EQ(again.out, read.out) << report["arguments"].dump();
+}
+
+const detect_case detect_cases[] = {
+    {"semicolon_title_header", "Prices in 2024\n\nname;price;count\napple;1,5;3\npear;2,25;10\nplum;0,75;7\n", {}},
+    {"plain_csv", "id,name\n1,\"a, b\"\n2,c\n", {}},
+    {"latin1_tab", "nom\tville\nJos\xE9\tS\xE8te\nAn\xE9\tN\xEEmes\n", {}},
+    {"given_options_kept", "a|b\n1|2\n", {"Delimiter", "|", "NumHeaderLines", "1"}},
+    {"forced_quote_and_escape", "'a\\'b',c\n'd',e\n", {"--quote", "'", "--escape", "backslash"}},
+    {"one_column_with_a_comma", "note\nhello\nfoo, bar\nbaz\nqux\nquux\n", {}},
+    {"fixed_width", "name         size  city\nalpha one    12    Paris\nbeta         7     Rome West\n"
+                    "gamma two    300   Oslo\ndelta        4     Bern\n", {}},
+    {"names_over_units", "name,weight,height\n,kg,cm\nann,61.5,170.2\nbob,80.1,181.0\ncid,70.3,175.5\n", {}},
+    {"footnotes_end_the_table", "id,val\n1,2\n3,4\n5,6\n\nNote: values are made up.\nSource: nowhere\n", {}},
+};
+INSTANTIATE_TEST_SUITE_P(Files, DetectRoundTrip, ::testing::ValuesIn(detect_cases));
+
+TEST(ReadDetects, SemicolonFileWithATitleNeedsNoOptions) {
+  const std::string path = import_test::write_file("Prices in 2024\n\nname;price\napple;1,5\npear;2,25\nplum;3\n");
+  const auto run = run_tool({"read", path});
+  EXPECT_EQ(run.out,
+            "{\"variables\": [\"name\", \"price\"], \"units\": [], \"descriptions\": [], \"types\": [\"string\", "
+            "\"double\"]}\n[\"apple\", 1.5]\n[\"pear\", 2.25]\n[\"plum\", 3]\n");
+  EXPECT_EQ(run.err, "");
+  const auto detected = parse(run_tool({"detect", path}).out)["detected"];
+  EXPECT_EQ(detected["variable_types"], nlohmann::json::parse(R"(["string", "double"])")) << detected;
+  const auto verbose = run_tool({"read", path, "--verbose", "--count"});
+  EXPECT_NE(verbose.err.find("  Delimiter: ';'"), std::string::npos) << verbose.err;
+  EXPECT_NE(verbose.err.find("variable names: \"name\" \"price\""), std::string::npos) << verbose.err;
+}
+
+TEST(Detect, FailuresReportAsOptionsDoes) {
+  const auto missing = run_tool({"detect", "/nonexistent"});
+  EXPECT_EQ(missing.status, 5);
+  EXPECT_EQ(parse(missing.out)["error"]["key"], "CannotReadFile") << missing.out;
+  const std::string path = import_test::write_file("a\n");
+  const auto refused = run_tool({"detect", path, "NumHeaderLines", "-1"});
+  const auto options = run_tool({"options", "NumHeaderLines", "-1"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.out, options.out);
+  EXPECT_EQ(refused.err, options.err);
+}
+
+TEST(ReadTableEnd, StopsSaysSoAndAllLinesReadsOn) {
+  const std::string path = import_test::write_file("a\nb\nc\nd\n");
+  const auto stopped = run_tool({"read", path, "--no-detect", "--count", "--table-end", "2"});
+  EXPECT_EQ(stopped.out, "{\"records\": 1, \"fields\": 1}\n");
+  EXPECT_NE(stopped.err.find("3 more lines were left unread"), std::string::npos) << stopped.err;
+  const auto all = run_tool({"read", path, "--no-detect", "--count", "--table-end", "2", "--all-lines"});
+  EXPECT_EQ(all.out, "{\"records\": 4, \"fields\": 4}\n");
+  EXPECT_EQ(all.err, "");
+}
+
+TEST(UserChoices, KeysInTheTablesSpellingFromPairsAndStruct) {
+  const struct {
+    std::vector<std::string> args;
+    std::set<std::string> keys;
+  } cases[] = {
+      {{"f", "delimiter", ";", "NUMHEADERLINES", "1", "NoSuchKey", "1"}, {"Delimiter", "NumHeaderLines"}},
+      {{"f", "--struct", R"({"decimalseparator": ",", "CommentStyle": "#"})"}, {"CommentStyle", "DecimalSeparator"}},
+  };
+  for (const auto& c : cases) {
+    const auto args = zvtool::parse_subcommand_arguments("detect", c.args);
+    EXPECT_EQ(zvtool::user_choices_of(args).keys, c.keys) << c.args[1];
+  }
+}
+
+// A quote that never closes after the sample is read as text, with a warning;
+// given with --quote it stays an error.
+TEST(ReadStrayQuote, DetectedWarnsGivenFails) {
+  std::string contents = "id,name\n";
+  for (int i = 0; i < 120000; ++i) contents += std::to_string(i) + ",\"n\"\n";
+  contents += "7,\"broken\n8,ok\n";
+  const std::string path = import_test::write_file(contents);
+  const auto detected = run_tool({"read", path, "--count"});
+  EXPECT_EQ(detected.status, 0);
+  EXPECT_EQ(detected.out, "{\"records\": 120002, \"fields\": 240004}\n");
+  EXPECT_NE(detected.err.find("the quote at line 120002, column 3 never closes"), std::string::npos) << detected.err;
+  const auto given = run_tool({"read", path, "--count", "--quote", "\""});
+  EXPECT_EQ(given.status, 4);
+  EXPECT_NE(given.err.find("UnterminatedQuote"), std::string::npos) << given.err;
+}
+
+}  // namespace

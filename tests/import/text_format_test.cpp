@@ -1,0 +1,196 @@
+// Reading in a text format other than the default: encodings converted while
+// streaming, other quotes and escapes, a detected quote that never closes,
+// the table's end and names given from elsewhere. Every case is read whole
+// and again one byte per read, which must give the same.
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "import/read_helpers.hpp"
+#include "import/text_reader.hpp"
+#include "tools/message_failure.hpp"
+#include "tools/record_writers.hpp"
+
+namespace {
+
+using textio::import::escape_style;
+using textio::import::text_format;
+
+struct outcome {
+  std::string header;
+  std::string records;  // the record lines joined with " | "
+  std::string error;    // key(arguments) of a reading error
+  std::string warning;  // line:column of a stray quote
+  std::uint64_t lines_left = 0;
+  std::string counted;  // records/fields from the counting sink
+};
+
+outcome read_with(const std::string& contents, const text_format& format, std::size_t byte_reads,
+                  std::uint64_t header_lines = 0) {
+  const std::string path = import_test::write_file(contents);
+  textio::parser::options opts;
+  if (header_lines > 0) {
+    opts.num_header_lines(header_lines);
+    opts.variable_names_line(header_lines);
+  }
+  outcome o;
+  std::ostringstream text;
+  const auto warn = [&o](std::uint64_t line, std::uint64_t column) {
+    o.warning += std::to_string(line) + ":" + std::to_string(column);
+  };
+  try {
+    textio::import::utf8_input input(path);
+    if (byte_reads > 0) input.limit_reads(byte_reads);
+    zvtool::jsonl_writer writer(text);
+    o.lines_left = textio::import::read_table(opts, input, writer, format, {}, warn).lines_left_unread;
+    writer.flush();
+  } catch (const foundation::core::except::IMsgIDException& error) {
+    const zvtool::message_failure failure = zvtool::capture_message(error);
+    o.error = failure.id.key + "(";
+    for (const auto& a : failure.id.args) {
+      if (const auto* s = std::get_if<std::string>(&a)) o.error += *s + " ";
+      if (const auto* n = std::get_if<std::uint64_t>(&a)) o.error += std::to_string(*n) + " ";
+    }
+    o.error += ")";
+  }
+  std::istringstream lines(text.str());
+  std::getline(lines, o.header);
+  for (std::string line; std::getline(lines, line);) o.records += (o.records.empty() ? "" : " | ") + line;
+  if (o.error.empty()) {
+    textio::import::utf8_input input(path);
+    zvtool::count_writer counter;
+    textio::import::read_table(opts, input, counter, format);
+    o.counted = std::to_string(counter.records()) + "/" + std::to_string(counter.fields());
+  }
+  return o;
+}
+
+text_format in(const char* encoding) {
+  text_format f;
+  f.encoding = encoding;
+  return f;
+}
+text_format quoted(char quote, escape_style escape = escape_style::doubled, bool detected = false) {
+  text_format f;
+  f.quote = quote;
+  f.escape = escape;
+  f.quote_detected = detected;
+  return f;
+}
+
+struct format_case {
+  const char* name;
+  std::string contents;
+  text_format format;
+  std::string records;
+  std::string error = {};
+  std::string warning = {};
+  std::string counted = {};
+};
+
+void PrintTo(const format_case& c, std::ostream* os) { *os << c.name; }
+
+class TextFormat : public ::testing::TestWithParam<format_case> {};
+
+TEST_P(TextFormat, ReadsTheSameInBlocksAndByteByByte) {
+  const auto& c = GetParam();
+  for (const std::size_t reads : {std::size_t{0}, std::size_t{1}}) {
+    SCOPED_TRACE(reads == 0 ? "whole" : "byte by byte");
+    const outcome o = read_with(c.contents, c.format, reads);
+    EXPECT_EQ(o.records, c.records);
+    EXPECT_EQ(o.error, c.error);
+    EXPECT_EQ(o.warning, c.warning);
+    if (!c.counted.empty()) {
+      EXPECT_EQ(o.counted, c.counted);
+    }
+  }
+}
+
+const format_case format_cases[] = {
+    {"latin1", "caf\xE9,\xBD\n", in("ISO-8859-1"), R"(["café", "½"])"},
+    {"cp1252_euro", "\x80,1", in("WINDOWS-1252"), R"(["€", "1"])"},
+    {"utf16le_bom_skipped", std::string("\xFF\xFE" "a\0,\0\xE9\0\n\0b\0", 12), in("UTF-16LE"),
+     R"(["a", "é"] | ["b", null])"},
+    {"utf16be_no_bom", std::string("\0a\0,\0b", 6), in("UTF-16BE"), R"(["a", "b"])"},
+    {"utf32le_bom_skipped", std::string("\xFF\xFE\0\0x\0\0\0", 8), in("UTF-32LE"), R"(["x"])"},
+    {"invalid_byte_offset_after_good_text", "ab\ncd\n\x81", in("WINDOWS-1252"), R"(["ab"])",
+     "InvalidEncoding(WINDOWS-1252 6 )"},
+    {"cut_off_character_at_end", std::string("a\0\n\0b", 5), in("UTF-16LE"), "",
+     "InvalidEncoding(UTF-16LE 4 )"},
+    {"lone_surrogate", std::string("a\0\n\0\x00\xD8x\0", 8), in("UTF-16LE"), "",
+     "InvalidEncoding(UTF-16LE 4 )"},
+    {"unknown_encoding", "a", in("NO-SUCH-ENCODING"), "", "UnknownEncoding(NO-SUCH-ENCODING )"},
+    {"single_quote", "'a,b',\"c\"\n'it''s',d", quoted('\''), R"(["a,b", "\"c\""] | ["it's", "d"])", "", "", "2/4"},
+    {"no_quote", "\"a,b\",c", quoted('\0'), R"(["\"a", "b\"", "c"])", "", "", "1/3"},
+    {"backslash_escape", R"("a\"b\\c\n",d)", quoted('"', escape_style::backslash), R"(["a\"b\\c\\n", "d"])", "", "",
+     "1/2"},
+    {"backslash_then_quote_closes", "\"a\\\\\",b", quoted('"', escape_style::backslash), R"(["a\\", "b"])"},
+    {"escaped_quote_before_delimiter", "\"a\\\",b\",c", quoted('"', escape_style::backslash), R"(["a\",b", "c"])", "",
+     "", "1/2"},
+    {"stray_detected_quote_read_as_text", "a,b\n\"c,d\ne,\"\"\n", quoted('"', escape_style::doubled, true),
+     R"(["a", "b"] | ["\"c", "d"] | ["e", "\"\""])", "", "2:1", "3/6"},
+    {"stray_given_quote_fails", "a,b\n\"c,d\ne,f\n", quoted('"'), R"(["a", "b"])", "UnterminatedQuote(2 1 )"},
+    {"closed_detected_quote_reads_as_quote", "\"a\nb\",c", quoted('"', escape_style::doubled, true),
+     R"(["a\nb", "c"])"},
+};
+INSTANTIATE_TEST_SUITE_P(Formats, TextFormat, ::testing::ValuesIn(format_cases));
+
+TEST(TableEnd, StopsBeforeTheLineAndCountsTheRest) {
+  text_format f;
+  f.table_end_line = 4;
+  struct {
+    std::string tail;
+    std::uint64_t left;
+  } const tails[] = {{"", 0}, {"\r\n\r\nnote 1\r\nnote\"2", 3}, {"\nx\n", 1}, {"\rx\ry", 2}};
+  for (const auto& t : tails) {
+    for (const std::size_t reads : {std::size_t{0}, std::size_t{1}}) {
+      // The record that starts before the end line is read whole.
+      const outcome o = read_with("x,y\n1,2\n\"3\n3\",4" + t.tail, f, reads, 1);
+      EXPECT_EQ(o.records, R"(["1", "2"] | ["3\n3", "4"])") << t.tail;
+      EXPECT_EQ(o.lines_left, t.left) << t.tail;
+      EXPECT_EQ(o.counted, "2/4");
+    }
+  }
+}
+
+TEST(VariableNames, FromTheFormatReplaceTheNamesLine) {
+  text_format f;
+  f.variable_names = {"first name", "né"};
+  const outcome o = read_with("a,b\n1,2\n", f, 0, 1);
+  EXPECT_EQ(o.header, R"({"variables": ["first name", "né"], "units": [], "descriptions": []})");
+  EXPECT_EQ(o.records, R"(["1", "2"])");
+}
+
+// The sample ends after the line it stops in (with the zero bytes of a wide
+// line ending), and reading afterwards starts at the input's first byte.
+TEST(Sample, WholeLinesThenReadingFromTheStart) {
+  const struct {
+    std::string contents;
+    std::size_t bytes;
+    std::string sample;
+    bool whole;
+  } cases[] = {
+      {"ab\ncdef\ngh", 4, "ab\ncdef\n", false},
+      {"ab\r\ncd", 1, "ab\r\n", false},
+      {std::string("a\0\n\0b\0", 6), 1, std::string("a\0\n\0", 4), false},
+      {"abc", 10, "abc", true},
+      {std::string(70000, 'x') + "\nb", 10, std::string(10 + 65536, 'x'), false},  // one huge line is cut
+  };
+  for (const auto& c : cases) {
+    for (const std::size_t reads : {std::size_t{0}, std::size_t{1}}) {
+      textio::import::utf8_input input(import_test::write_file(c.contents));
+      if (reads > 0) input.limit_reads(reads);
+      EXPECT_EQ(input.sample(c.bytes), c.sample);
+      EXPECT_EQ(input.sample_is_whole_input(), c.whole);
+      std::string all;
+      input.decode_from(c.contents.find('\0') == std::string::npos ? "UTF-8" : "UTF-16LE");
+      while (input.read(all, 3)) {
+      }
+      EXPECT_EQ(all, c.contents.find('\0') == std::string::npos ? c.contents : "a\nb");
+    }
+  }
+}
+
+}  // namespace

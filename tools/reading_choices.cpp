@@ -1,0 +1,241 @@
+#include "tools/reading_choices.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cctype>
+#include <cstdio>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+#include "name_value/option_vocabulary.hpp"
+#include "tools/apply_options.hpp"
+#include "tools/host_values.hpp"
+#include "tools/json_writer.hpp"
+#include "tools/record_json.hpp"
+#include "tools/usage_error.hpp"
+
+namespace zvtool {
+namespace {
+
+using textio::import::escape_style;
+
+bool same_name(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, [](char x, char y) {
+    return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+  });
+}
+
+void add_key(std::set<std::string>& keys, std::string_view name) {
+  for (const auto& option : textio::options::option_descriptions) {
+    if (same_name(option.key, name)) keys.emplace(option.key);
+  }
+}
+
+// A record field and the key that sets it; `escaped`: the key decodes
+// escape sequences, so a backslash in the value is doubled; `flag`: the
+// detection flag that setting the key clears.
+struct field_key {
+  std::string_view field;
+  std::string_view key;
+  bool escaped = false;
+  std::string_view flag = {};
+};
+
+constexpr field_key field_keys[] = {
+    {"file_type", "FileType"},
+    {"parser_type", "ParserType"},
+    {"delimiter", "Delimiter", true, "detecting_delimiter"},
+    {"line_ending", "LineEnding", true},
+    {"missing_placeholders", "TreatAsMissing", true},
+    {"comment_style", "CommentStyle", true},
+    {"whitespace", "Whitespace", true},
+    {"thousands_separator", "ThousandsSeparator"},
+    {"date_locale", "DateLocale"},
+    {"exp_chars", "ExpChars"},
+    {"field_widths", "VariableWidths"},
+    {"num_header_lines", "NumHeaderLines", false, "detecting_num_header_lines"},
+    {"num_variables", "NumVariables", false, "detecting_num_variables"},
+    {"variable_names_line", "VariableNamesLine"},
+    {"variable_units_line", "VariableUnitsLine"},
+    {"variable_descriptions_line", "VariableDescriptionsLine"},
+    {"output_type", "OutputBuilderType"},
+    {"decimal_separator", "DecimalSeparator"},
+    {"missing_rule", "MissingRule"},
+    {"import_error_rule", "ImportErrorRule"},
+    {"consecutive_delim_rule", "ConsecutiveDelimitersRule"},
+    {"empty_line_rule", "EmptyLineRule"},
+    {"extra_columns_rule", "ExtraColumnsRule"},
+    {"leading_delim_rule", "LeadingDelimitersRule"},
+    {"trailing_delim_rule", "TrailingDelimitersRule"},
+    {"partial_field_rule", "PartialFieldRule"},
+    {"trim_non_numeric", "TrimNonNumeric"},
+};
+
+nlohmann::ordered_json record_json(const textio::parser::options& record) {
+  json_writer out;
+  write_options_record(out, record);
+  // Discarded when a text holds a lone surrogate, which JSON libraries refuse.
+  return nlohmann::ordered_json::parse(out.text(), nullptr, false);
+}
+
+// The VALUE argument that gives a field's JSON value back.
+std::string value_text(const field_key& f, nlohmann::ordered_json value) {
+  const auto unescape = [&f](nlohmann::ordered_json& v) {
+    if (!f.escaped || !v.is_string()) return;
+    std::string doubled;
+    for (const char c : v.get<std::string>()) {
+      doubled += c;
+      if (c == '\\') doubled += c;
+    }
+    v = doubled;
+  };
+  // An empty list of texts: an empty cell array ([] would be numbers).
+  if (value.is_array() && value.empty() && f.escaped) return R"({"$class": "cell", "$size": [0, 0]})";
+  if (value.is_array()) {
+    for (auto& v : value) unescape(v);
+  } else {
+    unescape(value);
+  }
+  // Enumerations go by their lower-case names, which the options accept.
+  if (value.is_string() && (f.key.ends_with("Type") || f.key.ends_with("Rule"))) {
+    std::string name = value.get<std::string>();
+    for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    value = name;
+  }
+  return value.dump();
+}
+
+}  // namespace
+
+std::string escape_name(escape_style escape) { return escape == escape_style::backslash ? "backslash" : "double"; }
+
+std::string quote_name(char quote) { return quote == '\0' ? "none" : std::string(1, quote); }
+
+textio::import::user_choices user_choices_of(const parsed_arguments& args) {
+  textio::import::user_choices choices;
+  if (const auto json = args.value("--struct")) {
+    const hv::Value value = struct_argument(*json);
+    const hvArray_tag* record = value.get();
+    const int fields = record == nullptr ? 0 : record->get_number_of_struct_fields();
+    const char* const* names = fields > 0 ? record->get_struct_field_names() : nullptr;
+    for (int i = 0; i < fields && names != nullptr; ++i) add_key(choices.keys, names[i]);
+  } else {
+    for (std::size_t i = 0; i < args.option_arguments.size(); i += 2) add_key(choices.keys, args.option_arguments[i]);
+  }
+  choices.encoding = args.value("--encoding");
+  if (const auto quote = args.value("--quote")) {
+    if (*quote == "none") {
+      choices.quote = '\0';
+    } else if (quote->size() == 1 && static_cast<unsigned char>((*quote)[0]) < 0x80 && (*quote)[0] != '\n' &&
+               (*quote)[0] != '\r') {
+      choices.quote = (*quote)[0];
+    } else {
+      throw usage_error("--quote takes one ASCII character or none, not '" + *quote + "'");
+    }
+  }
+  if (const auto escape = args.value("--escape")) {
+    if (*escape == "double") {
+      choices.escape = escape_style::doubled;
+    } else if (*escape == "backslash") {
+      choices.escape = escape_style::backslash;
+    } else {
+      throw usage_error("--escape takes double or backslash, not '" + *escape + "'");
+    }
+  }
+  return choices;
+}
+
+textio::import::text_format given_format(const textio::import::user_choices& choices) {
+  textio::import::text_format format;
+  if (choices.encoding) format.encoding = *choices.encoding;
+  if (choices.quote) format.quote = *choices.quote;
+  if (choices.escape) format.escape = *choices.escape;
+  return format;
+}
+
+textio::import::detection_result detect_input(textio::import::utf8_input& input,
+                                              const textio::parser::options& record,
+                                              const textio::import::user_choices& choices) {
+  const std::string_view sample = input.sample(textio::import::detection_sample_bytes);
+  return textio::import::detect(sample, input.sample_is_whole_input(), record, choices);
+}
+
+std::string report_text(const textio::import::detection_report& report) {
+  char head[160];
+  std::snprintf(head, sizeof head, "detected: encoding %s, quote %s, escape %s, confidence %.2f\n",
+                report.encoding.c_str(), quote_name(report.quote).c_str(), escape_name(report.escape).c_str(),
+                report.confidence);
+  std::string text = head;
+  for (const auto& filled : report.filled) {
+    text.append("  ").append(filled.setting).append(": ").append(filled.reason).append("\n");
+  }
+  if (!report.variable_names.empty()) {
+    text.append("  variable names:");
+    for (const auto& name : report.variable_names) text.append(" ").append(json_quote_bytes(name));
+    text.append("\n");
+  }
+  if (report.table_end_line) {
+    text.append("  the table ends before line ").append(std::to_string(*report.table_end_line)).append("\n");
+  }
+  return text;
+}
+
+void apply_table_options(const parsed_arguments& args, textio::import::text_format& text) {
+  if (const auto end = args.value("--table-end")) {
+    std::uint64_t line = 0;
+    const auto [ptr, ec] = std::from_chars(end->data(), end->data() + end->size(), line);
+    if (ec != std::errc() || ptr != end->data() + end->size() || line == 0) {
+      throw usage_error("--table-end takes a line number from 1, not '" + *end + "'");
+    }
+    text.table_end_line = line;
+  }
+  if (const auto names = args.value("--variable-names")) {
+    const auto json = parse_json(*names);
+    if (!json || !json->is_array() || !std::ranges::all_of(*json, [](const auto& n) { return n.is_string(); })) {
+      throw usage_error("--variable-names takes a JSON array of strings");
+    }
+    text.variable_names = json->get<std::vector<std::string>>();
+  }
+  if (args.has("--all-lines")) text.table_end_line.reset();
+}
+
+std::vector<std::string> reproducing_arguments(const textio::parser::options& record,
+                                               const textio::import::text_format& format) {
+  const nlohmann::ordered_json wanted = record_json(record);
+  const nlohmann::ordered_json plain = record_json(textio::parser::options{});
+  std::vector<std::string> pairs;
+  const auto add_differing = [&](const nlohmann::ordered_json& from) {
+    for (const field_key& f : field_keys) {
+      const std::string field(f.field);
+      const bool flag_differs = !f.flag.empty() && wanted[std::string(f.flag)] != from[std::string(f.flag)];
+      if (wanted[field] == from[field] && !flag_differs) continue;
+      pairs.emplace_back(f.key);
+      pairs.push_back(value_text(f, wanted[field]));
+    }
+  };
+  if (!wanted.is_discarded()) add_differing(plain);
+  // A setter may change other fields too; setting them again after it puts
+  // them right.
+  for (int round = 0; round < 3 && !pairs.empty(); ++round) {
+    textio::parser::options replay;
+    if (apply_option_arguments(std::nullopt, pairs, replay)) break;
+    const nlohmann::ordered_json got = record_json(replay);
+    if (got.is_discarded() || got == wanted) break;
+    add_differing(got);
+  }
+  std::vector<std::string> args;
+  if (format.encoding != "UTF-8") args.insert(args.end(), {"--encoding", format.encoding});
+  if (format.quote != '"') args.insert(args.end(), {"--quote", quote_name(format.quote)});
+  if (format.escape != escape_style::doubled) args.insert(args.end(), {"--escape", escape_name(format.escape)});
+  if (format.table_end_line) args.insert(args.end(), {"--table-end", std::to_string(*format.table_end_line)});
+  if (!format.variable_names.empty()) {
+    args.insert(args.end(), {"--variable-names", nlohmann::ordered_json(format.variable_names).dump()});
+  }
+  // After "--" a pair that starts with "--" is not taken for an option.
+  if (std::ranges::any_of(pairs, [](const std::string& a) { return a.starts_with("--"); })) args.emplace_back("--");
+  args.insert(args.end(), pairs.begin(), pairs.end());
+  return args;
+}
+
+}  // namespace zvtool

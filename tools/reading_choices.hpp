@@ -1,0 +1,59 @@
+// What read and detect share: the tool's own reading options (--encoding,
+// --quote, --escape), which settings the user gave, detection from a sample
+// of the input, its report in words, and the arguments that reproduce a
+// reading without detection.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "import/detection.hpp"
+#include "import/text_format.hpp"
+#include "import/utf8_input.hpp"
+#include "parser/options.hpp"
+#include "tools/command_line.hpp"
+
+namespace zvtool {
+
+inline constexpr tool_option encoding_option{"--encoding", "NAME",
+                                             "the input's encoding, e.g. UTF-8, WINDOWS-1252, UTF-16LE (not detected)"};
+inline constexpr tool_option quote_option{"--quote", "CHAR", "the quote character, e.g. \\\" or ', or none (not detected)"};
+inline constexpr tool_option escape_option{"--escape", "STYLE",
+                                           "how a quote is written inside quotes: double or backslash (not detected)"};
+
+// The settings the user gave: the option keys named by the NAME VALUE
+// arguments or the --struct fields (matched case-insensitively, in the
+// option table's spelling), and --encoding, --quote, --escape. Throws
+// usage_error for a bad --quote, --escape or --struct.
+textio::import::user_choices user_choices_of(const parsed_arguments& args);
+
+// The format to read with when nothing is detected: the default, with what
+// the user forced.
+textio::import::text_format given_format(const textio::import::user_choices& choices);
+
+// Detects from the sample at the start of `input` (the first
+// detection_sample_bytes bytes and the rest of their line); reading `input`
+// afterwards starts at its beginning.
+textio::import::detection_result detect_input(textio::import::utf8_input& input,
+                                              const textio::parser::options& record,
+                                              const textio::import::user_choices& choices);
+
+// --table-end, --variable-names and --all-lines (which wins) over `text`.
+// Throws usage_error for a bad line number or names list.
+void apply_table_options(const parsed_arguments& args, textio::import::text_format& text);
+
+// The report for standard error, one item a line.
+std::string report_text(const textio::import::detection_report& report);
+
+// "double" or "backslash"; a quote as the tool writes it ("none" for none).
+std::string escape_name(textio::import::escape_style escape);
+std::string quote_name(char quote);
+
+// NAME VALUE arguments and tool options that make `read --no-detect` read
+// with `record` and `format`: a pair for each field that differs from a
+// default record, and the tool's options where the format is not the
+// default.
+std::vector<std::string> reproducing_arguments(const textio::parser::options& record,
+                                               const textio::import::text_format& format);
+
+}  // namespace zvtool
