@@ -8,6 +8,7 @@
 #include "import/encoding.hpp"
 #include "import/fixed_width_columns.hpp"
 #include "import/sample_table.hpp"
+#include "import/sample_types.hpp"
 #include "import/table_layout.hpp"
 #include "import/utf8_text.hpp"
 #include "errors/msg_id_exception.hpp"
@@ -346,6 +347,15 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   if (!fmt.variable_names.empty()) rep.variable_names = fmt.variable_names;
   rep.table_end_line = fmt.table_end_line;
   rep.confidence = std::clamp(confidence, 0.0, 1.0);
+
+  // The type of each variable from the table's body rows.
+  std::vector<std::vector<std::string>> body;
+  for (const sample_record& rec : chosen.table.records) {
+    if (layout.end_line && rec.first_line >= *layout.end_line) break;
+    if (rec.first_line > opts.num_header_lines() && !rec.blank && !rec.comment) body.push_back(rec.fields);
+  }
+  const std::uint64_t variables = opts.detecting_num_variables() ? layout.num_variables : opts.num_variables();
+  add_variable_types(rep, body, static_cast<std::size_t>(std::min<std::uint64_t>(variables, max_kept_fields)), opts);
   return result;
 }
 
