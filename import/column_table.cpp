@@ -24,8 +24,9 @@ void append_number_text(std::string& out, double value) {
   }
 }
 
+// Text values in their units; datetime and duration texts are ASCII bytes.
 void append_text(std::string& out, const output_value& v) {
-  if (v.utf16) {
+  if (v.utf16 && v.kind == value_kind::text) {
     out += foundation::core::unicode::to_utf8(v.units);
   } else {
     out += v.bytes;
@@ -67,18 +68,29 @@ void add_missing(table_column& column) {
   if (column.kind == column_kind::text) column.offsets.push_back(column.text.size());
 }
 
-// The column kind that holds a value of `kind`; each new value kind needs
-// its place here.
+// The column kind that holds a value of `kind`: integers and logicals (0, 1)
+// as numbers, datetimes and durations as their ISO 8601 text.
 column_kind storage_of(value_kind kind) {
   switch (kind) {
     case value_kind::missing:
       return column_kind::missing;
     case value_kind::number:
+    case value_kind::integer:
+    case value_kind::unsigned_integer:
+    case value_kind::logical:
       return column_kind::number;
     case value_kind::text:
+    case value_kind::datetime:
+    case value_kind::duration:
       return column_kind::text;
   }
   return column_kind::text;
+}
+
+double number_of(const output_value& v) {
+  if (v.kind == value_kind::integer) return static_cast<double>(v.integer);
+  if (v.kind == value_kind::unsigned_integer) return static_cast<double>(static_cast<std::uint64_t>(v.integer));
+  return v.number;
 }
 
 void add(table_column& column, const output_value& v) {
@@ -89,11 +101,11 @@ void add(table_column& column, const output_value& v) {
   }
   column.missing.push_back(0);
   if (column.kind == column_kind::number) {
-    column.numbers.push_back(v.number);
+    column.numbers.push_back(number_of(v));
     return;
   }
-  if (v.kind == value_kind::number) {
-    append_number_text(column.text, v.number);
+  if (wanted == column_kind::number) {
+    append_number_text(column.text, number_of(v));
   } else {
     append_text(column.text, v);
   }

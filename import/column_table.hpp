@@ -14,8 +14,9 @@
 namespace textio::import {
 
 // What a column holds: nothing but missing values so far, text, or numbers.
-// A column that receives text after numbers becomes a text column, its
-// numbers written as the shortest text that reads back to them.
+// Integers and logicals (0, 1) are numbers; datetimes and durations are their
+// ISO 8601 text. A column that receives text after numbers becomes a text
+// column, its numbers written as the shortest text that reads back to them.
 enum class column_kind : std::uint8_t { missing, text, number };
 
 struct table_column {

@@ -35,6 +35,14 @@ class compact_table {
         const std::basic_string_view<CharT> t = text_of(v);
         put_count(t.size());
         row_.append(reinterpret_cast<const char*>(t.data()), t.size() * sizeof(CharT));
+      } else if (v.kind != value_kind::missing) {
+        // A typed value: its number, its integer and its canonical text.
+        char bytes[sizeof(double) + sizeof(std::int64_t)];
+        std::memcpy(bytes, &v.number, sizeof(double));
+        std::memcpy(bytes + sizeof(double), &v.integer, sizeof(std::int64_t));
+        row_.append(bytes, sizeof bytes);
+        put_count(v.bytes.size());
+        row_.append(v.bytes.data(), v.bytes.size());
       }
     }
     if (chunks_.empty() || chunks_.back().size - chunks_.back().used < row_.size()) {
@@ -67,6 +75,13 @@ class compact_table {
             const std::size_t length = get_count(p);
             set_text(v, std::basic_string_view<CharT>(reinterpret_cast<const CharT*>(p), length));
             p += length * sizeof(CharT);
+          } else if (v.kind != value_kind::missing) {
+            std::memcpy(&v.number, p, sizeof(double));
+            std::memcpy(&v.integer, p + sizeof(double), sizeof(std::int64_t));
+            p += sizeof(double) + sizeof(std::int64_t);
+            const std::size_t length = get_count(p);
+            v.bytes = std::string_view(p, length);
+            p += length;
           }
         }
         each(std::span<const output_value>(values), missing_after);

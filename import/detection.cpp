@@ -8,9 +8,11 @@
 #include "import/encoding.hpp"
 #include "import/fixed_width_columns.hpp"
 #include "import/sample_table.hpp"
+#include "import/sample_types.hpp"
 #include "import/table_layout.hpp"
 #include "import/utf8_text.hpp"
 #include "errors/msg_id_exception.hpp"
+#include "zvcore/ustring.hpp"
 
 namespace textio::import {
 namespace {
@@ -25,30 +27,6 @@ ustring to_ustring(std::string_view utf8) {
   ustring out;
   const utf8_check c = check_utf8(utf8);
   append_utf16(out, utf8.substr(0, c.valid));
-  return out;
-}
-
-std::string to_utf8(const ustring& s) {
-  std::string out;
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    char32_t c = s[i];
-    if (c >= 0xD800 && c <= 0xDBFF && i + 1 < s.size()) c = 0x10000 + ((c - 0xD800) << 10) + (s[++i] - 0xDC00);
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (c >> 18));
-      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
   return out;
 }
 
@@ -177,7 +155,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   // Comment marker.
   std::string marker;
   if (!opts.comment_style().empty()) {
-    marker = to_utf8(opts.comment_style().front());
+    marker = foundation::core::unicode::to_utf8(opts.comment_style().front());
   } else if (open("CommentStyle")) {
     marker = find_comment_marker(lines);
     if (!marker.empty()) {
@@ -369,6 +347,15 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   if (!fmt.variable_names.empty()) rep.variable_names = fmt.variable_names;
   rep.table_end_line = fmt.table_end_line;
   rep.confidence = std::clamp(confidence, 0.0, 1.0);
+
+  // The type of each variable from the table's body rows.
+  std::vector<std::vector<std::string>> body;
+  for (const sample_record& rec : chosen.table.records) {
+    if (layout.end_line && rec.first_line >= *layout.end_line) break;
+    if (rec.first_line > opts.num_header_lines() && !rec.blank && !rec.comment) body.push_back(rec.fields);
+  }
+  const std::uint64_t variables = opts.detecting_num_variables() ? layout.num_variables : opts.num_variables();
+  add_variable_types(rep, body, static_cast<std::size_t>(std::min<std::uint64_t>(variables, max_kept_fields)), opts);
   return result;
 }
 

@@ -45,6 +45,13 @@ struct detection_report {
   std::optional<std::uint64_t> table_end_line;
   double confidence = 0;  // 0 to 1
   std::vector<detected_setting> filled;
+  // Per variable: its type name ("double", "datetime", ...), the missing
+  // markers found in it, and for a datetime whether its dates are
+  // month-first and whether the sample settled day-first against month-first.
+  std::vector<std::string> variable_types;
+  std::vector<std::vector<std::string>> missing_markers;
+  std::vector<bool> month_first;
+  std::vector<bool> date_order_unsettled;
 };
 
 struct detection_result {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "zvcore/utf8.hpp"
+
 namespace textio::import {
 namespace {
 
@@ -36,24 +38,7 @@ std::string trimmed_utf8(const std::u32string& s, std::size_t from, std::size_t 
   while (from < to && is_blank(s[from])) ++from;
   while (to > from && is_blank(s[to - 1])) --to;
   std::string out;
-  for (std::size_t i = from; i < to; ++i) {
-    const char32_t c = s[i];
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (c >> 18));
-      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
+  for (std::size_t i = from; i < to; ++i) foundation::core::unicode::append_utf8(out, s[i]);
   return out;
 }
 

@@ -29,6 +29,21 @@ std::optional<double> special_value(std::string_view ascii) {
 
 template <class CharT>
 std::optional<double> to_number(std::basic_string_view<CharT> text, const number_format& format) {
+  if constexpr (sizeof(CharT) == 1) {
+    // Plain numbers under the usual format read in place: digits first and
+    // last rule out NaN and Inf spellings, which the general path checks.
+    if (format.decimal_separator == u'.' && format.thousands_separator.empty() && !format.trim_non_numeric &&
+        format.exp_chars.find(u'e') != std::u16string::npos && format.exp_chars.find(u'E') != std::u16string::npos &&
+        !text.empty() && is_digit(static_cast<unsigned char>(text.back()))) {
+      std::string_view t = text;
+      if (t.front() == '+') t.remove_prefix(1);
+      if (!t.empty() && (is_digit(static_cast<unsigned char>(t.front())) || t.front() == '-' || t.front() == '.')) {
+        double value = 0;
+        const auto [ptr, ec] = std::from_chars(t.data(), t.data() + t.size(), value);
+        if (ec == std::errc() && ptr == t.data() + t.size()) return value;
+      }
+    }
+  }
   const auto unit = [&](std::size_t i) {
     return static_cast<char16_t>(static_cast<std::make_unsigned_t<CharT>>(text[i]));
   };

@@ -10,7 +10,11 @@
 
 namespace textio::import {
 
-enum class value_kind : std::uint8_t { missing, text, number };
+// Typed values: integer holds an exact int64 (unsigned_integer its uint64
+// bits); logical holds 0 or 1 in `number`; datetime and duration hold seconds
+// in `number` (since 1970 at UTC for a datetime) and their canonical ISO 8601
+// text in `bytes` (ASCII, also when `utf16`).
+enum class value_kind : std::uint8_t { missing, text, number, integer, unsigned_integer, logical, datetime, duration };
 
 struct output_value {
   value_kind kind = value_kind::missing;
@@ -19,12 +23,16 @@ struct output_value {
   std::string_view bytes;
   std::u16string_view units;
   double number = 0;
+  std::int64_t integer = 0;
 };
 
 struct table_header {
   std::vector<output_value> names;
   std::vector<output_value> units;
   std::vector<output_value> descriptions;
+  // The type name of each variable when the reader converts to types;
+  // empty when every value is text.
+  std::vector<std::string_view> types;
 };
 
 // Receives the header once, before any record, then every record in order.

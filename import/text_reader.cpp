@@ -65,7 +65,8 @@ class table_reader {
   using string = std::basic_string<CharT>;
 
   table_reader(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-               const progress_callback& progress, const text_format& text, const stray_quote_callback& stray_quote)
+               const progress_callback& progress, const text_format& text, const stray_quote_callback& stray_quote,
+               std::span<const variable_typing> types = {})
       : opts_(effective_options(given)),
         input_(input),
         window_(input),
@@ -73,6 +74,7 @@ class table_reader {
         progress_(progress),
         text_(text),
         stray_quote_(stray_quote) {
+    if (opts_.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
     set_up();
   }
 
@@ -182,13 +184,27 @@ class table_reader {
     for (const auto& p : opts_.missing_placeholders()) {
       if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
     }
+    converts_ = opts_.output_type() == OutputBuilderType::Matrix || !typing_.empty();
+    conversions_.resize(typing_.size());
+    canonical_.resize(typing_.size());
+    for (std::size_t i = 0; i < typing_.size(); ++i) {
+      conversions_[i].numbers = format_;
+      conversions_[i].dates = typing_[i].dates;
+      for (const std::string& m : typing_[i].missing_markers) {
+        if constexpr (sizeof(CharT) == 1) {
+          typed_markers_.push_back({i, m});
+        } else {
+          typed_markers_.push_back({i, foundation::core::unicode::to_utf16(m)});
+        }
+      }
+    }
     buffering_ =
         opts_.missing_rule() == BadDataRule::OmitVar ||
-        (opts_.output_type() == OutputBuilderType::Matrix && opts_.import_error_rule() == BadDataRule::OmitVar) ||
+        (converts_ && opts_.import_error_rule() == BadDataRule::OmitVar) ||
         (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar);
     // Counting needs no values when no rule looks at them.
     counting_ = sink_.counts_only() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
-                (opts_.output_type() != OutputBuilderType::Matrix || opts_.import_error_rule() == BadDataRule::Fill) &&
+                (!converts_ || opts_.import_error_rule() == BadDataRule::Fill) &&
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
@@ -452,6 +468,13 @@ class table_reader {
     fill(names_, h.names);
     fill(units_, h.units);
     fill(descriptions_, h.descriptions);
+    if (!typing_.empty()) {
+      const std::size_t count = std::max({typing_.size(), names_.size(), variables_.value_or(0)});
+      for (std::size_t i = 0; i < count; ++i) {
+        if (i < omitted.size() && omitted[i]) continue;
+        h.types.push_back(type_name(i < typing_.size() ? typing_[i].type : value_type::string));
+      }
+    }
     return h;
   }
 
@@ -570,6 +593,15 @@ class table_reader {
     return false;
   }
 
+  // Whether a field that did not convert is a missing marker detected for
+  // its variable.
+  bool is_typed_marker(std::size_t i, view text) const {
+    for (const auto& [variable, marker] : typed_markers_) {
+      if (variable == i && text == marker) return true;
+    }
+    return false;
+  }
+
   // Applies a missing or import-error rule to field i: Fill keeps the field
   // as it is, OmitVar marks its variable, Error fails; false for OmitRow.
   template <class ErrorTag>
@@ -604,6 +636,15 @@ class table_reader {
         } else {
           v.number = std::numeric_limits<double>::quiet_NaN();
           if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return;
+        }
+      } else if (i < typing_.size() && typing_[i].type != value_type::string) {
+        if (!convert_value(c.text, typing_[i].type, conversions_[i], v, canonical_[i])) {
+          v = output_value{};
+          if (is_typed_marker(i, c.text)) {
+            if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return;
+          } else if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) {
+            return;
+          }
         }
       } else {
         v = text_value(c.text);
@@ -743,6 +784,12 @@ class table_reader {
   std::vector<bool> omitted_;
   compact_table<CharT> table_;
   std::uint64_t line_ = 1;  // the physical line of the record being read
+
+  std::vector<variable_typing> typing_;  // Table: the type of each variable by position
+  std::vector<conversion_settings> conversions_;
+  std::vector<std::string> canonical_;  // per variable: the text of its datetime or duration value
+  std::vector<std::pair<std::size_t, string>> typed_markers_;
+  bool converts_ = false;  // Matrix, or Table with types
 };
 
 }  // namespace
@@ -750,10 +797,16 @@ class table_reader {
 read_summary read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
                         const text_format& format, const progress_callback& progress,
                         const stray_quote_callback& stray_quote) {
+  return read_typed_table(given, input, sink, format, {}, progress, stray_quote);
+}
+
+read_summary read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                              const text_format& format, std::span<const variable_typing> types,
+                              const progress_callback& progress, const stray_quote_callback& stray_quote) {
   input.decode_from(format.encoding);
   const textio::parser::options opts = effective_options(given);
-  if (scans_utf8_bytes(opts)) return table_reader<char>(given, input, sink, progress, format, stray_quote).run();
-  return table_reader<char16_t>(given, input, sink, progress, format, stray_quote).run();
+  if (scans_utf8_bytes(opts)) return table_reader<char>(given, input, sink, progress, format, stray_quote, types).run();
+  return table_reader<char16_t>(given, input, sink, progress, format, stray_quote, types).run();
 }
 
 void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,

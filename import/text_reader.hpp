@@ -7,10 +7,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 
 #include "import/output.hpp"
 #include "import/text_format.hpp"
 #include "import/utf8_input.hpp"
+#include "import/value_conversion.hpp"
 #include "parser/options.hpp"
 
 namespace textio::import {
@@ -36,6 +38,15 @@ struct read_summary {
 read_summary read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
                         const text_format& format, const progress_callback& progress = {},
                         const stray_quote_callback& stray_quote = {});
+
+// Reads as read_table does, and with OutputBuilderType Table converts each
+// variable to its type in `types` (by position; variables beyond are text).
+// A value that does not convert follows ImportErrorRule: Fill makes it
+// missing, OmitRow, OmitVar, Error as for Matrix. Other output types ignore
+// `types`.
+read_summary read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
+                              const text_format& format, std::span<const variable_typing> types,
+                              const progress_callback& progress = {}, const stray_quote_callback& stray_quote = {});
 
 // read_table in the default format: UTF-8, '"' doubled, the whole input.
 void read_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,

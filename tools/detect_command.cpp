@@ -28,6 +28,26 @@ void write_detected(json_writer& out, const textio::import::detection_result& re
   out.begin_array();
   for (const auto& name : report.variable_names) out.bytes_value(name);
   out.end_array();
+  out.key("variable_types");
+  out.begin_array();
+  for (const auto& type : report.variable_types) out.bytes_value(type);
+  out.end_array();
+  // Per variable: the missing markers found in it, and whether its dates
+  // read both day-first and month-first.
+  out.key("missing_markers");
+  out.begin_array();
+  for (const auto& markers : report.missing_markers) {
+    out.begin_array();
+    for (const auto& m : markers) out.bytes_value(m);
+    out.end_array();
+  }
+  out.end_array();
+  out.key("date_order_unsettled");
+  out.begin_array();
+  for (std::size_t i = 0; i < report.date_order_unsettled.size(); ++i) {
+    if (report.date_order_unsettled[i]) out.unsigned_value(i + 1);
+  }
+  out.end_array();
   out.key("table_end_line");
   if (report.table_end_line) {
     out.unsigned_value(*report.table_end_line);

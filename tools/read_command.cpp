@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 
@@ -18,6 +19,7 @@
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
 #include "tools/usage_error.hpp"
+#include "tools/variable_types.hpp"
 
 namespace zvtool {
 namespace {
@@ -67,6 +69,42 @@ std::string changed_warning(const std::string& file) {
          "may mix old and new contents\n";
 }
 
+// With OutputBuilderType Table: the type of each variable as detection found
+// it (`report`), or without detection from the first records of a regular
+// file, and overridden by --types. Standard input is read once, so without
+// detection only --types gives its variables types. A datetime variable whose
+// dates read both day-first and month-first gets a note in `notes`.
+std::vector<textio::import::variable_typing> variable_types(const parsed_arguments& args,
+                                                            const textio::parser::options& record,
+                                                            const textio::import::text_format& text,
+                                                            const textio::import::detection_report* report,
+                                                            std::string& notes) {
+  if (record.output_type() != textio::enums::OutputBuilderType::Table) return {};
+  std::vector<textio::import::detected_type> detected;
+  std::vector<std::string> names;
+  if (report) {
+    detected = detected_types_of(*report);
+    names = report->variable_names;
+  } else {
+    text_sample sample;
+    std::error_code ec;
+    if (*args.operand != "-" && std::filesystem::is_regular_file(*args.operand, ec)) {
+      sample = read_text_sample(record, *args.operand, text);
+    }
+    detected = detect_sample_types(record, sample);
+    names = sample.names;
+  }
+  if (!text.variable_names.empty()) names = text.variable_names;
+  auto types = apply_type_argument(args.value("--types"), detected, names);
+  for (std::size_t i = 0; i < detected.size(); ++i) {
+    if (detected[i].date_order_unsettled && types[i].type == textio::import::value_type::datetime) {
+      notes += "zvtextparser: note: the dates of variable " + std::to_string(i + 1) +
+               " read both day-first and month-first; they are read day-first\n";
+    }
+  }
+  return types;
+}
+
 }  // namespace
 
 read_format output_format(const parsed_arguments& args) {
@@ -108,19 +146,22 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   try {
     textio::import::utf8_input input(*args.operand);
     textio::import::text_format text = given_format(choices);
+    std::optional<textio::import::detection_report> report;
     if (!args.has("--no-detect")) {
       const textio::import::detection_result detected = detect_input(input, record, choices);
       record = detected.options;
       text = detected.format;
+      report = detected.report;
       if (args.has("--verbose")) result.err += report_text(detected.report);
     }
     apply_table_options(args, text);
+    const auto types = variable_types(args, record, text, report ? &*report : nullptr, result.err);
     const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
       result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " + std::to_string(column) +
                     " never closes; quotes are read as text from there on\n";
     };
     const textio::import::read_summary summary =
-        textio::import::read_table(record, input, *sink, text, progress_bar(input), warn);
+        textio::import::read_typed_table(record, input, *sink, text, types, progress_bar(input), warn);
     if (summary.lines_left_unread > 0) {
       result.err += "zvtextparser: the table ends before line " + std::to_string(*text.table_end_line) + "; " +
                     std::to_string(summary.lines_left_unread) +

@@ -52,8 +52,29 @@ void append_number(std::string& out, double value) {
   }
 }
 
+// An integer, logical, datetime or duration value as both outputs write it;
+// JSON quotes the datetime and duration texts.
+void append_typed(std::string& out, const output_value& v, bool json) {
+  if (v.kind == value_kind::integer) {
+    out += std::to_string(v.integer);
+  } else if (v.kind == value_kind::unsigned_integer) {
+    out += std::to_string(static_cast<std::uint64_t>(v.integer));
+  } else if (v.kind == value_kind::logical) {
+    out += v.number != 0 ? "true" : "false";
+  } else if (json) {
+    out += '"';
+    out += v.bytes;
+    out += '"';
+  } else {
+    out += v.bytes;
+  }
+}
+
 void append_json(std::string& out, const output_value& v) {
   switch (v.kind) {
+    default:
+      append_typed(out, v, true);
+      return;
     case value_kind::missing:
       out += "null";
       return;
@@ -110,6 +131,9 @@ void append_csv_text(std::string& out, std::string_view text) {
 
 void append_csv(std::string& out, const output_value& v) {
   switch (v.kind) {
+    default:
+      append_typed(out, v, false);
+      return;
     case value_kind::missing:
       return;
     case value_kind::number:
@@ -173,6 +197,15 @@ void jsonl_writer::header(const textio::import::table_header& header) {
   append_json_array(out, header.units);
   out += ", \"descriptions\": ";
   append_json_array(out, header.descriptions);
+  if (!header.types.empty()) {
+    out += ", \"types\": [";
+    for (std::size_t i = 0; i < header.types.size(); ++i) {
+      out += i > 0 ? ", \"" : "\"";
+      out += header.types[i];
+      out += '"';
+    }
+    out += ']';
+  }
   out += "}\n";
   out_.maybe_flush();
 }

@@ -23,6 +23,8 @@ constexpr std::array read_options{
     struct_option,
     tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
+    tool_option{"--types", "JSON",
+                "types by position [\"double\", \"auto\"] or by name {\"when\": \"datetime\"}; auto: detect"},
     tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},
     tool_option{"--strict", "", "exit 5 when FILE changed while it was read (a warning is printed in any case)"},
     tool_option{"--no-detect", "", "read with the options as they stand; detect nothing"},
@@ -59,7 +61,8 @@ library refuses an option, reader prints what options prints: no "reader".
 )";
 
 constexpr std::string_view read_details = R"(Output (jsonl): {"variables": [...], "units": [...], "descriptions": [...]},
-then one JSON array per record. csv: RFC 4180 with a header row when there
+with OutputBuilderType table also "types": [...] (detected from the first
+records, or as --types gives them), then one JSON array per record. csv: RFC 4180 with a header row when there
 are names. --count: {"records": N, "fields": M} (it overrides --format).
 A reading error ends the output after the last good record, with an
 {"error": {...}} line in jsonl and count. A refused option prints the

@@ -15,8 +15,24 @@ using textio::import::output_value;
 using textio::import::table_column;
 using textio::import::value_kind;
 
-output_value text(std::string_view bytes) { return {value_kind::text, false, bytes, {}, 0}; }
-output_value number(double n) { return {value_kind::number, false, {}, {}, n}; }
+output_value text(std::string_view bytes) {
+  output_value v;
+  v.kind = value_kind::text;
+  v.bytes = bytes;
+  return v;
+}
+output_value number(double n) {
+  output_value v;
+  v.kind = value_kind::number;
+  v.number = n;
+  return v;
+}
+output_value whole(std::int64_t n) {
+  output_value v;
+  v.kind = value_kind::integer;
+  v.integer = n;
+  return v;
+}
 output_value missing() { return {}; }
 
 // Every row of a column as text: "-" where missing.
@@ -41,10 +57,10 @@ TEST(ColumnTable, SinkKeepsKindsAndPadsRaggedRecords) {
   header.names = {text("a"), text("b")};
   sink.header(header);
   const std::vector<output_value> rows[] = {
-      {number(1.5), missing()},                 // b has only missing values so far
-      {number(2), text("x,y"), text("extra")},  // a third column appears
-      {missing()},                              // padded
-      {text("word"), text("")},                 // a turns to text
+      {number(1.5), missing()},                // b has only missing values so far
+      {whole(2), text("x,y"), text("extra")},  // a third column appears
+      {missing()},                             // padded
+      {text("word"), text("")},                // a turns to text
   };
   for (const auto& row : rows) sink.record(row);
   sink.padded_record(std::vector<output_value>{number(0.1)}, 3);  // padding beyond the table: a fourth column

@@ -74,9 +74,12 @@ INSTANTIATE_TEST_SUITE_P(Files, DetectRoundTrip, ::testing::ValuesIn(detect_case
 TEST(ReadDetects, SemicolonFileWithATitleNeedsNoOptions) {
   const std::string path = import_test::write_file("Prices in 2024\n\nname;price\napple;1,5\npear;2,25\nplum;3\n");
   const auto run = run_tool({"read", path});
-  EXPECT_EQ(run.out, "{\"variables\": [\"name\", \"price\"], \"units\": [], \"descriptions\": []}\n"
-                     "[\"apple\", \"1,5\"]\n[\"pear\", \"2,25\"]\n[\"plum\", \"3\"]\n");
+  EXPECT_EQ(run.out,
+            "{\"variables\": [\"name\", \"price\"], \"units\": [], \"descriptions\": [], \"types\": [\"string\", "
+            "\"double\"]}\n[\"apple\", 1.5]\n[\"pear\", 2.25]\n[\"plum\", 3]\n");
   EXPECT_EQ(run.err, "");
+  const auto detected = parse(run_tool({"detect", path}).out)["detected"];
+  EXPECT_EQ(detected["variable_types"], nlohmann::json::parse(R"(["string", "double"])")) << detected;
   const auto verbose = run_tool({"read", path, "--verbose", "--count"});
   EXPECT_NE(verbose.err.find("  Delimiter: ';'"), std::string::npos) << verbose.err;
   EXPECT_NE(verbose.err.find("variable names: \"name\" \"price\""), std::string::npos) << verbose.err;

@@ -126,6 +126,11 @@ std::map<std::string, std::string> detect_fields(const std::string& sample, bool
   got["thousands"] = o.thousands_separator().empty() ? "-" : narrow(o.thousands_separator());
   got["comment"] = o.comment_style().empty() ? "-" : narrow(o.comment_style().front());
   got["table_end"] = r.format.table_end_line ? std::to_string(*r.format.table_end_line) : "-";
+  std::string types;
+  for (const std::string& t : r.report.variable_types) {
+    types += t == "double" ? 'd' : t == "logical" ? 'l' : t == "datetime" ? 't' : t == "duration" ? 'u' : 's';
+  }
+  got["types"] = types;
   return got;
 }
 

@@ -2,7 +2,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cctype>
 #include <fstream>
 #include <sstream>
 
@@ -25,6 +27,17 @@ std::string write_file(const std::string& contents) {
 read_output read_file(const std::string& path, const std::vector<std::string>& args) {
   std::vector<std::string> all{path, "--no-detect"};
   all.insert(all.end(), args.begin(), args.end());
+  const auto names = [&](std::string_view word) {
+    return std::any_of(args.begin(), args.end(), [&](const std::string& a) {
+      return a.size() == word.size() && std::equal(a.begin(), a.end(), word.begin(), [](char x, char y) {
+               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+             });
+    });
+  };
+  if (!names("OutputBuilderType") && !names("--struct")) {
+    all.push_back("OutputBuilderType");
+    all.push_back("cell");
+  }
   const zvtool::parsed_arguments scanned = zvtool::parse_subcommand_arguments("read", all);
   std::ostringstream text;
   const zvtool::tool_result result = zvtool::run_read(scanned, text);

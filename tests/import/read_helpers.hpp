@@ -19,7 +19,10 @@ struct read_output {
 // its path.
 std::string write_file(const std::string& contents);
 
-// zvtextparser read <file> --no-detect <args...>, in process.
+// zvtextparser read <file> --no-detect <args...>, in process. Unless the
+// arguments name OutputBuilderType (or give --struct), it is "cell": every
+// field as text, which is what these tests look at; typed output has its own
+// tests.
 read_output read_file(const std::string& path, const std::vector<std::string>& args);
 read_output read_text(const std::string& contents, const std::vector<std::string>& args);
 

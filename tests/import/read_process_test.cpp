@@ -23,7 +23,9 @@ TEST(ReadProcess, ReadsAFile) {
   const std::string path = import_test::write_file("a,b\n1,\"x\"\"y\"\n");
   const auto run = run_tool({"read", path, "--no-detect", "NumHeaderLines", "1", "VariableNamesLine", "1"});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out, "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": []}\n[\"1\", \"x\\\"y\"]\n");
+  EXPECT_EQ(run.out,
+            "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"double\", \"string\"]}\n"
+            "[1, \"x\\\"y\"]\n");
   EXPECT_EQ(run.err, "");
 }
 
@@ -40,7 +42,8 @@ TEST(ReadProcess, StructGivesTheOptions) {
   const std::string path = import_test::write_file("a;b\n");
   const auto run = run_tool({"read", "--no-detect", "--struct", R"({"Delimiter": ";", "VariableNamesLine": 1})", path});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out, "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": []}\n");
+  EXPECT_EQ(run.out,
+            "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"string\", \"string\"]}\n");
 }
 
 TEST(ReadProcess, UsageErrors) {

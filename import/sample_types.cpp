@@ -1,0 +1,36 @@
+#include "import/sample_types.hpp"
+
+#include "import/type_detection.hpp"
+#include "import/value_conversion.hpp"
+#include "zvcore/ustring.hpp"
+
+namespace textio::import {
+
+void add_variable_types(detection_report& report, const std::vector<std::vector<std::string>>& rows,
+                        std::size_t variables, const textio::parser::options& opts) {
+  type_detection_settings settings;
+  settings.numbers.decimal_separator = opts.decimal_separator();
+  settings.numbers.thousands_separator = opts.thousands_separator();
+  settings.numbers.exp_chars = opts.exp_chars();
+  settings.numbers.trim_non_numeric = opts.trim_non_numeric();
+  for (const auto& p : opts.missing_placeholders()) settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
+  settings.detect_markers = opts.missing_placeholders().empty();
+  for (const detected_type& d : detect_types(rows, variables, settings)) {
+    report.variable_types.emplace_back(type_name(d.typing.type));
+    report.missing_markers.push_back(d.typing.missing_markers);
+    report.month_first.push_back(d.typing.dates == date_order::month_first);
+    report.date_order_unsettled.push_back(d.date_order_unsettled);
+  }
+}
+
+std::vector<variable_typing> variable_typings(const detection_report& report) {
+  std::vector<variable_typing> out(report.variable_types.size());
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    out[i].type = type_from_name(report.variable_types[i]).value_or(value_type::string);
+    out[i].dates = report.month_first[i] ? date_order::month_first : date_order::day_first;
+    out[i].missing_markers = report.missing_markers[i];
+  }
+  return out;
+}
+
+}  // namespace textio::import
