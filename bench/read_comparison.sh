@@ -34,8 +34,8 @@ cat "$file" > /dev/null  # into the page cache
 threads=$(nproc)
 # The settings spelled out and detection off (the in-memory table does not
 # detect), so that every command reads the same: comma delimited, one line of
-# names, every value text as read.
-read_options=(Delimiter , NumHeaderLines 1 VariableNamesLine 1)
+# names, every value text as read (the cell output takes no types).
+read_options=(Delimiter , NumHeaderLines 1 VariableNamesLine 1 OutputBuilderType cell)
 
 labels=()
 commands=()
