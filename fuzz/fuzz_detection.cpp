@@ -41,7 +41,9 @@ const given_option options_to_draw[] = {
      [](fuzz::FuzzInput& in) { return hv::Value::text(in.flag() ? u"," : u"."); }},
     {u"CommentStyle", "CommentStyle", [](fuzz::FuzzInput& in) { return hv::Value::text(in.pick(markers)); }},
     {u"VariableWidths", "VariableWidths",
-     [](fuzz::FuzzInput& in) { return hv::Value::row(std::vector<double>{1.0 + in.below(4), 1.0 + in.below(4)}); }},
+     [](fuzz::FuzzInput& in) {
+       return hv::Value::row(std::vector<double>{1.0 + in.below(4), 1.0 + in.below(4)});
+     }},
 };
 
 const char* const encodings[] = {"UTF-8", "WINDOWS-1252", "UTF-16LE", "GB18030", "NO-SUCH-ENCODING"};
@@ -68,7 +70,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::uint8_t choice_bits = in.byte();
   if (choice_bits & 1u) choices.encoding = in.pick(encodings);
   if (choice_bits & 2u) choices.quote = "\"'\0"[in.below(3)];
-  if (choice_bits & 4u) choices.escape = in.flag() ? textio::import::escape_style::backslash : textio::import::escape_style::doubled;
+  if (choice_bits & 4u)
+    choices.escape = in.flag() ? textio::import::escape_style::backslash : textio::import::escape_style::doubled;
   const bool whole = (choice_bits & 8u) == 0;
 
   std::string sample;
@@ -94,11 +97,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!given.detecting_num_variables() && o.num_variables() != given.num_variables()) fail("given count changed");
   for (const char* key : {"DecimalSeparator", "VariableNamesLine", "ParserType", "CommentStyle", "VariableWidths"}) {
     if (!choices.keys.count(key)) continue;
-    const bool same = std::string_view(key) == "DecimalSeparator"    ? o.decimal_separator() == given.decimal_separator()
-                      : std::string_view(key) == "VariableNamesLine" ? o.variable_names_line() == given.variable_names_line()
-                      : std::string_view(key) == "ParserType"        ? o.parser_type() == given.parser_type()
-                      : std::string_view(key) == "CommentStyle"      ? o.comment_style() == given.comment_style()
-                                                                     : o.field_widths() == given.field_widths();
+    const bool same = std::string_view(key) == "DecimalSeparator" ? o.decimal_separator() == given.decimal_separator()
+                      : std::string_view(key) == "VariableNamesLine"
+                          ? o.variable_names_line() == given.variable_names_line()
+                      : std::string_view(key) == "ParserType"   ? o.parser_type() == given.parser_type()
+                      : std::string_view(key) == "CommentStyle" ? o.comment_style() == given.comment_style()
+                                                                : o.field_widths() == given.field_widths();
     if (!same) fail("a given setting changed");
   }
   if (choices.quote && r.format.quote != *choices.quote) fail("given quote changed");

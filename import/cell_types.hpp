@@ -28,11 +28,11 @@ inline bool is_typed(cell_type t) { return t != cell_type::text; }
 
 // Votes of one field for a number format.
 struct number_votes {
-  std::uint32_t decimal_point = 0;   // 1.5
-  std::uint32_t decimal_comma = 0;   // 1,5
-  std::uint32_t thousands_dot = 0;   // 1.234.567 or 1.234,5
-  std::uint32_t thousands_comma = 0; // 1,234,567 or 1,234.5
-  std::uint32_t thousands_space = 0; // 1 234 567,5
+  std::uint32_t decimal_point = 0;    // 1.5
+  std::uint32_t decimal_comma = 0;    // 1,5
+  std::uint32_t thousands_dot = 0;    // 1.234.567 or 1.234,5
+  std::uint32_t thousands_comma = 0;  // 1,234,567 or 1,234.5
+  std::uint32_t thousands_space = 0;  // 1 234 567,5
 };
 
 // Adds what `field` says about the number format to `votes`.

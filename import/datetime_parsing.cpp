@@ -46,9 +46,9 @@ class cursor {
 
 // January is 1; an abbreviation of three letters or more ("Sept" too).
 std::optional<int> month_number(std::string_view word) {
-  static constexpr std::array<std::string_view, 12> months = {"january", "february", "march",     "april",
-                                                              "may",     "june",     "july",      "august",
-                                                              "september", "october", "november", "december"};
+  static constexpr std::array<std::string_view, 12> months = {"january",   "february", "march",    "april",
+                                                              "may",       "june",     "july",     "august",
+                                                              "september", "october",  "november", "december"};
   if (word.size() < 3) return std::nullopt;
   std::string l;
   for (const char c : word) l.push_back(lower(c));

@@ -19,8 +19,8 @@ struct datetime_value {
   std::uint8_t month = 1;
   std::uint8_t day = 1;
   bool has_time = false;
-  std::int64_t nanoseconds = 0;       // of the day
-  std::uint8_t fraction_digits = 0;   // as written
+  std::int64_t nanoseconds = 0;                // of the day
+  std::uint8_t fraction_digits = 0;            // as written
   std::optional<std::int16_t> offset_minutes;  // a zone: Z is 0
 
   // Seconds since 1970-01-01T00:00:00, at UTC when there is a zone.

@@ -144,7 +144,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   const std::vector<sample_line> lines = split_lines(text, max_lines);
   // The part of the sample that is looked at.
   const std::string_view examined =
-      lines.empty() ? std::string_view() : std::string_view(text).substr(0, lines.back().offset + lines.back().text.size());
+      lines.empty() ? std::string_view()
+                    : std::string_view(text).substr(0, lines.back().offset + lines.back().text.size());
   const bool parser_given = !open("ParserType");
   // The reader is chosen when nobody gave it; the delimiter also when the
   // delimited reader was given without one.
@@ -206,8 +207,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     // Columns shared by the body as runs of blanks see it, else by all lines
     // (runs of blanks may have found no body), else past a preamble.
     fixed_columns columns;
-    for (const std::size_t from : {static_cast<std::size_t>(blank_layout.header_lines), std::size_t{0}, lines.size() / 4,
-                                   lines.size() / 2}) {
+    for (const std::size_t from :
+         {static_cast<std::size_t>(blank_layout.header_lines), std::size_t{0}, lines.size() / 4, lines.size() / 2}) {
       columns = fixed_width_starts(lines, from, marker);
       if (columns.starts.size() >= 2) break;
     }
@@ -224,8 +225,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       const bool blanks_regular = blank_layout.body_fit >= 0.95 &&
                                   (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows);
       const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
-      use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
-                  (!blanks_regular || blanks_split_fields);
+      use_fixed =
+          fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 && (!blanks_regular || blanks_split_fields);
       if (use_fixed) {
         chosen.fixed_width = true;
         chosen.widths = widths_from_starts(starts, lines);
@@ -281,7 +282,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       opts.delimiter(std::vector<ustring>{u" ", u"\t"});
       rep.filled.push_back({"ParserType", "runs of blanks separate the same number of fields on every row"});
     } else {
-      opts.delimiter(std::vector<ustring>{ustring(1, static_cast<char16_t>(static_cast<unsigned char>(chosen.d.delimiter)))});
+      opts.delimiter(
+          std::vector<ustring>{ustring(1, static_cast<char16_t>(static_cast<unsigned char>(chosen.d.delimiter)))});
       rep.filled.push_back({"Delimiter", printable(chosen.d.delimiter) + " gives the most regular table"});
     }
   }
@@ -301,18 +303,22 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
   if (open("ThousandsSeparator") && numbers.thousands != '\0') {
     opts.thousands_separator(ustring(1, static_cast<char16_t>(numbers.thousands)));
-    rep.filled.push_back({"ThousandsSeparator", "numbers group their digits by three with " + printable(numbers.thousands)});
+    rep.filled.push_back(
+        {"ThousandsSeparator", "numbers group their digits by three with " + printable(numbers.thousands)});
   }
   if (opts.detecting_num_header_lines()) {
     opts.num_header_lines(layout.header_lines);
-    rep.filled.push_back({"NumHeaderLines", std::to_string(layout.header_lines) + " lines come before the first row of data"});
+    rep.filled.push_back(
+        {"NumHeaderLines", std::to_string(layout.header_lines) + " lines come before the first row of data"});
   }
   if (open("VariableNamesLine")) {
     opts.variable_names_line(layout.names_line);
     if (layout.names_line > 0) {
-      rep.filled.push_back({"VariableNamesLine", layout.names_rows > 1 ? "the table's first rows hold names spread over several lines"
-                                                                      : "the table's first row differs in kind from the values below"});
-      if (layout.names_rows > 1 || (!layout.names.empty() && layout.names.front().empty())) fmt.variable_names = layout.names;
+      rep.filled.push_back({"VariableNamesLine", layout.names_rows > 1
+                                                     ? "the table's first rows hold names spread over several lines"
+                                                     : "the table's first row differs in kind from the values below"});
+      if (layout.names_rows > 1 || (!layout.names.empty() && layout.names.front().empty()))
+        fmt.variable_names = layout.names;
     }
   }
   if (opts.detecting_num_variables()) {
@@ -326,7 +332,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
   if (layout.end_line) {
     fmt.table_end_line = layout.end_line;
-    rep.filled.push_back({"TableEnd", "the rows after line " + std::to_string(*layout.end_line - 1) + " do not fit the table"});
+    rep.filled.push_back(
+        {"TableEnd", "the rows after line " + std::to_string(*layout.end_line - 1) + " do not fit the table"});
   }
 
   // How sure: the encoding, how regular the body is, how far ahead the

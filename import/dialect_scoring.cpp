@@ -105,7 +105,8 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_v
       const std::string& f = r.fields[j];
       ++cells;
       typed += is_typed(kind_for_scoring(f, d));
-      unparsed_quotes += !r.quoted[j] && f.size() >= 2 && f.front() == f.back() && (f.front() == '"' || f.front() == '\'');
+      unparsed_quotes +=
+          !r.quoted[j] && f.size() >= 2 && f.front() == f.back() && (f.front() == '"' || f.front() == '\'');
     }
   }
   if (rows == 0) return s;
@@ -172,7 +173,8 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
   constexpr std::size_t kept_delimiters = 3;
   if (bases.size() > kept_delimiters && (quotes.size() > 1 || escapes.size() > 1)) {
     std::vector<std::pair<double, std::size_t>> first;
-    for (std::size_t i = 0; i < bases.size(); ++i) first.emplace_back(score_dialect(lines, text, bases[i], comment_marker).score, i);
+    for (std::size_t i = 0; i < bases.size(); ++i)
+      first.emplace_back(score_dialect(lines, text, bases[i], comment_marker).score, i);
     std::stable_sort(first.begin(), first.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<dialect> best;
     for (std::size_t i = 0; i < kept_delimiters; ++i) best.push_back(bases[first[i].second]);

@@ -48,7 +48,8 @@ std::string utf16_without_bom(std::string_view s) {
 // of such bytes are words of another script (Cyrillic, Greek, a multi-byte
 // encoding).
 bool looks_western(std::string_view s) {
-  static constexpr std::string_view signs = "\x80\x85\x91\x92\x93\x94\x96\x97\x99\xA0\xA3\xA7\xA9\xAB\xAE\xB0\xB1\xB2\xB5\xB7\xBA\xBB\xBC\xBD";
+  static constexpr std::string_view signs =
+      "\x80\x85\x91\x92\x93\x94\x96\x97\x99\xA0\xA3\xA7\xA9\xAB\xAE\xB0\xB1\xB2\xB5\xB7\xBA\xBB\xBC\xBD";
   std::size_t run = 0;
   bool any = false;
   for (const char c : s) {
@@ -99,7 +100,8 @@ encoding_guess detect_encoding(std::string_view raw) {
     const bool ascii = std::all_of(raw.begin(), raw.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     return {"UTF-8", 0, ascii ? 0.9 : 1.0, ascii ? "ASCII only" : "valid UTF-8"};
   }
-  if (looks_western(raw)) return {"WINDOWS-1252", 0, 0.8, "not UTF-8; the bytes above 127 are Western European letters"};
+  if (looks_western(raw))
+    return {"WINDOWS-1252", 0, 0.8, "not UTF-8; the bytes above 127 are Western European letters"};
   // Another legacy encoding: ask the charset detector, over at most 256 KiB.
   std::unique_ptr<std::remove_pointer_t<uchardet_t>, void (*)(uchardet_t)> det(uchardet_new(), uchardet_delete);
   const std::string_view probe = raw.substr(0, std::size_t{1} << 18);

@@ -9,9 +9,9 @@
 namespace textio::import {
 
 struct encoding_guess {
-  std::string name;          // an iconv name: "UTF-8", "UTF-16LE", "WINDOWS-1252", ...
-  std::size_t bom_bytes = 0; // length of the byte-order mark at the start, 0 when none
-  double confidence = 0;     // 0 to 1
+  std::string name;           // an iconv name: "UTF-8", "UTF-16LE", "WINDOWS-1252", ...
+  std::size_t bom_bytes = 0;  // length of the byte-order mark at the start, 0 when none
+  double confidence = 0;      // 0 to 1
   std::string reason;
 };
 

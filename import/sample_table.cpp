@@ -77,11 +77,11 @@ sample_table split_records(const std::vector<sample_line>& lines, std::string_vi
     }
     record_builder out(rec);
     std::string field;
-    bool quoted = false;      // the current field began with a quote
-    bool in_quote = false;    // inside its quotes now
+    bool quoted = false;         // the current field began with a quote
+    bool in_quote = false;       // inside its quotes now
     bool field_started = false;  // a non-blank unit seen in this field
-    bool closed = false;      // saw the closing quote
-    bool after_quote = false;  // text followed the closing quote
+    bool closed = false;         // saw the closing quote
+    bool after_quote = false;    // text followed the closing quote
     auto finish_field = [&](bool trim) {
       std::string f = std::move(field);
       if (trim && !quoted) {

@@ -13,7 +13,8 @@ void add_variable_types(detection_report& report, const std::vector<std::vector<
   settings.numbers.thousands_separator = opts.thousands_separator();
   settings.numbers.exp_chars = opts.exp_chars();
   settings.numbers.trim_non_numeric = opts.trim_non_numeric();
-  for (const auto& p : opts.missing_placeholders()) settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
+  for (const auto& p : opts.missing_placeholders())
+    settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
   settings.detect_markers = opts.missing_placeholders().empty();
   for (const detected_type& d : detect_types(rows, variables, settings)) {
     report.variable_types.emplace_back(type_name(d.typing.type));

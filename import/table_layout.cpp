@@ -54,7 +54,6 @@ std::size_t first_row(const sample_table& table, const std::vector<std::size_t>&
   return 0;
 }
 
-
 struct column_profile {
   cell_type type = cell_type::text;
   double purity = 0;
@@ -79,10 +78,14 @@ std::string shape(std::string_view f) {
   std::string out;
   for (const char c : f) {
     char k = c;
-    if (c >= 'A' && c <= 'Z') k = 'A';
-    else if (c >= 'a' && c <= 'z') k = 'a';
-    else if (c >= '0' && c <= '9') k = '9';
-    else if (static_cast<unsigned char>(c) >= 0x80) k = 'a';
+    if (c >= 'A' && c <= 'Z')
+      k = 'A';
+    else if (c >= 'a' && c <= 'z')
+      k = 'a';
+    else if (c >= '0' && c <= '9')
+      k = '9';
+    else if (static_cast<unsigned char>(c) >= 0x80)
+      k = 'a';
     if (out.empty() || out.back() != k) out += k;
     if (out.size() >= 24) break;
   }
@@ -160,7 +163,8 @@ table_layout analyse_layout(const sample_table& table, const number_format& form
     out.column_types.push_back(columns[j].type);
   }
   bool any_typed = false;
-  for (const column_profile& c : columns) any_typed = any_typed || (is_typed(c.type) && c.type != cell_type::empty && c.purity >= 0.7);
+  for (const column_profile& c : columns)
+    any_typed = any_typed || (is_typed(c.type) && c.type != cell_type::empty && c.purity >= 0.7);
 
   // A names row differs in kind or form from the values below it.
   auto typed_votes = [&](std::size_t r) {

@@ -14,16 +14,16 @@
 namespace textio::import {
 
 struct table_layout {
-  std::size_t first_record = 0;     // index into the records of the table's first row (names or data)
-  std::uint64_t header_lines = 0;   // physical lines before the first data row
-  std::uint64_t names_line = 0;     // physical line of the (first) names row, 0: none
-  std::size_t names_rows = 0;       // rows that make up the names
-  std::vector<std::string> names;   // one per variable; pieces of several names rows joined with a blank
+  std::size_t first_record = 0;    // index into the records of the table's first row (names or data)
+  std::uint64_t header_lines = 0;  // physical lines before the first data row
+  std::uint64_t names_line = 0;    // physical line of the (first) names row, 0: none
+  std::size_t names_rows = 0;      // rows that make up the names
+  std::vector<std::string> names;  // one per variable; pieces of several names rows joined with a blank
   std::size_t num_variables = 0;
-  bool trailing_delimiter = false;  // every row ends with an empty field after a delimiter
+  bool trailing_delimiter = false;        // every row ends with an empty field after a delimiter
   std::optional<std::uint64_t> end_line;  // the physical line after the table, when more text follows
   std::size_t body_rows = 0;
-  double body_fit = 0;              // share of body rows with the dominant field count
+  double body_fit = 0;  // share of body rows with the dominant field count
   std::vector<cell_type> column_types;
 };
 

@@ -54,14 +54,29 @@ bool integer_value(std::string_view s, value_type type, const number_format& for
   if (r.ec != std::errc() || r.ptr != end) return false;
   bool ok = false;
   switch (type) {
-    case value_type::int8: ok = in_range<std::int8_t>(v); break;
-    case value_type::int16: ok = in_range<std::int16_t>(v); break;
-    case value_type::int32: ok = in_range<std::int32_t>(v); break;
-    case value_type::uint8: ok = in_range<std::uint8_t>(v); break;
-    case value_type::uint16: ok = in_range<std::uint16_t>(v); break;
-    case value_type::uint32: ok = in_range<std::uint32_t>(v); break;
-    case value_type::int64: ok = true; break;
-    default: break;
+    case value_type::int8:
+      ok = in_range<std::int8_t>(v);
+      break;
+    case value_type::int16:
+      ok = in_range<std::int16_t>(v);
+      break;
+    case value_type::int32:
+      ok = in_range<std::int32_t>(v);
+      break;
+    case value_type::uint8:
+      ok = in_range<std::uint8_t>(v);
+      break;
+    case value_type::uint16:
+      ok = in_range<std::uint16_t>(v);
+      break;
+    case value_type::uint32:
+      ok = in_range<std::uint32_t>(v);
+      break;
+    case value_type::int64:
+      ok = true;
+      break;
+    default:
+      break;
   }
   if (!ok) return false;
   out.kind = value_kind::integer;

@@ -69,9 +69,9 @@ option_map::const_iterator find_option(const option_map& table, std::string_view
 // One row per key of the vocabulary.
 const option_map option_table{
 #define ZVTP_OPTION_ROW(key, setter, description) {#key, &setters::setter},
-#define ZVTP_RULE_ROW(key, setter, match, member, enumeration, description, ...)                                    \
-  {#key, &setters::rule<enums::enumeration,                                                                        \
-                        static_cast<void (parser::options::*)(enums::enumeration)>(&parser::options::member),      \
+#define ZVTP_RULE_ROW(key, setter, match, member, enumeration, description, ...)                              \
+  {#key, &setters::rule<enums::enumeration,                                                                   \
+                        static_cast<void (parser::options::*)(enums::enumeration)>(&parser::options::member), \
                         flag_match::match, rule_flags::setter>},
     ZVTP_OPTION_VOCABULARY(ZVTP_OPTION_ROW, ZVTP_RULE_ROW)
 #undef ZVTP_OPTION_ROW

@@ -25,8 +25,7 @@ ZVTP_OPTION_VOCABULARY(ZVTP_DECLARE_SETTER, ZVTP_NOT_DECLARED)
 // The setter of every rule option: matches the value against the option's
 // flags, exactly or by abbreviation, and stores the position as the
 // enumerator. A failed match throws BadTextFlag before the record is touched.
-template <class Enumeration, void (textio::parser::options::*write)(Enumeration), flag_match match,
-          const auto& flags>
+template <class Enumeration, void (textio::parser::options::*write)(Enumeration), flag_match match, const auto& flags>
 void rule(const hvArray_tag* value, textio::parser::options& opts) {
   const std::uint8_t position = std::apply(
       [value](auto... flag) {

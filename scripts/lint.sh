@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Static checks: clang-format on every C++ source, clang-tidy on the library's
 # own code (parser/, name_value/; errors/ is headers, checked through them).
+# clang-tidy reads the g++ build's flags, some of which clang does not know.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 need=()
@@ -17,5 +18,5 @@ echo "formatting: clean"
 
 echo "--- clang-tidy"
 [ -f build/release/compile_commands.json ] || cmake --preset release >/dev/null
-git ls-files 'parser/*.cpp' 'name_value/*.cpp' | xargs clang-tidy -p build/release --quiet
+git ls-files 'parser/*.cpp' 'name_value/*.cpp' | xargs clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option
 echo "clang-tidy: clean"

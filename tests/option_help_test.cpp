@@ -30,7 +30,8 @@ TEST(OptionHelp, ListsTheTablesKeysAndEachRulesFlagsInPositionOrder) {
     const std::string key = line.substr(2, line.find(' ', 2) - 2);
     EXPECT_TRUE(help_keys.insert(key).second) << "listed twice: " << key;
     std::vector<std::string> flags;
-    for (auto open = line.find('\''); open != std::string::npos; open = line.find('\'', line.find('\'', open + 1) + 1)) {
+    for (auto open = line.find('\''); open != std::string::npos;
+         open = line.find('\'', line.find('\'', open + 1) + 1)) {
       flags.push_back(line.substr(open + 1, line.find('\'', open + 1) - open - 1));
     }
     if (flags.empty()) continue;

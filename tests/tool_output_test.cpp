@@ -119,14 +119,19 @@ TEST(ToolMessageLine, NamesThePairAndHints) {
   } cases[] = {
       {{"NumHeaderLines", "2", "DataLine", "0"},
        "ExpectedPositiveScalarInt: DataLine: The value must be a positive integer scalar.\n"},
-      {{"delimeter", ","}, "UnknownParameter: 'delimeter' is not a recognized option name. Did you mean 'Delimiter'?\n"},
-      {{"NumHeader", "1"}, "UnknownParameter: 'NumHeader' is not a recognized option name. Did you mean 'NumHeaderLines'?\n"},
+      {{"delimeter", ","},
+       "UnknownParameter: 'delimeter' is not a recognized option name. Did you mean 'Delimiter'?\n"},
+      {{"NumHeader", "1"},
+       "UnknownParameter: 'NumHeader' is not a recognized option name. Did you mean 'NumHeaderLines'?\n"},
       {{"Xyz", "1"}, "UnknownParameter: 'Xyz' is not a recognized option name.\n"},
-      {{"Delimiter", "1"}, "DelimiterType: Delimiter: The value of 'Delimiter' must be a character vector or a cell array "
-                          "of character vectors. The value 1 was read as a number; write '\"1\"' to give it as text.\n"},
-      {{"DecimalSeparator", ",,"}, "InvalidStringProperty: DecimalSeparator: The value of 'DecimalSeparator' must be a "
-                                  "character vector. DecimalSeparator takes exactly one character.\n"},
-      {{"TrimNonNumeric", "yes"}, "ExpectedScalarLogical: TrimNonNumeric: The value must be a logical scalar (true or false).\n"},
+      {{"Delimiter", "1"},
+       "DelimiterType: Delimiter: The value of 'Delimiter' must be a character vector or a cell array "
+       "of character vectors. The value 1 was read as a number; write '\"1\"' to give it as text.\n"},
+      {{"DecimalSeparator", ",,"},
+       "InvalidStringProperty: DecimalSeparator: The value of 'DecimalSeparator' must be a "
+       "character vector. DecimalSeparator takes exactly one character.\n"},
+      {{"TrimNonNumeric", "yes"},
+       "ExpectedScalarLogical: TrimNonNumeric: The value must be a logical scalar (true or false).\n"},
       {{"DataLine"}, "OddNumberNVPairs: Name-value arguments must come in pairs: every option name needs a value.\n"},
   };
   for (const auto& c : cases) {

@@ -139,11 +139,13 @@ TEST(ToolHelp, EachSubcommandsHelpShowsItsUsageAndEveryOption) {
     EXPECT_EQ(run.status, 0) << grammar.name;
     std::string usage = "Usage: zvtextparser " + std::string(grammar.name);
     if (!grammar.operand.empty()) {
-      usage += grammar.operand_required ? " " + std::string(grammar.operand) : " [" + std::string(grammar.operand) + "]";
+      usage +=
+          grammar.operand_required ? " " + std::string(grammar.operand) : " [" + std::string(grammar.operand) + "]";
     }
     EXPECT_TRUE(run.out.starts_with(usage)) << run.out;
     for (const auto& option : grammar.options) {
-      EXPECT_NE(run.out.find("  " + std::string(option.name)), std::string::npos) << option.name << " in " << grammar.name;
+      EXPECT_NE(run.out.find("  " + std::string(option.name)), std::string::npos)
+          << option.name << " in " << grammar.name;
     }
     EXPECT_NE(run.out.find("Exit status:\n  0  success\n"), std::string::npos) << grammar.name;
     EXPECT_NE(run_tool({"--help"}).out.find("\n  " + std::string(grammar.name) + " "), std::string::npos);

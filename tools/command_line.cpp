@@ -134,13 +134,12 @@ std::string subcommand_help(const subcommand_grammar& grammar) {
 
   std::string text = "Usage: zvtextparser " + std::string(grammar.name);
   if (!grammar.operand.empty()) {
-    text += grammar.operand_required ? " " + std::string(grammar.operand)
-                                     : " [" + std::string(grammar.operand) + "]";
+    text += grammar.operand_required ? " " + std::string(grammar.operand) : " [" + std::string(grammar.operand) + "]";
   }
   if (!grammar.options.empty()) text += " [OPTIONS]";
   if (grammar.takes_pairs) text += " [NAME VALUE ...]";
-  text += "\n\n" + std::string(grammar.summary) + "\n\nArguments:\n" + table(arguments) + "\nOptions:\n" +
-          table(options);
+  text +=
+      "\n\n" + std::string(grammar.summary) + "\n\nArguments:\n" + table(arguments) + "\nOptions:\n" + table(options);
   if (grammar.takes_pairs) {
     text +=
         "\nOptions may stand anywhere before \"--\", where an argument \"--word\" must be\n"

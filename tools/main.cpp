@@ -29,7 +29,8 @@ std::string subcommand_names() {
 }
 
 int run(const std::vector<std::string>& args) {
-  if (args.empty()) throw zvtool::usage_error("a subcommand comes first: " + subcommand_names() + " (see zvtextparser --help)");
+  if (args.empty())
+    throw zvtool::usage_error("a subcommand comes first: " + subcommand_names() + " (see zvtextparser --help)");
   if (args[0] == "--help" || args[0] == "-h") {
     std::cout << zvtool::tool_help() << std::flush;
     return zvtool::exit_success;
@@ -40,8 +41,7 @@ int run(const std::vector<std::string>& args) {
     throw zvtool::usage_error(what + args[0] + "'; a subcommand comes first: " + subcommand_names() +
                               " (see zvtextparser --help)");
   }
-  const zvtool::parsed_arguments parsed =
-      zvtool::parse_arguments(command->grammar, std::span(args).subspan(1));
+  const zvtool::parsed_arguments parsed = zvtool::parse_arguments(command->grammar, std::span(args).subspan(1));
   if (parsed.help) {
     std::cout << zvtool::subcommand_help(command->grammar) << std::flush;
     return zvtool::exit_success;

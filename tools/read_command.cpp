@@ -157,8 +157,8 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     apply_table_options(args, text);
     const auto types = variable_types(args, record, text, report ? &*report : nullptr, result.err);
     const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
-      result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " + std::to_string(column) +
-                    " never closes; quotes are read as text from there on\n";
+      result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " +
+                    std::to_string(column) + " never closes; quotes are read as text from there on\n";
     };
     const textio::import::read_summary summary =
         textio::import::read_typed_table(record, input, *sink, text, types, progress_bar(input), warn);

@@ -154,8 +154,7 @@ textio::import::text_format given_format(const textio::import::user_choices& cho
   return format;
 }
 
-textio::import::detection_result detect_input(textio::import::utf8_input& input,
-                                              const textio::parser::options& record,
+textio::import::detection_result detect_input(textio::import::utf8_input& input, const textio::parser::options& record,
                                               const textio::import::user_choices& choices) {
   const std::string_view sample = input.sample(textio::import::detection_sample_bytes);
   return textio::import::detect(sample, input.sample_is_whole_input(), record, choices);

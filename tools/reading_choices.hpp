@@ -17,7 +17,8 @@ namespace zvtool {
 
 inline constexpr tool_option encoding_option{"--encoding", "NAME",
                                              "the input's encoding, e.g. UTF-8, WINDOWS-1252, UTF-16LE (not detected)"};
-inline constexpr tool_option quote_option{"--quote", "CHAR", "the quote character, e.g. \\\" or ', or none (not detected)"};
+inline constexpr tool_option quote_option{"--quote", "CHAR",
+                                          "the quote character, e.g. \\\" or ', or none (not detected)"};
 inline constexpr tool_option escape_option{"--escape", "STYLE",
                                            "how a quote is written inside quotes: double or backslash (not detected)"};
 
@@ -34,8 +35,7 @@ textio::import::text_format given_format(const textio::import::user_choices& cho
 // Detects from the sample at the start of `input` (the first
 // detection_sample_bytes bytes and the rest of their line); reading `input`
 // afterwards starts at its beginning.
-textio::import::detection_result detect_input(textio::import::utf8_input& input,
-                                              const textio::parser::options& record,
+textio::import::detection_result detect_input(textio::import::utf8_input& input, const textio::parser::options& record,
                                               const textio::import::user_choices& choices);
 
 // --table-end, --variable-names and --all-lines (which wins) over `text`.

@@ -60,7 +60,8 @@ list order, and record_width is the sum of the widths modulo 2^64. When the
 library refuses an option, reader prints what options prints: no "reader".
 )";
 
-constexpr std::string_view read_details = R"(Output (jsonl): {"variables": [...], "units": [...], "descriptions": [...]},
+constexpr std::string_view read_details =
+    R"(Output (jsonl): {"variables": [...], "units": [...], "descriptions": [...]},
 with OutputBuilderType table also "types": [...] (detected from the first
 records, or as --types gives them), then one JSON array per record. csv: RFC 4180 with a header row when there
 are names. --count: {"records": N, "fields": M} (it overrides --format).
@@ -78,7 +79,8 @@ also says when a detected quote never closed (it is then read as text) and
 how many lines were left after the table's end.
 )";
 
-constexpr std::string_view detect_details = R"(Detection looks at the first MiB of FILE and the rest of the line it ends in,
+constexpr std::string_view detect_details =
+    R"(Detection looks at the first MiB of FILE and the rest of the line it ends in,
 and fills in only what the options leave open. Output: {"options": {...},
 "detected": {...}, "arguments": [...]}: "options" as the options subcommand
 prints it, after detection; "detected" the encoding, quote (null: none),
@@ -103,8 +105,14 @@ constexpr std::array all_subcommands{
     subcommand{{"detect", "Apply options as options does, detect what they leave open in FILE and print it as JSON.",
                 "FILE", "the file to look at, or - for standard input", detect_options, detect_details},
                &run_detect_command},
-    subcommand{{"help", "Show the help of a subcommand, the value syntax (values) or the option keys (keys).",
-                "TOPIC", "a subcommand, values or keys", help_options, {}, false, false},
+    subcommand{{"help",
+                "Show the help of a subcommand, the value syntax (values) or the option keys (keys).",
+                "TOPIC",
+                "a subcommand, values or keys",
+                help_options,
+                {},
+                false,
+                false},
                &run_help},
 };
 

@@ -35,13 +35,13 @@ std::vector<textio::import::detected_type> detected_types_of(const textio::impor
 // Detects each variable's type from `sample` with the record's number
 // format and missing placeholders (markers are detected when it has none).
 std::vector<textio::import::detected_type> detect_sample_types(const textio::parser::options& record,
-                                                                const text_sample& sample);
+                                                               const text_sample& sample);
 
 // Applies --types (JSON) over the detected types. Throws usage_error for bad
 // JSON, an unknown type name, a variable name the file does not have, or
 // more positions than variables.
-std::vector<textio::import::variable_typing> apply_type_argument(
-    const std::optional<std::string>& json, std::vector<textio::import::detected_type> detected,
-    const std::vector<std::string>& names);
+std::vector<textio::import::variable_typing> apply_type_argument(const std::optional<std::string>& json,
+                                                                 std::vector<textio::import::detected_type> detected,
+                                                                 const std::vector<std::string>& names);
 
 }  // namespace zvtool

@@ -38,19 +38,18 @@ const layout_case layout_cases[] = {
     {"semicolon_title_names_decimal_comma",
      "Monthly report\nregion;amount;share\nnorth;1,5;0,25\nsouth;2,75;0,5\neast;3,5;0,125\nwest;4,0;0,125\n", u";",
      ParserType::Delimited, 2, 2, 3, u',', u"", std::nullopt},
-    {"grouped_thousands_with_decimal_comma",
-     "a;b\n1;1.234.567,8\n2;2.345,5\n3;12.345.678,25\n4;3.456,0\n", u";", ParserType::Delimited, 1, 1, 2, u',', u".",
-     std::nullopt},
+    {"grouped_thousands_with_decimal_comma", "a;b\n1;1.234.567,8\n2;2.345,5\n3;12.345.678,25\n4;3.456,0\n", u";",
+     ParserType::Delimited, 1, 1, 2, u',', u".", std::nullopt},
     {"no_names_when_first_row_is_data", "1,2.5,x\n2,3.5,y\n3,4.5,z\n4,5.5,w\n", u",", ParserType::Delimited, 0, 0, 3,
      u'.', u"", std::nullopt},
     {"trailing_delimiter_is_no_variable", "a;b;\n1;2;\n3;4;\n5;6;\n", u";", ParserType::Delimited, 1, 1, 2, u'.', u"",
      std::nullopt},
     {"footnotes_end_the_table", "x,y\n1,2\n3,4\n5,6\n7,8\n\nSource: a survey of nothing in particular\n", u",",
      ParserType::Delimited, 1, 1, 2, u'.', u"", 6},
-    {"blank_aligned_columns", "  x    y    z\n  1  2.5  abc\n  2  3.5  def\n 10 12.5  ghi\n", u" ", ParserType::Tabular, 1, 1,
-     3, u'.', u"", std::nullopt},
-    {"fixed_width_with_blanks_inside_fields", fixed_width_table,
-     u"", ParserType::FixedWidth, 1, 1, 3, u'.', u"", std::nullopt},
+    {"blank_aligned_columns", "  x    y    z\n  1  2.5  abc\n  2  3.5  def\n 10 12.5  ghi\n", u" ", ParserType::Tabular,
+     1, 1, 3, u'.', u"", std::nullopt},
+    {"fixed_width_with_blanks_inside_fields", fixed_width_table, u"", ParserType::FixedWidth, 1, 1, 3, u'.', u"",
+     std::nullopt},
     {"one_column", "value\n1\n2\n3\n4\n", u"", ParserType::Delimited, 1, 1, 1, u'.', u"", std::nullopt},
 };
 
@@ -112,9 +111,10 @@ TEST(Detection, QuoteAndEscapeAreChosenWithTheDelimiter) {
 }
 
 TEST(Detection, NamesOverSeveralLinesAreJoinedPerColumn) {
-  const detection_result r = detect("name,height,weight\n,m,kg\nann,1.61,55.5\nbob,1.82,80.25\ncid,1.75,70.5\n"
-                                    "dan,1.69,66.0\n",
-                                    true, {}, {});
+  const detection_result r = detect(
+      "name,height,weight\n,m,kg\nann,1.61,55.5\nbob,1.82,80.25\ncid,1.75,70.5\n"
+      "dan,1.69,66.0\n",
+      true, {}, {});
   EXPECT_EQ(r.options.variable_names_line(), 1u);
   EXPECT_EQ(r.options.num_header_lines(), 2u);
   EXPECT_EQ(r.format.variable_names, (std::vector<std::string>{"name", "height m", "weight kg"}));
@@ -156,12 +156,24 @@ TEST(Encoding, IsRecognisedAndDecoded) {
     const char* name;
     std::string decoded;
   } cases[] = {
-      {"\xEF\xBB\xBF" "a,b\n", "UTF-8", "a,b\n"},
-      {std::string("\xFF\xFE" "a\0,\0b\0", 8), "UTF-16LE", "a,b"},
+      {"\xEF\xBB\xBF"
+       "a,b\n",
+       "UTF-8", "a,b\n"},
+      {std::string("\xFF\xFE"
+                   "a\0,\0b\0",
+                   8),
+       "UTF-16LE", "a,b"},
       {std::string("\0a\0,\0\xE9", 6), "UTF-16BE", "a,\xC3\xA9"},
-      {std::string("\xFF\xFE\0\0" "a\0\0\0", 8), "UTF-32LE", "a"},
+      {std::string("\xFF\xFE\0\0"
+                   "a\0\0\0",
+                   8),
+       "UTF-32LE", "a"},
       {"caf\xC3\xA9;1\n", "UTF-8", "caf\xC3\xA9;1\n"},
-      {"Stra\xDF" "e;K\xF6ln\n", "WINDOWS-1252", "Stra\xC3\x9F" "e;K\xC3\xB6ln\n"},
+      {"Stra\xDF"
+       "e;K\xF6ln\n",
+       "WINDOWS-1252",
+       "Stra\xC3\x9F"
+       "e;K\xC3\xB6ln\n"},
   };
   for (const auto& c : cases) {
     const textio::import::encoding_guess g = textio::import::detect_encoding(c.raw);
@@ -180,7 +192,8 @@ std::string message_of(const std::function<void()>& f) {
     std::string s = e.GetBaseMsgID().key;
     for (const auto& a : e.GetBaseMsgID().args) {
       s += ' ';
-      s += std::holds_alternative<std::uint64_t>(a) ? std::to_string(std::get<std::uint64_t>(a)) : std::get<std::string>(a);
+      s += std::holds_alternative<std::uint64_t>(a) ? std::to_string(std::get<std::uint64_t>(a))
+                                                    : std::get<std::string>(a);
     }
     return s;
   }

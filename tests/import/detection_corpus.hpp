@@ -10,7 +10,7 @@
 namespace detection_corpus {
 
 // The fields compared, in manifest order.
-inline const std::vector<std::string> fields = {"encoding", "delimiter",   "quote",    "escape",
+inline const std::vector<std::string> fields = {"encoding",     "delimiter",  "quote",         "escape",
                                                 "header_lines", "names_line", "num_variables", "decimal",
                                                 "thousands",    "comment",    "table_end"};
 

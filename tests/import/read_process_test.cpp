@@ -23,9 +23,10 @@ TEST(ReadProcess, ReadsAFile) {
   const std::string path = import_test::write_file("a,b\n1,\"x\"\"y\"\n");
   const auto run = run_tool({"read", path, "--no-detect", "NumHeaderLines", "1", "VariableNamesLine", "1"});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out,
-            "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"double\", \"string\"]}\n"
-            "[1, \"x\\\"y\"]\n");
+  EXPECT_EQ(
+      run.out,
+      "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"double\", \"string\"]}\n"
+      "[1, \"x\\\"y\"]\n");
   EXPECT_EQ(run.err, "");
 }
 
@@ -42,8 +43,9 @@ TEST(ReadProcess, StructGivesTheOptions) {
   const std::string path = import_test::write_file("a;b\n");
   const auto run = run_tool({"read", "--no-detect", "--struct", R"({"Delimiter": ";", "VariableNamesLine": 1})", path});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out,
-            "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"string\", \"string\"]}\n");
+  EXPECT_EQ(
+      run.out,
+      "{\"variables\": [\"a\", \"b\"], \"units\": [], \"descriptions\": [], \"types\": [\"string\", \"string\"]}\n");
 }
 
 TEST(ReadProcess, UsageErrors) {
@@ -56,7 +58,8 @@ TEST(ReadProcess, UsageErrors) {
 
 TEST(ReadProcess, CountAndCsvOptions) {
   const std::string path = import_test::write_file("a b\nc\n");
-  EXPECT_EQ(run_tool({"read", path, "--no-detect", "--count", "ParserType", "tabular"}).out, "{\"records\": 2, \"fields\": 4}\n");
+  EXPECT_EQ(run_tool({"read", path, "--no-detect", "--count", "ParserType", "tabular"}).out,
+            "{\"records\": 2, \"fields\": 4}\n");
   EXPECT_EQ(run_tool({"read", path, "--no-detect", "--format=csv", "Delimiter", " "}).out, "a,b\r\nc,\r\n");
 }
 
@@ -228,16 +231,14 @@ constexpr bool address_sanitizer = false;
 // in a reading error that names its line.
 TEST(ReadProcess, MemoryLimitBoundsTheReader) {
   if (address_sanitizer) GTEST_SKIP() << "the limit is off under AddressSanitizer";
-  const auto padded = run_tool(
-      {"read", import_test::write_file("a\n"), "--no-detect", "NumVariables", "3000000", "--max-memory", "160M",
-       "--format", "csv"});
+  const auto padded = run_tool({"read", import_test::write_file("a\n"), "--no-detect", "NumVariables", "3000000",
+                                "--max-memory", "160M", "--format", "csv"});
   EXPECT_EQ(padded.status, 0) << padded.err;
   EXPECT_EQ(padded.out.size(), 3000002u);
   std::string wide = "x\n";
   for (int i = 0; i < 3000000; ++i) wide += "1,";
-  const auto run =
-      run_tool({"read", import_test::write_file(wide), "--no-detect", "--max-memory", "160M", "--count", "MissingRule",
-                "omitrow"});
+  const auto run = run_tool({"read", import_test::write_file(wide), "--no-detect", "--max-memory", "160M", "--count",
+                             "MissingRule", "omitrow"});
   EXPECT_EQ(run.status, 4);
   EXPECT_NE(run.err.find("OutOfMemory: Out of memory reading the record at line 2"), std::string::npos) << run.err;
   EXPECT_NE(run.err.find("the memory limit was 160.0 MiB (--max-memory)"), std::string::npos) << run.err;

@@ -59,7 +59,8 @@ TEST(ReadTypes, ValuesThatDoNotConvertFollowTheImportErrorRule) {
       {"error", "[1, true]", 4},
   };
   for (const auto& c : cases) {
-    const auto out = read_text("a,b\n1,true\nx,false\n300,TRUE\n", with({"ImportErrorRule", c.rule, "--types", R"(["int16"])"}));
+    const auto out =
+        read_text("a,b\n1,true\nx,false\n300,TRUE\n", with({"ImportErrorRule", c.rule, "--types", R"(["int16"])"}));
     EXPECT_EQ(joined(out), c.expected) << c.rule;
     EXPECT_EQ(out.status, c.status) << c.rule;
     if (c.status != 0) {
@@ -71,8 +72,8 @@ TEST(ReadTypes, ValuesThatDoNotConvertFollowTheImportErrorRule) {
 }
 
 TEST(ReadTypes, TypeArgumentErrorsAreUsageErrors) {
-  for (const std::string bad : {R"(["float"])", R"({"zz": "double"})", R"(["double", "double", "double"])", "[1]",
-                                 "nojson"}) {
+  for (const std::string bad :
+       {R"(["float"])", R"({"zz": "double"})", R"(["double", "double", "double"])", "[1]", "nojson"}) {
     EXPECT_THROW(read_text("a,b\n1,2\n", with({"--types", bad})), std::exception) << bad;
   }
 }

@@ -21,11 +21,15 @@ std::string shown(std::string_view text, value_type type, const conversion_setti
   std::string canonical;
   if (!textio::import::convert_value(text, type, settings, v, canonical)) return "refused";
   switch (v.kind) {
-    case value_kind::integer: return std::to_string(v.integer);
-    case value_kind::unsigned_integer: return std::to_string(static_cast<std::uint64_t>(v.integer));
-    case value_kind::logical: return v.number != 0 ? "true" : "false";
+    case value_kind::integer:
+      return std::to_string(v.integer);
+    case value_kind::unsigned_integer:
+      return std::to_string(static_cast<std::uint64_t>(v.integer));
+    case value_kind::logical:
+      return v.number != 0 ? "true" : "false";
     case value_kind::datetime:
-    case value_kind::duration: return std::string(v.bytes);
+    case value_kind::duration:
+      return std::string(v.bytes);
     default: {
       char buf[64];
       std::snprintf(buf, sizeof buf, "%.17g", v.number);
