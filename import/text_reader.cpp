@@ -148,15 +148,17 @@ class table_reader {
     return "the record's length and field count";
   }
 
-  // A field of the record being shaped, with where it came from.
+  // A field of the record being shaped, with where it came from: a window
+  // offset of the scanned record, or (resolved) an index into resolved_ for
+  // a field that no longer is in the window.
   struct cell {
     view text;
-    bool quoted = false;
-    bool missing = false;  // already known to be missing (padding, a filled partial field)
-    bool resolved = false;
-    window_position at;
-    source_position where;
+    std::uint64_t at : 61 = 0;
+    std::uint64_t quoted : 1 = 0;
+    std::uint64_t missing : 1 = 0;  // already known to be missing (padding, a filled partial field)
+    std::uint64_t resolved : 1 = 0;
   };
+  static_assert(sizeof(cell) == sizeof(view) + sizeof(std::uint64_t));
   // A field kept beyond its record (wrapped extra columns).
   struct owned_cell {
     string content;
@@ -272,7 +274,22 @@ class table_reader {
     if constexpr (sizeof(CharT) == 1) column = utf16_length(w.substr(at.line_start, at.pos - at.line_start));
     return {at.line, column + 1};
   }
-  source_position where(const cell& c) const { return c.resolved ? c.where : resolve(c.at); }
+  source_position where(const cell& c) const { return c.resolved ? resolved_[c.at] : resolve(rec_.position(c.at)); }
+
+  // A cell whose place is known already.
+  cell resolved_cell(view text, source_position where) {
+    cell c;
+    c.text = text;
+    c.resolved = 1;
+    c.at = resolved_.size();
+    resolved_.push_back(where);
+    return c;
+  }
+
+  void clear_cells() {
+    cells_.clear();
+    resolved_.clear();
+  }
 
   template <class Tag>
   [[noreturn]] void fail(source_position p) const {
@@ -282,7 +299,7 @@ class table_reader {
   // The fields of the scanned record as cells, by the parser's rules. False
   // when the record gives no row.
   bool record_cells() {
-    cells_.clear();
+    clear_cells();
     const view w = window_.view();
     switch (opts_.parser_type()) {
       case ParserType::Delimited:
@@ -306,7 +323,7 @@ class table_reader {
       }
       case ParserType::FixedWidth:
         if constexpr (sizeof(CharT) == 2) {
-          return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.fields[0].start.line, false);
+          return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.position(rec_.fields[0].start).line, false);
         }
         return false;
     }
@@ -339,7 +356,7 @@ class table_reader {
   void keep_delimited_fields() {
     const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_, kept_);
     if (outcome.fault != delimiter_fault::none) {
-      const source_position p = resolve(rec_.fields[outcome.field].delimiter);
+      const source_position p = resolve(rec_.position(rec_.fields[outcome.field].delimiter));
       if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
       if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
       fail<reader_error::ConsecutiveDelimiters>(p);
@@ -389,11 +406,8 @@ class table_reader {
         }
       }
       for (std::size_t i = 0; i < cut.fields.size(); ++i) {
-        cell c;
-        c.text = record_text.substr(cut.fields[i].begin, cut.fields[i].length);
+        cell c = resolved_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length), column(cut.fields[i].offset));
         c.missing = filled && *filled == i;
-        c.resolved = true;
-        c.where = column(cut.fields[i].offset);
         cells_.push_back(c);
       }
       if (cut.has_extra) {
@@ -404,11 +418,7 @@ class table_reader {
             const std::u16string_view ws = opts_.whitespace();
             while (b < e && ws.find(record_text[b]) != std::u16string_view::npos) ++b;
             while (e > b && ws.find(record_text[e - 1]) != std::u16string_view::npos) --e;
-            cell c;
-            c.text = record_text.substr(b, e - b);
-            c.resolved = true;
-            c.where = column(cut.extra_begin);
-            cells_.push_back(c);
+            cells_.push_back(resolved_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
             break;
           }
           case ExtraColumnsRule::Ignore:
@@ -492,11 +502,11 @@ class table_reader {
           case EmptyLineRule::Skip:
             return;
           case EmptyLineRule::Error:
-            fail<reader_error::EmptyLine>({rec_.fields.front().start.line, 1});
+            fail<reader_error::EmptyLine>({rec_.position(rec_.fields.front().start).line, 1});
           case EmptyLineRule::Read:
             send_header();
             if (counting_) return count_record(variables_ ? *variables_ : 1);
-            cells_.clear();
+            clear_cells();
             if (!variables_) variables_ = 1;
             shape_and_emit();
             return;
@@ -521,11 +531,8 @@ class table_reader {
     if (!current_carry_.empty()) {
       std::vector<cell> joined;
       for (const owned_cell& o : current_carry_) {
-        cell c;
-        c.text = o.content;
+        cell c = resolved_cell(o.content, o.where);
         c.quoted = o.quoted;
-        c.resolved = true;
-        c.where = o.where;
         joined.push_back(c);
       }
       joined.insert(joined.end(), cells_.begin(), cells_.end());
@@ -543,7 +550,7 @@ class table_reader {
         case ExtraColumnsRule::Wrap:
           // With no variables no record could ever take them.
           for (std::size_t i = *variables_; *variables_ > 0 && i < cells_.size(); ++i) {
-            carry_.push_back({string(cells_[i].text), cells_[i].quoted, where(cells_[i])});
+            carry_.push_back({string(cells_[i].text), cells_[i].quoted != 0, where(cells_[i])});
           }
           cells_.resize(*variables_);
           break;
@@ -611,10 +618,10 @@ class table_reader {
       values_.push_back(v);
     }
     if (padding > 0) {
-      cell first;
-      first.missing = true;
-      first.resolved = rec_.fields.empty();
-      first.at = rec_.end;
+      // Where the record ends (no place for one made of waiting fields).
+      cell first = rec_.fields.empty() ? resolved_cell({}, {}) : cell{};
+      first.missing = 1;
+      if (!first.resolved) first.at = rec_.end.pos;
       if (opts_.missing_rule() == BadDataRule::OmitVar) {
         mark_omitted(cells_.size() + padding - 1);
         std::fill(omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size()),
@@ -670,7 +677,7 @@ class table_reader {
       while (!pending_units_.empty()) {
         send_header();
         const std::u16string waiting = std::exchange(pending_units_, {});
-        cells_.clear();
+        clear_cells();
         rec_.fields.clear();
         if (fixed_width_cells(waiting, 0, true)) shape_and_emit();
         if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
@@ -678,7 +685,7 @@ class table_reader {
     }
     while (!carry_.empty()) {
       send_header();
-      cells_.clear();
+      clear_cells();
       rec_.fields.clear();
       shape_and_emit();
     }
@@ -734,6 +741,7 @@ class table_reader {
 
   std::vector<std::size_t> kept_;
   std::vector<cell> cells_;
+  std::vector<source_position> resolved_;  // places of resolved cells
   std::vector<output_value> values_;
   std::vector<owned_cell> carry_;
   std::vector<owned_cell> current_carry_;
