@@ -286,6 +286,14 @@ class table_reader {
     return c;
   }
 
+  // Frees the entries of a long record once they are used, so that they do
+  // not add to the memory of what follows it.
+  template <class T>
+  static void release_if_long(std::vector<T>& entries) {
+    constexpr std::size_t long_record = std::size_t{1} << 16;
+    if (entries.capacity() > long_record) std::vector<T>().swap(entries);
+  }
+
   void clear_cells() {
     cells_.clear();
     resolved_.clear();
@@ -305,6 +313,7 @@ class table_reader {
       case ParserType::Delimited:
       case ParserType::Tabular: {
         keep_delimited_fields();
+        cells_.reserve(kept_.size());
         for (const std::size_t i : kept_) {
           cell c;
           c.text = rec_.text(w, rec_.fields[i]);
@@ -312,6 +321,9 @@ class table_reader {
           c.at = rec_.fields[i].start;
           cells_.push_back(c);
         }
+        // The cells hold all that is needed of a long record's fields.
+        release_if_long(rec_.fields);
+        release_if_long(kept_);
         return true;
       }
       case ParserType::Line: {
@@ -598,6 +610,7 @@ class table_reader {
   // Hands on the record's cells followed by `padding` missing values.
   void emit(std::size_t padding) {
     values_.clear();
+    values_.reserve(cells_.size());
     const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
     for (std::size_t i = 0; i < cells_.size(); ++i) {
       const cell& c = cells_[i];
@@ -619,7 +632,7 @@ class table_reader {
     }
     if (padding > 0) {
       // Where the record ends (no place for one made of waiting fields).
-      cell first = rec_.fields.empty() ? resolved_cell({}, {}) : cell{};
+      cell first = record_in_window_ ? cell{} : resolved_cell({}, {});
       first.missing = 1;
       if (!first.resolved) first.at = rec_.end.pos;
       if (opts_.missing_rule() == BadDataRule::OmitVar) {
@@ -678,7 +691,7 @@ class table_reader {
         send_header();
         const std::u16string waiting = std::exchange(pending_units_, {});
         clear_cells();
-        rec_.fields.clear();
+        record_in_window_ = false;
         if (fixed_width_cells(waiting, 0, true)) shape_and_emit();
         if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
       }
@@ -686,7 +699,7 @@ class table_reader {
     while (!carry_.empty()) {
       send_header();
       clear_cells();
-      rec_.fields.clear();
+      record_in_window_ = false;
       shape_and_emit();
     }
     send_header();
@@ -742,6 +755,7 @@ class table_reader {
   std::vector<std::size_t> kept_;
   std::vector<cell> cells_;
   std::vector<source_position> resolved_;  // places of resolved cells
+  bool record_in_window_ = true;           // false for fields still waiting at the end
   std::vector<output_value> values_;
   std::vector<owned_cell> carry_;
   std::vector<owned_cell> current_carry_;
