@@ -194,6 +194,10 @@ class table_reader {
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
+    // A long record goes to the sink in parts where no rule can drop or
+    // fail it after its start is written.
+    parts_ = sink_.takes_parts() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
+             (opts_.output_type() != OutputBuilderType::Matrix || opts_.import_error_rule() == BadDataRule::Fill);
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     const textio::parser::LineRecordReader line_reader(opts_);
@@ -610,7 +614,7 @@ class table_reader {
   // Hands on the record's cells followed by `padding` missing values.
   void emit(std::size_t padding) {
     values_.clear();
-    values_.reserve(cells_.size());
+    values_.reserve(std::min(cells_.size(), parts_ ? record_part_size : cells_.size()));
     const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
     for (std::size_t i = 0; i < cells_.size(); ++i) {
       const cell& c = cells_[i];
@@ -627,6 +631,10 @@ class table_reader {
         }
       } else {
         v = text_value(c.text);
+      }
+      if (parts_ && values_.size() == record_part_size) {
+        sink_.record_part(values_);
+        values_.clear();
       }
       values_.push_back(v);
     }
@@ -741,6 +749,8 @@ class table_reader {
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
+  bool parts_ = false;  // values handed on in parts of record_part_size
+  static constexpr std::size_t record_part_size = 4096;
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
   std::uint64_t first_counted_line_ = 0;       // after header and meta lines
   delimiter_rule_set delimiter_rules_;
