@@ -316,9 +316,11 @@ class table_reader {
     switch (opts_.parser_type()) {
       case ParserType::Delimited:
       case ParserType::Tabular: {
-        keep_delimited_fields();
-        cells_.reserve(kept_.size());
-        for (const std::size_t i : kept_) {
+        const std::size_t count = keep_delimited_fields();
+        const bool every = keeps_every_field(delimiter_rules_);
+        cells_.reserve(count);
+        for (std::size_t k = 0; k < count; ++k) {
+          const std::size_t i = every ? k : kept_[k];
           cell c;
           c.text = rec_.text(w, rec_.fields[i]);
           c.quoted = rec_.fields[i].quoted;
@@ -368,8 +370,10 @@ class table_reader {
     return true;
   }
 
-  // The fields of a delimited record that its delimiter rules keep, in kept_.
-  void keep_delimited_fields() {
+  // The number of fields of a delimited record that its delimiter rules
+  // keep; kept_ gives them unless the rules keep every field.
+  std::size_t keep_delimited_fields() {
+    if (keeps_every_field(delimiter_rules_)) return rec_.fields.size();
     const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_, kept_);
     if (outcome.fault != delimiter_fault::none) {
       const source_position p = resolve(rec_.position(rec_.fields[outcome.field].delimiter));
@@ -377,6 +381,7 @@ class table_reader {
       if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
       fail<reader_error::ConsecutiveDelimiters>(p);
     }
+    return kept_.size();
   }
 
   // The field count of a record that is only counted (see counting_).
@@ -532,8 +537,7 @@ class table_reader {
     send_header();
     if (counting_) {
       if (opts_.parser_type() == ParserType::Line) return count_record(1);
-      keep_delimited_fields();
-      return count_record(kept_.size());
+      return count_record(keep_delimited_fields());
     }
     if (!record_cells()) return;
     shape_and_emit();
