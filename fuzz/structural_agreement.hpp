@@ -73,7 +73,7 @@ inline bool exact_record(const scan_rules<char>& rules, std::string_view text, b
   f.next = pos + rec.consumed;
   f.next_line = rec.next_line;
   for (std::size_t i = 0; i < rec.fields.size(); ++i) {
-    if (i + 1 < rec.fields.size()) f.delimiters.push_back(pos + rec.fields[i].delimiter.pos);
+    if (i + 1 < rec.fields.size()) f.delimiters.push_back(pos + rec.fields[i].delimiter);
     f.quoted.push_back(rec.fields[i].quoted);
   }
   f.empty = rec.empty;

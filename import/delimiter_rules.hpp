@@ -21,6 +21,13 @@ struct delimiter_rule_set {
   textio::enums::ConsecutiveDelimitersRule consecutive = textio::enums::ConsecutiveDelimitersRule::Split;
 };
 
+// Whether the rules keep every field as it is (no index list needed).
+inline bool keeps_every_field(const delimiter_rule_set& rules) noexcept {
+  return rules.leading == textio::enums::LeadingDelimiterRule::Keep &&
+         rules.trailing == textio::enums::TrailingDelimiterRule::Keep &&
+         rules.consecutive == textio::enums::ConsecutiveDelimitersRule::Split;
+}
+
 enum class delimiter_fault { none, leading, trailing, consecutive };
 
 struct delimiter_outcome {

@@ -50,6 +50,11 @@ class record_sink {
     padded.resize(values.size() + missing);
     record(padded);
   }
+  // A long record may come in parts: record_part with the values at its
+  // start, as often as needed, then padded_record (or record) with the rest,
+  // which is never empty. Only a sink that says it takes parts gets them.
+  virtual bool takes_parts() const { return false; }
+  virtual void record_part(std::span<const output_value> values) { (void)values; }
   // A sink that only counts says so here and then receives the field count
   // of each record instead of its values, where the values cannot change
   // what is counted.

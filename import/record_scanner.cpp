@@ -91,6 +91,7 @@ typename record_scanner<CharT>::field_end record_scanner<CharT>::scan_unquoted(v
           pos_ += ending;
           ++line_;
           line_start_ = pos_;
+          out.line_starts.push_back(pos_);
         } else {
           ++pos_;
         }
@@ -109,6 +110,8 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
   out.empty = true;
   out.had_comment = false;
   out.stray_quote = {};
+  out.line_starts.clear();
+  out.first_line = first_line;
   if (text.empty()) return at_end ? scan_result::end_of_input : scan_result::need_more;
   pos_ = 0;
   line_ = first_line;
@@ -129,7 +132,7 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
       }
       if (pos_ == n && !at_end) return scan_result::need_more;
     }
-    f.start = here();
+    f.start = pos_;
     f.begin = pos_;
     if (rules_.quotes && !quotes_as_text_ && pos_ < n && text[pos_] == rules_.quote) {
       f.quoted = true;
@@ -184,6 +187,7 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
           pos_ += ending;
           ++line_;
           line_start_ = pos_;
+          out.line_starts.push_back(pos_);
         } else {
           ++pos_;
         }
@@ -211,7 +215,7 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
       }
     }
     if (end == field_end::delimiter) {
-      f.delimiter = here();
+      f.delimiter = pos_;
       out.fields.push_back(f);
       pos_ += match;
       continue;

@@ -8,6 +8,7 @@
 // is copied into the record's scratch buffer.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -28,22 +29,30 @@ struct window_position {
   std::size_t pos = 0;
 };
 
+// A field of a scanned record: a few words, as a record may have millions.
+// Its places are window offsets; the record turns them into lines and line
+// starts (scanned_record::position) when an error is reported.
 struct raw_field {
-  std::size_t begin = 0;   // first unit, in the window or in scratch
-  std::size_t length = 0;  // after trimming
-  bool in_scratch = false;
-  bool quoted = false;
-  window_position start;      // where the field's text starts
-  window_position delimiter;  // the delimiter that ends it (when one does)
+  std::size_t begin = 0;             // first unit, in the window or in scratch
+  std::uint64_t length : 62 = 0;     // after trimming
+  std::uint64_t in_scratch : 1 = 0;  // begin is in the record's scratch
+  std::uint64_t quoted : 1 = 0;
+  std::size_t start = 0;      // where the field's text starts
+  std::size_t delimiter = 0;  // the delimiter that ends it (when one does)
 };
+static_assert(sizeof(raw_field) == 4 * sizeof(std::uint64_t));
 
 template <class CharT>
 struct scanned_record {
   std::vector<raw_field> fields;
   std::basic_string<CharT> scratch;
-  std::size_t consumed = 0;     // units of the window that the record took
-  std::uint64_t next_line = 0;  // physical line after the record
-  window_position end;          // where the record's text ends
+  std::size_t consumed = 0;      // units of the window that the record took
+  std::uint64_t first_line = 0;  // physical line of the record's first unit
+  std::uint64_t next_line = 0;   // physical line after the record
+  // Where each physical line after the first starts in the window (line
+  // endings inside quotes and block comments), once per line.
+  std::vector<std::size_t> line_starts;
+  window_position end;  // where the record's text ends
   // No units but whitespace (and delimiters made of whitespace), no quote.
   bool empty = true;
   bool had_comment = false;
@@ -53,6 +62,13 @@ struct scanned_record {
   std::basic_string_view<CharT> text(std::basic_string_view<CharT> window, const raw_field& f) const noexcept {
     return f.in_scratch ? std::basic_string_view<CharT>(scratch).substr(f.begin, f.length)
                         : window.substr(f.begin, f.length);
+  }
+
+  // The line and line start of a window offset inside the record.
+  window_position position(std::size_t offset) const noexcept {
+    const auto after = std::upper_bound(line_starts.begin(), line_starts.end(), offset);
+    const auto crossed = static_cast<std::uint64_t>(after - line_starts.begin());
+    return {first_line + crossed, crossed == 0 ? 0 : *(after - 1), offset};
   }
 };
 

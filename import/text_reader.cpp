@@ -150,15 +150,17 @@ class table_reader {
     return "the record's length and field count";
   }
 
-  // A field of the record being shaped, with where it came from.
+  // A field of the record being shaped, with where it came from: a window
+  // offset of the scanned record, or (resolved) an index into resolved_ for
+  // a field that no longer is in the window.
   struct cell {
     view text;
-    bool quoted = false;
-    bool missing = false;  // already known to be missing (padding, a filled partial field)
-    bool resolved = false;
-    window_position at;
-    source_position where;
+    std::uint64_t at : 61 = 0;
+    std::uint64_t quoted : 1 = 0;
+    std::uint64_t missing : 1 = 0;  // already known to be missing (padding, a filled partial field)
+    std::uint64_t resolved : 1 = 0;
   };
+  static_assert(sizeof(cell) == sizeof(view) + sizeof(std::uint64_t));
   // A field kept beyond its record (wrapped extra columns).
   struct owned_cell {
     string content;
@@ -208,6 +210,10 @@ class table_reader {
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
+    // A long record goes to the sink in parts where no rule can drop or
+    // fail it after its start is written.
+    parts_ = sink_.takes_parts() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
+             (opts_.output_type() != OutputBuilderType::Matrix || opts_.import_error_rule() == BadDataRule::Fill);
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     const textio::parser::LineRecordReader line_reader(opts_);
@@ -288,7 +294,30 @@ class table_reader {
     if constexpr (sizeof(CharT) == 1) column = utf16_length(w.substr(at.line_start, at.pos - at.line_start));
     return {at.line, column + 1};
   }
-  source_position where(const cell& c) const { return c.resolved ? c.where : resolve(c.at); }
+  source_position where(const cell& c) const { return c.resolved ? resolved_[c.at] : resolve(rec_.position(c.at)); }
+
+  // A cell whose place is known already.
+  cell resolved_cell(view text, source_position where) {
+    cell c;
+    c.text = text;
+    c.resolved = 1;
+    c.at = resolved_.size();
+    resolved_.push_back(where);
+    return c;
+  }
+
+  // Frees the entries of a long record once they are used, so that they do
+  // not add to the memory of what follows it.
+  template <class T>
+  static void release_if_long(std::vector<T>& entries) {
+    constexpr std::size_t long_record = std::size_t{1} << 16;
+    if (entries.capacity() > long_record) std::vector<T>().swap(entries);
+  }
+
+  void clear_cells() {
+    cells_.clear();
+    resolved_.clear();
+  }
 
   template <class Tag>
   [[noreturn]] void fail(source_position p) const {
@@ -298,19 +327,25 @@ class table_reader {
   // The fields of the scanned record as cells, by the parser's rules. False
   // when the record gives no row.
   bool record_cells() {
-    cells_.clear();
+    clear_cells();
     const view w = window_.view();
     switch (opts_.parser_type()) {
       case ParserType::Delimited:
       case ParserType::Tabular: {
-        keep_delimited_fields();
-        for (const std::size_t i : kept_) {
+        const std::size_t count = keep_delimited_fields();
+        const bool every = keeps_every_field(delimiter_rules_);
+        cells_.reserve(count);
+        for (std::size_t k = 0; k < count; ++k) {
+          const std::size_t i = every ? k : kept_[k];
           cell c;
           c.text = rec_.text(w, rec_.fields[i]);
           c.quoted = rec_.fields[i].quoted;
           c.at = rec_.fields[i].start;
           cells_.push_back(c);
         }
+        // The cells hold all that is needed of a long record's fields.
+        release_if_long(rec_.fields);
+        release_if_long(kept_);
         return true;
       }
       case ParserType::Line: {
@@ -322,7 +357,7 @@ class table_reader {
       }
       case ParserType::FixedWidth:
         if constexpr (sizeof(CharT) == 2) {
-          return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.fields[0].start.line, false);
+          return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.position(rec_.fields[0].start).line, false);
         }
         return false;
     }
@@ -351,15 +386,18 @@ class table_reader {
     return true;
   }
 
-  // The fields of a delimited record that its delimiter rules keep, in kept_.
-  void keep_delimited_fields() {
+  // The number of fields of a delimited record that its delimiter rules
+  // keep; kept_ gives them unless the rules keep every field.
+  std::size_t keep_delimited_fields() {
+    if (keeps_every_field(delimiter_rules_)) return rec_.fields.size();
     const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_, kept_);
     if (outcome.fault != delimiter_fault::none) {
-      const source_position p = resolve(rec_.fields[outcome.field].delimiter);
+      const source_position p = resolve(rec_.position(rec_.fields[outcome.field].delimiter));
       if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
       if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
       fail<reader_error::ConsecutiveDelimiters>(p);
     }
+    return kept_.size();
   }
 
   // The field count of a record that is only counted (see counting_).
@@ -405,11 +443,8 @@ class table_reader {
         }
       }
       for (std::size_t i = 0; i < cut.fields.size(); ++i) {
-        cell c;
-        c.text = record_text.substr(cut.fields[i].begin, cut.fields[i].length);
+        cell c = resolved_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length), column(cut.fields[i].offset));
         c.missing = filled && *filled == i;
-        c.resolved = true;
-        c.where = column(cut.fields[i].offset);
         cells_.push_back(c);
       }
       if (cut.has_extra) {
@@ -420,11 +455,7 @@ class table_reader {
             const std::u16string_view ws = opts_.whitespace();
             while (b < e && ws.find(record_text[b]) != std::u16string_view::npos) ++b;
             while (e > b && ws.find(record_text[e - 1]) != std::u16string_view::npos) --e;
-            cell c;
-            c.text = record_text.substr(b, e - b);
-            c.resolved = true;
-            c.where = column(cut.extra_begin);
-            cells_.push_back(c);
+            cells_.push_back(resolved_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
             break;
           }
           case ExtraColumnsRule::Ignore:
@@ -515,11 +546,11 @@ class table_reader {
           case EmptyLineRule::Skip:
             return;
           case EmptyLineRule::Error:
-            fail<reader_error::EmptyLine>({rec_.fields.front().start.line, 1});
+            fail<reader_error::EmptyLine>({rec_.position(rec_.fields.front().start).line, 1});
           case EmptyLineRule::Read:
             send_header();
             if (counting_) return count_record(variables_ ? *variables_ : 1);
-            cells_.clear();
+            clear_cells();
             if (!variables_) variables_ = 1;
             shape_and_emit();
             return;
@@ -529,8 +560,7 @@ class table_reader {
     send_header();
     if (counting_) {
       if (opts_.parser_type() == ParserType::Line) return count_record(1);
-      keep_delimited_fields();
-      return count_record(kept_.size());
+      return count_record(keep_delimited_fields());
     }
     if (!record_cells()) return;
     shape_and_emit();
@@ -544,11 +574,8 @@ class table_reader {
     if (!current_carry_.empty()) {
       std::vector<cell> joined;
       for (const owned_cell& o : current_carry_) {
-        cell c;
-        c.text = o.content;
+        cell c = resolved_cell(o.content, o.where);
         c.quoted = o.quoted;
-        c.resolved = true;
-        c.where = o.where;
         joined.push_back(c);
       }
       joined.insert(joined.end(), cells_.begin(), cells_.end());
@@ -566,7 +593,7 @@ class table_reader {
         case ExtraColumnsRule::Wrap:
           // With no variables no record could ever take them.
           for (std::size_t i = *variables_; *variables_ > 0 && i < cells_.size(); ++i) {
-            carry_.push_back({string(cells_[i].text), cells_[i].quoted, where(cells_[i])});
+            carry_.push_back({string(cells_[i].text), cells_[i].quoted != 0, where(cells_[i])});
           }
           cells_.resize(*variables_);
           break;
@@ -623,6 +650,7 @@ class table_reader {
   // Hands on the record's cells followed by `padding` missing values.
   void emit(std::size_t padding) {
     values_.clear();
+    values_.reserve(std::min(cells_.size(), parts_ ? record_part_size : cells_.size()));
     const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
     for (std::size_t i = 0; i < cells_.size(); ++i) {
       const cell& c = cells_[i];
@@ -649,13 +677,17 @@ class table_reader {
       } else {
         v = text_value(c.text);
       }
+      if (parts_ && values_.size() == record_part_size) {
+        sink_.record_part(values_);
+        values_.clear();
+      }
       values_.push_back(v);
     }
     if (padding > 0) {
-      cell first;
-      first.missing = true;
-      first.resolved = rec_.fields.empty();
-      first.at = rec_.end;
+      // Where the record ends (no place for one made of waiting fields).
+      cell first = record_in_window_ ? cell{} : resolved_cell({}, {});
+      first.missing = 1;
+      if (!first.resolved) first.at = rec_.end.pos;
       if (opts_.missing_rule() == BadDataRule::OmitVar) {
         mark_omitted(cells_.size() + padding - 1);
         std::fill(omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size()),
@@ -711,16 +743,16 @@ class table_reader {
       while (!pending_units_.empty()) {
         send_header();
         const std::u16string waiting = std::exchange(pending_units_, {});
-        cells_.clear();
-        rec_.fields.clear();
+        clear_cells();
+        record_in_window_ = false;
         if (fixed_width_cells(waiting, 0, true)) shape_and_emit();
         if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
       }
     }
     while (!carry_.empty()) {
       send_header();
-      cells_.clear();
-      rec_.fields.clear();
+      clear_cells();
+      record_in_window_ = false;
       shape_and_emit();
     }
     send_header();
@@ -762,6 +794,8 @@ class table_reader {
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
+  bool parts_ = false;  // values handed on in parts of record_part_size
+  static constexpr std::size_t record_part_size = 4096;
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
   std::uint64_t first_counted_line_ = 0;       // after header and meta lines
   delimiter_rule_set delimiter_rules_;
@@ -775,6 +809,8 @@ class table_reader {
 
   std::vector<std::size_t> kept_;
   std::vector<cell> cells_;
+  std::vector<source_position> resolved_;  // places of resolved cells
+  bool record_in_window_ = true;           // false for fields still waiting at the end
   std::vector<output_value> values_;
   std::vector<owned_cell> carry_;
   std::vector<owned_cell> current_carry_;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "tools/byte_scan.hpp"
 #include "tools/checked_output.hpp"
@@ -97,12 +98,16 @@ void append_json(std::string& out, const output_value& v) {
   }
 }
 
-void append_json_array(std::string& out, std::span<const output_value> values) {
-  out += '[';
+void append_json_elements(std::string& out, std::span<const output_value> values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (i > 0) out += ", ";
     append_json(out, values[i]);
   }
+}
+
+void append_json_array(std::string& out, std::span<const output_value> values) {
+  out += '[';
+  append_json_elements(out, values);
   out += ']';
 }
 
@@ -210,16 +215,32 @@ void jsonl_writer::header(const textio::import::table_header& header) {
   out_.maybe_flush();
 }
 
+void jsonl_writer::record_part(std::span<const output_value> values) {
+  std::string& out = out_.text();
+  if (!std::exchange(in_record_, true)) out += '[';
+  for (const output_value& v : values) {
+    append_json(out, v);
+    out += ", ";
+  }
+  out_.maybe_flush();
+}
+
 void jsonl_writer::record(std::span<const output_value> values) {
-  append_json_array(out_.text(), values);
-  out_.text() += '\n';
+  std::string& out = out_.text();
+  if (std::exchange(in_record_, false)) {
+    append_json_elements(out, values);
+    out += ']';
+  } else {
+    append_json_array(out, values);
+  }
+  out += '\n';
   out_.maybe_flush();
 }
 
 void jsonl_writer::padded_record(std::span<const output_value> values, std::size_t missing) {
   if (missing == 0) return record(values);
   std::string& out = out_.text();
-  out += '[';
+  if (!std::exchange(in_record_, false)) out += '[';
   for (std::size_t i = 0; i < values.size(); ++i) {
     append_json(out, values[i]);
     out += ", ";
@@ -237,8 +258,16 @@ void csv_writer::header(const textio::import::table_header& header) {
 
 void csv_writer::record(std::span<const output_value> values) { padded_record(values, 0); }
 
+void csv_writer::record_part(std::span<const output_value> values) {
+  append_csv_fields(out_.text(), values);
+  out_.text() += ',';
+  in_record_ = true;
+  out_.maybe_flush();
+}
+
 void csv_writer::padded_record(std::span<const output_value> values, std::size_t missing) {
-  if (values.size() + missing == 1 && (missing == 1 || values[0].kind == value_kind::missing)) {
+  if (!std::exchange(in_record_, false) && values.size() + missing == 1 &&
+      (missing == 1 || values[0].kind == value_kind::missing)) {
     lone_missing_written_ = true;
   }
   append_csv_fields(out_.text(), values);

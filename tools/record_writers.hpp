@@ -52,10 +52,13 @@ class jsonl_writer : public textio::import::record_sink {
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
+  bool takes_parts() const override { return true; }
+  void record_part(std::span<const textio::import::output_value> values) override;
   void flush() { out_.flush(); }
 
  private:
   buffered_output out_;
+  bool in_record_ = false;  // parts of a record written
 };
 
 // RFC 4180: a header row when there are names, CRLF after every row, a field
@@ -72,12 +75,15 @@ class csv_writer : public textio::import::record_sink {
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
+  bool takes_parts() const override { return true; }
+  void record_part(std::span<const textio::import::output_value> values) override;
   void flush() { out_.flush(); }
   bool lone_missing_written() const noexcept { return lone_missing_written_; }
 
  private:
   buffered_output out_;
   bool lone_missing_written_ = false;
+  bool in_record_ = false;  // parts of a record written
 };
 
 // The advice for a CSV output that holds a record of one missing field.

@@ -115,6 +115,28 @@ TEST(CountOutput, CountsRecordsAndFields) {
 // Big enough to span several of the reader's one-MiB blocks.
 constexpr std::size_t block = std::size_t{1} << 20;
 
+// Records longer than the parts in which the reader hands values on, one
+// of them padded after its parts, are written as whole records.
+TEST(Streaming, RecordLongerThanAPartIsWrittenWhole) {
+  std::string line;
+  std::string json = "[";
+  for (int i = 0; i < 9000; ++i) {
+    const std::string v = "v" + std::to_string(i);
+    line += (i > 0 ? "," : "") + v;
+    json += "\"" + v + "\", ";
+  }
+  const std::vector<std::string> args = {"NumVariables", "9002"};
+  const auto out = read_text(line + "\nz\n", args);
+  ASSERT_EQ(out.records.size(), 2U) << out.error;
+  EXPECT_EQ(out.records[0], json + "null, null]");
+  std::string nulls;
+  for (int i = 0; i < 9001; ++i) nulls += ", null";
+  EXPECT_EQ(out.records[1], "[\"z\"" + nulls + "]");
+  std::vector<std::string> csv_args = args;
+  csv_args.insert(csv_args.end(), {"--format", "csv"});
+  EXPECT_EQ(read_text(line + "\nz\n", csv_args).raw, line + ",,\r\nz" + std::string(9001, ',') + "\r\n");
+}
+
 TEST(Streaming, QuotedFieldLongerThanABlock) {
   const std::string long_text(3 * block + 17, 'q');
   const auto out = read_text("a\n\"" + long_text + "\",b\nc", {"--count"});
