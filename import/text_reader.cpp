@@ -443,7 +443,8 @@ class table_reader {
         }
       }
       for (std::size_t i = 0; i < cut.fields.size(); ++i) {
-        cell c = resolved_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length), column(cut.fields[i].offset));
+        cell c =
+            resolved_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length), column(cut.fields[i].offset));
         c.missing = filled && *filled == i;
         cells_.push_back(c);
       }
