@@ -8,14 +8,7 @@ namespace textio::import {
 
 void add_variable_types(detection_report& report, const std::vector<std::vector<std::string>>& rows,
                         std::size_t variables, const textio::parser::options& opts) {
-  type_detection_settings settings;
-  settings.numbers.decimal_separator = opts.decimal_separator();
-  settings.numbers.thousands_separator = opts.thousands_separator();
-  settings.numbers.exp_chars = opts.exp_chars();
-  settings.numbers.trim_non_numeric = opts.trim_non_numeric();
-  for (const auto& p : opts.missing_placeholders())
-    settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
-  settings.detect_markers = opts.missing_placeholders().empty();
+  const type_detection_settings settings = type_detection_settings_of(opts);
   for (const detected_type& d : detect_types(rows, variables, settings)) {
     report.variable_types.emplace_back(type_name(d.typing.type));
     report.missing_markers.push_back(d.typing.missing_markers);

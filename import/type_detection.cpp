@@ -1,5 +1,7 @@
 #include "import/type_detection.hpp"
 
+#include "zvcore/ustring.hpp"
+
 #include <algorithm>
 #include <array>
 
@@ -95,6 +97,19 @@ std::vector<detected_type> detect_types(const std::vector<std::vector<std::strin
     out.push_back(type_of(values, settings));
   }
   return out;
+}
+
+type_detection_settings type_detection_settings_of(const textio::parser::options& record) {
+  type_detection_settings settings;
+  settings.numbers.decimal_separator = record.decimal_separator();
+  settings.numbers.thousands_separator = record.thousands_separator();
+  settings.numbers.exp_chars = record.exp_chars();
+  settings.numbers.trim_non_numeric = record.trim_non_numeric();
+  for (const auto& p : record.missing_placeholders()) {
+    settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
+  }
+  settings.detect_markers = record.missing_placeholders().empty();
+  return settings;
 }
 
 }  // namespace textio::import

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "import/value_conversion.hpp"
+#include "parser/options.hpp"
 
 namespace textio::import {
 
@@ -18,6 +19,10 @@ struct type_detection_settings {
   std::vector<std::string> placeholders;  // UTF-8
   bool detect_markers = true;             // false when the user said what is missing
 };
+
+// The record's number format and missing placeholders; markers are detected
+// only when the record names no placeholder.
+type_detection_settings type_detection_settings_of(const textio::parser::options& record);
 
 struct detected_type {
   variable_typing typing;

@@ -83,14 +83,7 @@ std::vector<textio::import::detected_type> detected_types_of(const textio::impor
 
 std::vector<textio::import::detected_type> detect_sample_types(const textio::parser::options& record,
                                                                const text_sample& sample) {
-  textio::import::type_detection_settings settings;
-  settings.numbers.decimal_separator = record.decimal_separator();
-  settings.numbers.thousands_separator = record.thousands_separator();
-  settings.numbers.exp_chars = record.exp_chars();
-  settings.numbers.trim_non_numeric = record.trim_non_numeric();
-  for (const auto& p : record.missing_placeholders())
-    settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
-  settings.detect_markers = record.missing_placeholders().empty();
+  const auto settings = textio::import::type_detection_settings_of(record);
   return textio::import::detect_types(sample.rows, sample.variables, settings);
 }
 
