@@ -27,9 +27,9 @@ std::string encoding_family(std::string e) {
   return e;
 }
 
-std::vector<std::size_t> widths(const std::string& spec) {
+std::vector<std::size_t> widths(const std::string& answer) {
   std::vector<std::size_t> out;
-  std::stringstream ss(spec.substr(6));
+  std::stringstream ss(answer.substr(6));
   std::string w;
   while (std::getline(ss, w, ',')) out.push_back(std::stoul(w));
   return out;
