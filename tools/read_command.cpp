@@ -24,6 +24,17 @@
 namespace zvtool {
 namespace {
 
+// Below this confidence a guess is said to be one, so that nobody takes it
+// for certain without looking.
+constexpr double unsure_confidence = 0.5;
+
+std::string unsure_note(double confidence) {
+  char figure[16];
+  std::snprintf(figure, sizeof figure, "%.2f", confidence);
+  return std::string("zvtextparser: note: detection is unsure of this file (confidence ") + figure +
+         "); --verbose shows the guesses, and options given by name are never guessed\n";
+}
+
 constexpr std::uint64_t progress_threshold = std::uint64_t{64} << 20;
 
 // {"error": {...}} on one line, arguments as written by the error object.
@@ -152,7 +163,11 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
       record = detected.options;
       text = detected.format;
       report = detected.report;
-      if (args.has("--verbose")) result.err += report_text(detected.report);
+      if (args.has("--verbose")) {
+        result.err += report_text(detected.report);
+      } else if (detected.report.confidence < unsure_confidence && !detected.report.filled.empty()) {
+        result.err += unsure_note(detected.report.confidence);
+      }
     }
     apply_table_options(args, text);
     const auto types = variable_types(args, record, text, report ? &*report : nullptr, result.err);

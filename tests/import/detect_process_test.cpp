@@ -109,6 +109,13 @@ TEST(ReadTableEnd, StopsSaysSoAndAllLinesReadsOn) {
   EXPECT_EQ(all.err, "");
 }
 
+TEST(ReadDetects, AnUnsureGuessIsSaidToBeOne) {
+  std::string bytes;
+  for (int i = 0; i < 600; ++i) bytes += static_cast<char>((i * 131 + 7) % 256);
+  const auto run = run_tool({"read", import_test::write_file(bytes), "--count"});
+  EXPECT_NE(run.err.find("detection is unsure of this file (confidence 0."), std::string::npos) << run.err;
+}
+
 TEST(UserChoices, KeysInTheTablesSpellingFromPairsAndStruct) {
   const struct {
     std::vector<std::string> args;
