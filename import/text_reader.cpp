@@ -122,9 +122,14 @@ class table_reader {
         continue;
       }
       if (result == scan_result::end_of_input) break;
-      if (rec_.stray_quote.line != 0 && stray_quote_) {
-        const source_position p = resolve(rec_.stray_quote);
-        stray_quote_(p.line, p.column);
+      if (rec_.stray_quote.line != 0) {
+        // From here on quotes are text, which the structural scan does not
+        // know: the full scanner counts the rest.
+        counter_.reset();
+        if (stray_quote_) {
+          const source_position p = resolve(rec_.stray_quote);
+          stray_quote_(p.line, p.column);
+        }
       }
       if (meta) {
         take_meta_line(line);
