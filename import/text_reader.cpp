@@ -267,7 +267,8 @@ class table_reader {
       // only, and not a detected quote that may turn into text part-way.
       using namespace textio::enums;
       if (counting_ && opts_.parser_type() == ParserType::Delimited && !data_rules_.backslash_escape &&
-          !data_rules_.stray_quote_as_text && opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
+          !data_rules_.stray_quote_as_text && text_.encoding == "UTF-8" &&
+          opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
           opts_.trailing_delim_rule() == TrailingDelimiterRule::Keep &&
           opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split) {
         const std::uint64_t last_special = std::max({header_lines_, opts_.variable_names_line(),
