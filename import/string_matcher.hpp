@@ -33,6 +33,11 @@ class string_matcher {
   bool empty() const noexcept { return first_units_.empty(); }
   // Length of the longest string, 0 for none.
   std::size_t longest() const noexcept { return delimiter_ ? delimiter_->longest() : 0; }
+  // Every string, in the order given (empty ones included).
+  const std::vector<std::u16string>& strings() const noexcept {
+    static const std::vector<std::u16string> none;
+    return delimiter_ ? delimiter_->strings() : none;
+  }
   // The first unit of each non-empty string.
   const std::u16string& first_units() const noexcept { return first_units_; }
 

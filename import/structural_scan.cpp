@@ -22,18 +22,19 @@ std::optional<structural_classes> structural_classes::for_rules(const scan_rules
   structural_classes c;
   c.quote = rules.quote;
 
-  // Line endings: LF, CR and CR LF only, told apart by what matches.
-  const auto& endings = rules.line_endings;
-  if (endings.longest() > 2) return std::nullopt;
-  for (const char16_t u : endings.first_units()) {
-    if (u != u'\r' && u != u'\n') return std::nullopt;
+  // Line endings: LF, CR and CR LF only (any other string, "\n," say,
+  // would end records where the scan sees none).
+  for (const std::u16string& e : rules.line_endings.strings()) {
+    if (e == u"\n") {
+      c.lf = true;
+    } else if (e == u"\r") {
+      c.cr = true;
+    } else if (e == u"\r\n") {
+      c.crlf = true;
+    } else if (!e.empty()) {
+      return std::nullopt;
+    }
   }
-  for (const std::string_view pair : {"\r\r", "\n\r", "\n\n"}) {
-    if (endings.match(pair, 0) == 2) return std::nullopt;
-  }
-  c.crlf = endings.match("\r\n", 0) == 2;
-  c.cr = endings.match("\r", 0) == 1;
-  c.lf = endings.match("\n", 0) == 1;
 
   const auto& delimiters = rules.field_delimiters;
   if (delimiters.longest() > 1) return std::nullopt;

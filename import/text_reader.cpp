@@ -25,12 +25,6 @@
 namespace textio::import {
 namespace {
 
-// Counting through the structural scan stays off: the fuzzer still finds
-// inputs where its count differs from the full scanner's (the seeds of
-// fuzz_text_reader keep them). Counting then takes the full scanner, which
-// reading uses too.
-constexpr bool structural_counting = false;
-
 using textio::enums::BadDataRule;
 using textio::enums::EmptyLineRule;
 using textio::enums::ExtraColumnsRule;
@@ -270,10 +264,11 @@ class table_reader {
     if constexpr (sizeof(CharT) == 1) {
       // Plain delimited records are counted by the structural scan, whose
       // field count is the delimiter count plus one. It knows doubled quotes
-      // only, and not a detected quote that may turn into text part-way.
+      // only. A detected quote that turns into text part-way is no concern:
+      // the scan hands a quote still open at the end to the full scanner,
+      // which then turns quoting off, and the counter with it.
       using namespace textio::enums;
-      if (structural_counting && counting_ && opts_.parser_type() == ParserType::Delimited &&
-          !data_rules_.backslash_escape && !data_rules_.stray_quote_as_text && text_.encoding == "UTF-8" &&
+      if (counting_ && opts_.parser_type() == ParserType::Delimited && !data_rules_.backslash_escape &&
           opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
           opts_.trailing_delim_rule() == TrailingDelimiterRule::Keep &&
           opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split) {

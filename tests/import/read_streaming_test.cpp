@@ -213,6 +213,7 @@ const count_case count_cases[] = {
     {"matrix_fill", "1,x\n2", {"OutputBuilderType", "matrix"}},
     {"comments", "#h,\"\n1,2 # c\n  # only\n\"#\",3\n\n4#,", {"CommentStyle", "#", "EmptyLineRule", "read"}},
     {"quotes_that_are_text", "\"\"\n a,\"b\n c\"\n x\"y,z\n\"q\"r,s", {}},
+    {"line_ending_longer_than_lf", "1\n,2\n3,4\n,5", {"LineEnding", "\n,"}},
 };
 INSTANTIATE_TEST_SUITE_P(Count, CountMatchesRecords, ::testing::ValuesIn(count_cases));
 

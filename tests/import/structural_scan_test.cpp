@@ -92,6 +92,7 @@ TEST(StructuralScan, LeavesUncoveredRulesToTheExactScanner) {
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u"\t"}, lf, 0, u" \t")));  // a delimiter that is blank
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u"::"}, lf, 0, u" ")));    // two bytes
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, {u"\n\r"}, 0, u" ")));
+  EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, {u"\n", u"\n,"}, 0, u" ")));  // LF then more
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, lf, u'"', u" ")));  // comment marker is the quote
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u",", u";", u"|", u":", u"!"}, lf, 0, u" ")));
 }

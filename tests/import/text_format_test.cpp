@@ -132,6 +132,8 @@ const format_case format_cases[] = {
      "", "1/2"},
     {"stray_detected_quote_read_as_text", "a,b\n\"c,d\ne,\"\"\n", quoted('"', escape_style::doubled, true),
      R"(["a", "b"] | ["\"c", "d"] | ["e", "\"\""])", "", "2:1", "3/6"},
+    {"quotes_text_after_a_stray_quote", "a,\"b\n1,\"2,3,\"c\n", quoted('"', escape_style::doubled, true),
+     R"(["a", "\"b"] | ["1", "\"2", "3", "\"c"])", "", "2:8", "2/6"},
     {"stray_given_quote_fails", "a,b\n\"c,d\ne,f\n", quoted('"'), R"(["a", "b"])", "UnterminatedQuote(2 1 )"},
     {"closed_detected_quote_reads_as_quote", "\"a\nb\",c", quoted('"', escape_style::doubled, true),
      R"(["a\nb", "c"])"},
