@@ -40,7 +40,7 @@ bool is_missing_marker(std::string_view s) {
 
 // A number: sign, digits with optional grouping, fraction, exponent, an
 // optional trailing percent sign; also inf and nan spellings.
-bool is_number(std::string_view s, const number_format& f) {
+bool is_number(std::string_view s, const number_separators& f) {
   std::size_t i = 0;
   const std::size_t n = s.size();
   if (i < n && (s[i] == '+' || s[i] == '-')) ++i;
@@ -143,7 +143,7 @@ bool is_datetime(std::string_view s) {
 
 }  // namespace
 
-cell_type classify(std::string_view field, const number_format& format) {
+cell_type classify(std::string_view field, const number_separators& format) {
   while (!field.empty() && (field.front() == ' ' || field.front() == '\t')) field.remove_prefix(1);
   while (!field.empty() && (field.back() == ' ' || field.back() == '\t')) field.remove_suffix(1);
   if (field.empty()) return cell_type::empty;

@@ -73,7 +73,7 @@ double control_share(std::string_view text) {
 }
 
 // The number format of the fields below the first row.
-number_format guess_number_format(const sample_table& table, char delimiter, bool blanks) {
+number_separators guess_number_format(const sample_table& table, char delimiter, bool blanks) {
   number_votes v;
   std::size_t seen = 0;
   for (std::size_t r = 1; r < table.records.size() && seen < 20000; ++r) {
@@ -82,7 +82,7 @@ number_format guess_number_format(const sample_table& table, char delimiter, boo
     for (std::size_t j = 0; j < rec.fields.size(); ++j, ++seen) vote_number_format(rec.fields[j], v);
   }
   (void)blanks;
-  number_format f;
+  number_separators f;
   const bool comma_free = delimiter != ',' || blanks;
   if (comma_free && v.decimal_comma >= 1 && v.decimal_comma > v.decimal_point) f.decimal = ',';
   if (f.decimal == ',' && v.thousands_dot >= 1 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';
@@ -259,7 +259,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
 
   // Numbers, then the layout read with them.
-  number_format numbers;
+  number_separators numbers;
   if (!chosen.fixed_width) numbers = guess_number_format(chosen.table, chosen.d.delimiter, chosen.d.blanks);
   if (!open("DecimalSeparator")) numbers.decimal = static_cast<char>(opts.decimal_separator());
   if (!open("ThousandsSeparator")) {
