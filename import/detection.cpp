@@ -10,7 +10,6 @@
 #include "import/sample_table.hpp"
 #include "import/sample_types.hpp"
 #include "import/table_layout.hpp"
-#include "import/utf8_text.hpp"
 #include "errors/msg_id_exception.hpp"
 #include "zvcore/ustring.hpp"
 
@@ -22,13 +21,6 @@ using textio::enums::ParserType;
 // Lines and records the layout looks at: a bound on the work for any sample.
 constexpr std::size_t max_lines = 1000;
 constexpr std::size_t max_records = 600;
-
-ustring to_ustring(std::string_view utf8) {
-  ustring out;
-  const utf8_check c = check_utf8(utf8);
-  append_utf16(out, utf8.substr(0, c.valid));
-  return out;
-}
 
 std::string printable(char c) {
   if (c == '\t') return "tab";
@@ -160,7 +152,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   } else if (open("CommentStyle")) {
     marker = find_comment_marker(lines);
     if (!marker.empty()) {
-      opts.comment_style(std::vector<ustring>{to_ustring(marker)});
+      opts.comment_style(std::vector<ustring>{foundation::core::unicode::to_utf16(marker)});
       rep.filled.push_back({"CommentStyle", "lines starting with " + marker + " are not like the table"});
     }
   }

@@ -12,16 +12,16 @@ constexpr std::size_t max_width = 4096;
 
 bool is_blank(char32_t c) { return c == U' ' || c == U'\t'; }
 
-// Code points of a UTF-8 line, at most max_width.
+// Code points of a UTF-8 line, at most max_width (a byte that starts no
+// sequence stands for itself).
 std::u32string code_points(std::string_view s) {
+  namespace unicode = foundation::core::unicode;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(s.data());
   std::u32string out;
   for (std::size_t i = 0; i < s.size() && out.size() < max_width;) {
-    const auto b = static_cast<unsigned char>(s[i]);
-    const std::size_t len = b < 0x80 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
-    char32_t cp = len == 1 ? b : b & (0x7F >> len);
-    for (std::size_t k = 1; k < len && i + k < s.size(); ++k) cp = (cp << 6) | (s[i + k] & 0x3F);
-    out.push_back(cp);
-    i += len;
+    const std::size_t length = std::max<std::size_t>(1, unicode::utf8_sequence_at(s.substr(i)).length);
+    out.push_back(unicode::decode_utf8(bytes + i, length));
+    i += length;
   }
   return out;
 }
