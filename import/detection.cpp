@@ -73,7 +73,6 @@ number_separators guess_number_format(const sample_table& table, char delimiter,
     if (rec.blank || rec.comment) continue;
     for (std::size_t j = 0; j < rec.fields.size(); ++j, ++seen) vote_number_format(rec.fields[j], v);
   }
-  (void)blanks;
   number_separators f;
   const bool comma_free = delimiter != ',' || blanks;
   if (comma_free && v.decimal_comma >= 1 && v.decimal_comma > v.decimal_point) f.decimal = ',';
@@ -188,13 +187,13 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     }
   }
   const dialect_score best = ranked.empty() ? dialect_score{} : ranked.front();
-  chosen.table = split_records(lines, text, chosen.d, marker, max_records);
+  chosen.table = split_records(lines, chosen.d, marker, max_records);
   if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8)) {
     // Blank-aligned columns: separate by runs of blanks when every row then
     // has the same number of fields, else cut at fixed positions.
     const dialect blanks{' ', true, '"', escape_style::doubled};
-    const dialect_score by_blanks = score_dialect(lines, text, blanks, marker);
-    const sample_table blank_table = split_records(lines, text, blanks, marker, max_records);
+    const dialect_score by_blanks = score_dialect(lines, blanks, marker);
+    const sample_table blank_table = split_records(lines, blanks, marker, max_records);
     const table_layout blank_layout = analyse_layout(blank_table, {});
     // Columns shared by the body as runs of blanks see it, else by all lines
     // (runs of blanks may have found no body), else past a preamble.

@@ -86,11 +86,10 @@ std::vector<char> candidate_delimiters(const std::vector<sample_line>& lines, st
   return out;
 }
 
-dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_view text, const dialect& d,
-                            std::string_view comment_marker) {
+dialect_score score_dialect(const std::vector<sample_line>& lines, const dialect& d, std::string_view comment_marker) {
   dialect_score s;
   s.d = d;
-  const sample_table table = split_records(lines, text, d, comment_marker, scored_records);
+  const sample_table table = split_records(lines, d, comment_marker, scored_records);
   s.unclosed_quote = table.unclosed_quote;
   std::map<std::size_t, std::size_t> rows_by_count;
   std::size_t rows = 0;
@@ -174,7 +173,7 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
   if (bases.size() > kept_delimiters && (quotes.size() > 1 || escapes.size() > 1)) {
     std::vector<std::pair<double, std::size_t>> first;
     for (std::size_t i = 0; i < bases.size(); ++i)
-      first.emplace_back(score_dialect(lines, text, bases[i], comment_marker).score, i);
+      first.emplace_back(score_dialect(lines, bases[i], comment_marker).score, i);
     std::stable_sort(first.begin(), first.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<dialect> best;
     for (std::size_t i = 0; i < kept_delimiters; ++i) best.push_back(bases[first[i].second]);
@@ -198,7 +197,7 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
   }
   std::vector<dialect_score> scored;
   scored.reserve(candidates.size());
-  for (const dialect& d : candidates) scored.push_back(score_dialect(lines, text, d, comment_marker));
+  for (const dialect& d : candidates) scored.push_back(score_dialect(lines, d, comment_marker));
   std::stable_sort(scored.begin(), scored.end(), [](const dialect_score& a, const dialect_score& b) {
     // Within half a percent, the more usual dialect wins.
     const double tolerance = 0.005 * std::max(a.score, b.score);

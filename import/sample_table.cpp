@@ -51,9 +51,8 @@ std::vector<sample_line> split_lines(std::string_view text, std::size_t max_line
   return lines;
 }
 
-sample_table split_records(const std::vector<sample_line>& lines, std::string_view text, const dialect& d,
-                           std::string_view comment_marker, std::size_t max_records) {
-  (void)text;
+sample_table split_records(const std::vector<sample_line>& lines, const dialect& d, std::string_view comment_marker,
+                           std::size_t max_records) {
   sample_table table;
   std::size_t li = 0;
   const char q = d.quote;
