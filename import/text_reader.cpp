@@ -190,10 +190,7 @@ class table_reader {
       }
     }
     if (!variables_ && !names_.empty()) variables_ = names_.size();
-    format_.decimal_separator = opts_.decimal_separator();
-    format_.thousands_separator = opts_.thousands_separator();
-    format_.exp_chars = opts_.exp_chars();
-    format_.trim_non_numeric = opts_.trim_non_numeric();
+    format_ = number_format_of(opts_);
     for (const auto& p : opts_.missing_placeholders()) {
       if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
     }

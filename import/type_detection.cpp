@@ -101,10 +101,7 @@ std::vector<detected_type> detect_types(const std::vector<std::vector<std::strin
 
 type_detection_settings type_detection_settings_of(const textio::parser::options& record) {
   type_detection_settings settings;
-  settings.numbers.decimal_separator = record.decimal_separator();
-  settings.numbers.thousands_separator = record.thousands_separator();
-  settings.numbers.exp_chars = record.exp_chars();
-  settings.numbers.trim_non_numeric = record.trim_non_numeric();
+  settings.numbers = number_format_of(record);
   for (const auto& p : record.missing_placeholders()) {
     settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
   }
