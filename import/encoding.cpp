@@ -64,22 +64,29 @@ bool looks_western(std::string_view s) {
   return any;
 }
 
-}  // namespace
+struct byte_order_mark {
+  std::string_view bytes;
+  const char* name;
+};
 
-encoding_guess detect_encoding(std::string_view raw) {
-  struct bom {
-    std::string_view bytes;
-    const char* name;
-  };
+// The byte-order mark at the start of `raw`, or null.
+const byte_order_mark* mark_at(std::string_view raw) {
   // UTF-32LE before UTF-16LE: its mark begins with UTF-16LE's.
-  static constexpr bom boms[] = {
+  static constexpr byte_order_mark marks[] = {
       {std::string_view("\xEF\xBB\xBF", 3), "UTF-8"},    {std::string_view("\xFF\xFE\0\0", 4), "UTF-32LE"},
       {std::string_view("\0\0\xFE\xFF", 4), "UTF-32BE"}, {std::string_view("\xFF\xFE", 2), "UTF-16LE"},
       {std::string_view("\xFE\xFF", 2), "UTF-16BE"},
   };
-  for (const bom& b : boms) {
-    if (starts_with(raw, b.bytes)) return {b.name, b.bytes.size(), 1.0, "byte-order mark"};
+  for (const byte_order_mark& mark : marks) {
+    if (starts_with(raw, mark.bytes)) return &mark;
   }
+  return nullptr;
+}
+
+}  // namespace
+
+encoding_guess detect_encoding(std::string_view raw) {
+  if (const byte_order_mark* mark = mark_at(raw)) return {mark->name, mark->bytes.size(), 1.0, "byte-order mark"};
   if (std::string name = utf16_without_bom(raw); !name.empty()) {
     return {name, 0, 0.8, "every other byte is zero"};
   }
@@ -105,9 +112,9 @@ encoding_guess detect_encoding(std::string_view raw) {
 }
 
 std::string decode_sample(std::string_view raw, const std::string& encoding, bool whole_file) {
-  const encoding_guess marks = detect_encoding(raw.substr(0, 4));
-  std::size_t bom = 0;
-  if (marks.bom_bytes > 0 && marks.name == encoding) bom = marks.bom_bytes;
+  // Only the mark of the encoding read with is skipped.
+  const byte_order_mark* mark = mark_at(raw);
+  const std::size_t bom = mark != nullptr && encoding == mark->name ? mark->bytes.size() : 0;
   const std::string_view body = raw.substr(bom);
   if (is_utf8_name(encoding)) {
     const std::size_t strict = valid_utf8_prefix(body, false);
