@@ -4,6 +4,8 @@
 #include <cctype>
 #include <string>
 
+#include "import/blanks.hpp"
+
 namespace textio::import {
 namespace {
 
@@ -144,8 +146,7 @@ bool is_datetime(std::string_view s) {
 }  // namespace
 
 cell_type classify(std::string_view field, const number_separators& format) {
-  while (!field.empty() && (field.front() == ' ' || field.front() == '\t')) field.remove_prefix(1);
-  while (!field.empty() && (field.back() == ' ' || field.back() == '\t')) field.remove_suffix(1);
+  field = trim_blanks(field);
   if (field.empty()) return cell_type::empty;
   // Numbers, dates and markers are short; a long field is text.
   if (field.size() > 64) return cell_type::text;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "import/blanks.hpp"
 #include "import/cell_types.hpp"
 #include "import/dialect_scoring.hpp"
 #include "import/encoding.hpp"
@@ -37,8 +38,7 @@ std::string find_comment_marker(const std::vector<sample_line>& lines) {
   std::string marker;
   std::size_t counts[3] = {};
   for (const sample_line& l : lines) {
-    std::string_view t = l.text;
-    while (!t.empty() && (t.front() == ' ' || t.front() == '\t')) t.remove_prefix(1);
+    const std::string_view t = trim_leading_blanks(l.text);
     if (t.empty()) continue;
     ++non_blank;
     for (std::size_t m = 0; m < 3; ++m) counts[m] += t.substr(0, markers[m].size()) == markers[m];

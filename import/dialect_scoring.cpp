@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 
+#include "import/blanks.hpp"
 #include "import/cell_types.hpp"
 
 namespace textio::import {
@@ -16,15 +17,8 @@ namespace {
 // few enough that trying every candidate stays cheap.
 constexpr std::size_t scored_records = 200;
 
-bool is_blank(char c) { return c == ' ' || c == '\t'; }
-
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
-  return s;
-}
-
 bool is_comment(std::string_view line, std::string_view marker) {
-  return !marker.empty() && trim(line).substr(0, marker.size()) == marker;
+  return !marker.empty() && trim_leading_blanks(line).substr(0, marker.size()) == marker;
 }
 
 // A field's kind while scoring: numbers may use a decimal comma unless the
@@ -61,7 +55,7 @@ std::vector<char> candidate_delimiters(const std::vector<sample_line>& lines, st
   std::size_t examined = 0;
   for (const sample_line& l : lines) {
     if (examined >= 200) break;
-    if (trim(l.text).empty() || is_comment(l.text, comment_marker)) continue;
+    if (trim_leading_blanks(l.text).empty() || is_comment(l.text, comment_marker)) continue;
     ++examined;
     std::array<std::size_t, 128> counts{};
     for (const char c : l.text) {

@@ -1,18 +1,13 @@
 #include "import/type_detection.hpp"
 
-#include "zvcore/ustring.hpp"
-
 #include <algorithm>
 #include <array>
 
+#include "import/blanks.hpp"
+#include "zvcore/ustring.hpp"
+
 namespace textio::import {
 namespace {
-
-std::string_view trimmed(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-  return s;
-}
 
 bool is_usual_marker(std::string_view s) {
   static constexpr std::array<std::string_view, 6> markers = {"na", "n/a", "nan", "null", "-", "."};
@@ -88,7 +83,7 @@ std::vector<detected_type> detect_types(const std::vector<std::vector<std::strin
     values.clear();
     for (const auto& row : rows) {
       if (i >= row.size()) continue;
-      const std::string_view v = trimmed(row[i]);
+      const std::string_view v = trim_blanks(row[i]);
       if (v.empty()) continue;
       if (std::find(settings.placeholders.begin(), settings.placeholders.end(), v) != settings.placeholders.end())
         continue;
