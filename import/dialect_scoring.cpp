@@ -90,6 +90,7 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, const dialect
   std::size_t cells = 0;
   std::size_t typed = 0;
   std::size_t unparsed_quotes = 0;  // fields enclosed in a quote character this dialect leaves as text
+  std::vector<cell_type> kinds;     // of the kept fields of the rows, in order
   for (const sample_record& r : table.records) {
     if (r.blank || r.comment) continue;
     ++rows;
@@ -97,7 +98,8 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, const dialect
     for (std::size_t j = 0; j < r.fields.size(); ++j) {
       const std::string& f = r.fields[j];
       ++cells;
-      typed += is_typed(kind_for_scoring(f, d));
+      kinds.push_back(kind_for_scoring(f, d));
+      typed += is_typed(kinds.back());
       unparsed_quotes +=
           !r.quoted[j] && f.size() >= 2 && f.front() == f.back() && (f.front() == '"' || f.front() == '\'');
     }
@@ -119,11 +121,14 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, const dialect
   // Kinds down the columns of the rows with the dominant count.
   const std::size_t k = std::min(s.dominant_fields, max_kept_fields);
   std::vector<std::array<std::size_t, 5>> column_kinds(k);
+  std::size_t first_kind = 0;  // of the row in `kinds`
   for (const sample_record& r : table.records) {
-    if (r.blank || r.comment || r.field_count != s.dominant_fields) continue;
-    for (std::size_t j = 0; j < k && j < r.fields.size(); ++j) {
-      ++column_kinds[j][static_cast<std::size_t>(kind_for_scoring(r.fields[j], d))];
-    }
+    if (r.blank || r.comment) continue;
+    const cell_type* row_kinds = kinds.data() + first_kind;
+    first_kind += r.fields.size();
+    if (r.field_count != s.dominant_fields) continue;
+    for (std::size_t j = 0; j < k && j < r.fields.size(); ++j)
+      ++column_kinds[j][static_cast<std::size_t>(row_kinds[j])];
   }
   double uniformity = 0;
   for (const auto& kinds : column_kinds) {
