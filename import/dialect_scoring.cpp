@@ -164,6 +164,7 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
                                          const std::vector<escape_style>& escapes) {
   std::vector<dialect> candidates;
   std::vector<dialect> bases;
+  std::vector<dialect_score> scored_bases;  // candidates scored while choosing the bases
   for (const char c : delimiters) bases.push_back({c, false, quotes.front(), escapes.front()});
   if (with_blanks) bases.push_back({' ', true, quotes.front(), escapes.front()});
   // Delimiters first, with the first quote and escape; the quotes and
@@ -171,8 +172,10 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
   constexpr std::size_t kept_delimiters = 3;
   if (bases.size() > kept_delimiters && (quotes.size() > 1 || escapes.size() > 1)) {
     std::vector<std::pair<double, std::size_t>> first;
-    for (std::size_t i = 0; i < bases.size(); ++i)
-      first.emplace_back(score_dialect(lines, bases[i], comment_marker).score, i);
+    for (std::size_t i = 0; i < bases.size(); ++i) {
+      scored_bases.push_back(score_dialect(lines, bases[i], comment_marker));
+      first.emplace_back(scored_bases.back().score, i);
+    }
     std::stable_sort(first.begin(), first.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<dialect> best;
     for (std::size_t i = 0; i < kept_delimiters; ++i) best.push_back(bases[first[i].second]);
@@ -196,7 +199,10 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
   }
   std::vector<dialect_score> scored;
   scored.reserve(candidates.size());
-  for (const dialect& d : candidates) scored.push_back(score_dialect(lines, d, comment_marker));
+  for (const dialect& d : candidates) {
+    const auto known = std::ranges::find(scored_bases, d, &dialect_score::d);
+    scored.push_back(known != scored_bases.end() ? *known : score_dialect(lines, d, comment_marker));
+  }
   std::stable_sort(scored.begin(), scored.end(), [](const dialect_score& a, const dialect_score& b) {
     // Within half a percent, the more usual dialect wins.
     const double tolerance = 0.005 * std::max(a.score, b.score);
