@@ -4,6 +4,8 @@
 #include <cctype>
 #include <string>
 
+#include "import/blanks.hpp"
+
 namespace textio::import {
 namespace {
 
@@ -40,7 +42,7 @@ bool is_missing_marker(std::string_view s) {
 
 // A number: sign, digits with optional grouping, fraction, exponent, an
 // optional trailing percent sign; also inf and nan spellings.
-bool is_number(std::string_view s, const number_format& f) {
+bool is_number(std::string_view s, const number_separators& f) {
   std::size_t i = 0;
   const std::size_t n = s.size();
   if (i < n && (s[i] == '+' || s[i] == '-')) ++i;
@@ -143,9 +145,8 @@ bool is_datetime(std::string_view s) {
 
 }  // namespace
 
-cell_type classify(std::string_view field, const number_format& format) {
-  while (!field.empty() && (field.front() == ' ' || field.front() == '\t')) field.remove_prefix(1);
-  while (!field.empty() && (field.back() == ' ' || field.back() == '\t')) field.remove_suffix(1);
+cell_type classify(std::string_view field, const number_separators& format) {
+  field = trim_blanks(field);
   if (field.empty()) return cell_type::empty;
   // Numbers, dates and markers are short; a long field is text.
   if (field.size() > 64) return cell_type::text;

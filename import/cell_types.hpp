@@ -15,13 +15,15 @@ enum class cell_type : std::uint8_t {
   text,
 };
 
-struct number_format {
+// The separators the detector guesses for a sample's numbers; the reader's
+// full number format is number_conversion.hpp's number_format.
+struct number_separators {
   char decimal = '.';
   char thousands = '\0';  // '\0': none
 };
 
 // The kind of `field` (already unquoted) under `format`.
-cell_type classify(std::string_view field, const number_format& format);
+cell_type classify(std::string_view field, const number_separators& format);
 
 // Whether a field is a known kind (anything but text).
 inline bool is_typed(cell_type t) { return t != cell_type::text; }

@@ -1,28 +1,15 @@
 #include "import/column_table.hpp"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <filesystem>
 
+#include "import/number_text.hpp"
 #include "import/text_reader.hpp"
 #include "import/utf8_input.hpp"
 #include "zvcore/ustring.hpp"
 
 namespace textio::import {
 namespace {
-
-void append_number_text(std::string& out, double value) {
-  if (std::isnan(value)) {
-    out += "NaN";
-  } else if (std::isinf(value)) {
-    out += value > 0 ? "Inf" : "-Inf";
-  } else {
-    std::array<char, 32> digits{};
-    out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
-  }
-}
 
 // Text values in their units; datetime and duration texts are ASCII bytes.
 void append_text(std::string& out, const output_value& v) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "import/blanks.hpp"
 #include "import/cell_types.hpp"
 #include "import/dialect_scoring.hpp"
 #include "import/encoding.hpp"
@@ -10,7 +11,6 @@
 #include "import/sample_table.hpp"
 #include "import/sample_types.hpp"
 #include "import/table_layout.hpp"
-#include "import/utf8_text.hpp"
 #include "errors/msg_id_exception.hpp"
 #include "zvcore/ustring.hpp"
 
@@ -22,13 +22,6 @@ using textio::enums::ParserType;
 // Lines and records the layout looks at: a bound on the work for any sample.
 constexpr std::size_t max_lines = 1000;
 constexpr std::size_t max_records = 600;
-
-ustring to_ustring(std::string_view utf8) {
-  ustring out;
-  const utf8_check c = check_utf8(utf8);
-  append_utf16(out, utf8.substr(0, c.valid));
-  return out;
-}
 
 std::string printable(char c) {
   if (c == '\t') return "tab";
@@ -45,8 +38,7 @@ std::string find_comment_marker(const std::vector<sample_line>& lines) {
   std::string marker;
   std::size_t counts[3] = {};
   for (const sample_line& l : lines) {
-    std::string_view t = l.text;
-    while (!t.empty() && (t.front() == ' ' || t.front() == '\t')) t.remove_prefix(1);
+    const std::string_view t = trim_leading_blanks(l.text);
     if (t.empty()) continue;
     ++non_blank;
     for (std::size_t m = 0; m < 3; ++m) counts[m] += t.substr(0, markers[m].size()) == markers[m];
@@ -73,7 +65,7 @@ double control_share(std::string_view text) {
 }
 
 // The number format of the fields below the first row.
-number_format guess_number_format(const sample_table& table, char delimiter, bool blanks) {
+number_separators guess_number_format(const sample_table& table, char delimiter, bool blanks) {
   number_votes v;
   std::size_t seen = 0;
   for (std::size_t r = 1; r < table.records.size() && seen < 20000; ++r) {
@@ -81,8 +73,7 @@ number_format guess_number_format(const sample_table& table, char delimiter, boo
     if (rec.blank || rec.comment) continue;
     for (std::size_t j = 0; j < rec.fields.size(); ++j, ++seen) vote_number_format(rec.fields[j], v);
   }
-  (void)blanks;
-  number_format f;
+  number_separators f;
   const bool comma_free = delimiter != ',' || blanks;
   if (comma_free && v.decimal_comma >= 1 && v.decimal_comma > v.decimal_point) f.decimal = ',';
   if (f.decimal == ',' && v.thousands_dot >= 1 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';
@@ -160,7 +151,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   } else if (open("CommentStyle")) {
     marker = find_comment_marker(lines);
     if (!marker.empty()) {
-      opts.comment_style(std::vector<ustring>{to_ustring(marker)});
+      opts.comment_style(std::vector<ustring>{foundation::core::unicode::to_utf16(marker)});
       rep.filled.push_back({"CommentStyle", "lines starting with " + marker + " are not like the table"});
     }
   }
@@ -196,13 +187,13 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     }
   }
   const dialect_score best = ranked.empty() ? dialect_score{} : ranked.front();
-  chosen.table = split_records(lines, text, chosen.d, marker, max_records);
+  chosen.table = split_records(lines, chosen.d, marker, max_records);
   if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8)) {
     // Blank-aligned columns: separate by runs of blanks when every row then
     // has the same number of fields, else cut at fixed positions.
     const dialect blanks{' ', true, '"', escape_style::doubled};
-    const dialect_score by_blanks = score_dialect(lines, text, blanks, marker);
-    const sample_table blank_table = split_records(lines, text, blanks, marker, max_records);
+    const dialect_score by_blanks = score_dialect(lines, blanks, marker);
+    const sample_table blank_table = split_records(lines, blanks, marker, max_records);
     const table_layout blank_layout = analyse_layout(blank_table, {});
     // Columns shared by the body as runs of blanks see it, else by all lines
     // (runs of blanks may have found no body), else past a preamble.
@@ -259,7 +250,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
 
   // Numbers, then the layout read with them.
-  number_format numbers;
+  number_separators numbers;
   if (!chosen.fixed_width) numbers = guess_number_format(chosen.table, chosen.d.delimiter, chosen.d.blanks);
   if (!open("DecimalSeparator")) numbers.decimal = static_cast<char>(opts.decimal_separator());
   if (!open("ThousandsSeparator")) {

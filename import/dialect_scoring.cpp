@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 
+#include "import/blanks.hpp"
 #include "import/cell_types.hpp"
 
 namespace textio::import {
@@ -16,15 +17,8 @@ namespace {
 // few enough that trying every candidate stays cheap.
 constexpr std::size_t scored_records = 200;
 
-bool is_blank(char c) { return c == ' ' || c == '\t'; }
-
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
-  return s;
-}
-
 bool is_comment(std::string_view line, std::string_view marker) {
-  return !marker.empty() && trim(line).substr(0, marker.size()) == marker;
+  return !marker.empty() && trim_leading_blanks(line).substr(0, marker.size()) == marker;
 }
 
 // A field's kind while scoring: numbers may use a decimal comma unless the
@@ -61,7 +55,7 @@ std::vector<char> candidate_delimiters(const std::vector<sample_line>& lines, st
   std::size_t examined = 0;
   for (const sample_line& l : lines) {
     if (examined >= 200) break;
-    if (trim(l.text).empty() || is_comment(l.text, comment_marker)) continue;
+    if (trim_leading_blanks(l.text).empty() || is_comment(l.text, comment_marker)) continue;
     ++examined;
     std::array<std::size_t, 128> counts{};
     for (const char c : l.text) {
@@ -86,17 +80,17 @@ std::vector<char> candidate_delimiters(const std::vector<sample_line>& lines, st
   return out;
 }
 
-dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_view text, const dialect& d,
-                            std::string_view comment_marker) {
+dialect_score score_dialect(const std::vector<sample_line>& lines, const dialect& d, std::string_view comment_marker) {
   dialect_score s;
   s.d = d;
-  const sample_table table = split_records(lines, text, d, comment_marker, scored_records);
+  const sample_table table = split_records(lines, d, comment_marker, scored_records);
   s.unclosed_quote = table.unclosed_quote;
   std::map<std::size_t, std::size_t> rows_by_count;
   std::size_t rows = 0;
   std::size_t cells = 0;
   std::size_t typed = 0;
   std::size_t unparsed_quotes = 0;  // fields enclosed in a quote character this dialect leaves as text
+  std::vector<cell_type> kinds;     // of the kept fields of the rows, in order
   for (const sample_record& r : table.records) {
     if (r.blank || r.comment) continue;
     ++rows;
@@ -104,7 +98,8 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_v
     for (std::size_t j = 0; j < r.fields.size(); ++j) {
       const std::string& f = r.fields[j];
       ++cells;
-      typed += is_typed(kind_for_scoring(f, d));
+      kinds.push_back(kind_for_scoring(f, d));
+      typed += is_typed(kinds.back());
       unparsed_quotes +=
           !r.quoted[j] && f.size() >= 2 && f.front() == f.back() && (f.front() == '"' || f.front() == '\'');
     }
@@ -126,11 +121,14 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_v
   // Kinds down the columns of the rows with the dominant count.
   const std::size_t k = std::min(s.dominant_fields, max_kept_fields);
   std::vector<std::array<std::size_t, 5>> column_kinds(k);
+  std::size_t first_kind = 0;  // of the row in `kinds`
   for (const sample_record& r : table.records) {
-    if (r.blank || r.comment || r.field_count != s.dominant_fields) continue;
-    for (std::size_t j = 0; j < k && j < r.fields.size(); ++j) {
-      ++column_kinds[j][static_cast<std::size_t>(kind_for_scoring(r.fields[j], d))];
-    }
+    if (r.blank || r.comment) continue;
+    const cell_type* row_kinds = kinds.data() + first_kind;
+    first_kind += r.fields.size();
+    if (r.field_count != s.dominant_fields) continue;
+    for (std::size_t j = 0; j < k && j < r.fields.size(); ++j)
+      ++column_kinds[j][static_cast<std::size_t>(row_kinds[j])];
   }
   double uniformity = 0;
   for (const auto& kinds : column_kinds) {
@@ -166,6 +164,7 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
                                          const std::vector<escape_style>& escapes) {
   std::vector<dialect> candidates;
   std::vector<dialect> bases;
+  std::vector<dialect_score> scored_bases;  // candidates scored while choosing the bases
   for (const char c : delimiters) bases.push_back({c, false, quotes.front(), escapes.front()});
   if (with_blanks) bases.push_back({' ', true, quotes.front(), escapes.front()});
   // Delimiters first, with the first quote and escape; the quotes and
@@ -173,8 +172,10 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
   constexpr std::size_t kept_delimiters = 3;
   if (bases.size() > kept_delimiters && (quotes.size() > 1 || escapes.size() > 1)) {
     std::vector<std::pair<double, std::size_t>> first;
-    for (std::size_t i = 0; i < bases.size(); ++i)
-      first.emplace_back(score_dialect(lines, text, bases[i], comment_marker).score, i);
+    for (std::size_t i = 0; i < bases.size(); ++i) {
+      scored_bases.push_back(score_dialect(lines, bases[i], comment_marker));
+      first.emplace_back(scored_bases.back().score, i);
+    }
     std::stable_sort(first.begin(), first.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<dialect> best;
     for (std::size_t i = 0; i < kept_delimiters; ++i) best.push_back(bases[first[i].second]);
@@ -198,7 +199,10 @@ std::vector<dialect_score> rank_dialects(const std::vector<sample_line>& lines, 
   }
   std::vector<dialect_score> scored;
   scored.reserve(candidates.size());
-  for (const dialect& d : candidates) scored.push_back(score_dialect(lines, text, d, comment_marker));
+  for (const dialect& d : candidates) {
+    const auto known = std::ranges::find(scored_bases, d, &dialect_score::d);
+    scored.push_back(known != scored_bases.end() ? *known : score_dialect(lines, d, comment_marker));
+  }
   std::stable_sort(scored.begin(), scored.end(), [](const dialect_score& a, const dialect_score& b) {
     // Within half a percent, the more usual dialect wins.
     const double tolerance = 0.005 * std::max(a.score, b.score);

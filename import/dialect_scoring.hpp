@@ -25,8 +25,7 @@ struct dialect_score {
 // sample's lines hold the same number of times.
 std::vector<char> candidate_delimiters(const std::vector<sample_line>& lines, std::string_view comment_marker);
 
-dialect_score score_dialect(const std::vector<sample_line>& lines, std::string_view text, const dialect& d,
-                            std::string_view comment_marker);
+dialect_score score_dialect(const std::vector<sample_line>& lines, const dialect& d, std::string_view comment_marker);
 
 // All candidates scored, the best first. `delimiters` empty: the candidate
 // delimiters; otherwise only these (the user's). `quotes` likewise.

@@ -1,14 +1,12 @@
 #include "import/encoding.hpp"
 
-#include <iconv.h>
 #include <uchardet.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdint>
 #include <memory>
 
 #include "import/reader_errors.hpp"
+#include "import/transcoder.hpp"
 #include "import/utf8_text.hpp"
 
 namespace textio::import {
@@ -66,32 +64,29 @@ bool looks_western(std::string_view s) {
   return any;
 }
 
-struct iconv_closer {
-  void operator()(void* cd) const { iconv_close(static_cast<iconv_t>(cd)); }
+struct byte_order_mark {
+  std::string_view bytes;
+  const char* name;
 };
 
-bool is_utf8_name(const std::string& name) {
-  std::string upper;
-  for (const char c : name) upper += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
-  return upper == "UTF-8" || upper == "UTF8";
+// The byte-order mark at the start of `raw`, or null.
+const byte_order_mark* mark_at(std::string_view raw) {
+  // UTF-32LE before UTF-16LE: its mark begins with UTF-16LE's.
+  static constexpr byte_order_mark marks[] = {
+      {std::string_view("\xEF\xBB\xBF", 3), "UTF-8"},    {std::string_view("\xFF\xFE\0\0", 4), "UTF-32LE"},
+      {std::string_view("\0\0\xFE\xFF", 4), "UTF-32BE"}, {std::string_view("\xFF\xFE", 2), "UTF-16LE"},
+      {std::string_view("\xFE\xFF", 2), "UTF-16BE"},
+  };
+  for (const byte_order_mark& mark : marks) {
+    if (starts_with(raw, mark.bytes)) return &mark;
+  }
+  return nullptr;
 }
 
 }  // namespace
 
 encoding_guess detect_encoding(std::string_view raw) {
-  struct bom {
-    std::string_view bytes;
-    const char* name;
-  };
-  // UTF-32LE before UTF-16LE: its mark begins with UTF-16LE's.
-  static constexpr bom boms[] = {
-      {std::string_view("\xEF\xBB\xBF", 3), "UTF-8"},    {std::string_view("\xFF\xFE\0\0", 4), "UTF-32LE"},
-      {std::string_view("\0\0\xFE\xFF", 4), "UTF-32BE"}, {std::string_view("\xFF\xFE", 2), "UTF-16LE"},
-      {std::string_view("\xFE\xFF", 2), "UTF-16BE"},
-  };
-  for (const bom& b : boms) {
-    if (starts_with(raw, b.bytes)) return {b.name, b.bytes.size(), 1.0, "byte-order mark"};
-  }
+  if (const byte_order_mark* mark = mark_at(raw)) return {mark->name, mark->bytes.size(), 1.0, "byte-order mark"};
   if (std::string name = utf16_without_bom(raw); !name.empty()) {
     return {name, 0, 0.8, "every other byte is zero"};
   }
@@ -117,41 +112,25 @@ encoding_guess detect_encoding(std::string_view raw) {
 }
 
 std::string decode_sample(std::string_view raw, const std::string& encoding, bool whole_file) {
-  const encoding_guess marks = detect_encoding(raw.substr(0, 4));
-  std::size_t bom = 0;
-  if (marks.bom_bytes > 0 && marks.name == encoding) bom = marks.bom_bytes;
+  // Only the mark of the encoding read with is skipped.
+  const byte_order_mark* mark = mark_at(raw);
+  const std::size_t bom = mark != nullptr && encoding == mark->name ? mark->bytes.size() : 0;
+  const std::string_view body = raw.substr(bom);
   if (is_utf8_name(encoding)) {
-    const std::string_view body = raw.substr(bom);
     const std::size_t strict = valid_utf8_prefix(body, false);
     if (strict == body.size()) return std::string(body);
     // A character cut off at the end of the sample is dropped.
     if (!whole_file && valid_utf8_prefix(body, true) == body.size()) return std::string(body.substr(0, strict));
     textio::throw_msg_id_exception(msg::InvalidUtf8(bom + strict));
   }
-  const iconv_t raw_cd = iconv_open("UTF-8", encoding.c_str());
-  if (raw_cd == reinterpret_cast<iconv_t>(-1)) textio::throw_msg_id_exception(msg::UnknownEncoding(encoding));
-  const std::unique_ptr<void, iconv_closer> cd(raw_cd);
+  transcoder decoder(encoding);
   std::string out;
-  out.resize(raw.size() * 2 + 16);
-  char* in_ptr = const_cast<char*>(raw.data()) + bom;
-  std::size_t in_left = raw.size() - bom;
-  char* out_ptr = out.data();
-  std::size_t out_left = out.size();
-  while (in_left > 0) {
-    const std::size_t r = iconv(raw_cd, &in_ptr, &in_left, &out_ptr, &out_left);
-    if (r != static_cast<std::size_t>(-1)) break;
-    const auto offset = static_cast<std::uint64_t>(in_ptr - raw.data());
-    if (errno == E2BIG) {
-      const std::size_t used = static_cast<std::size_t>(out_ptr - out.data());
-      out.resize(out.size() * 2);
-      out_ptr = out.data() + used;
-      out_left = out.size() - used;
-      continue;
-    }
-    if (errno == EINVAL && !whole_file) break;  // a character cut off by the sample's end
-    textio::throw_msg_id_exception(msg::InvalidEncoding(encoding, offset));
+  const transcoder::result r = decoder.convert(body, out);
+  // What is left unconverted without an invalid sequence is a character cut
+  // off by the sample's end.
+  if (r.consumed < body.size() && (r.invalid || whole_file)) {
+    textio::throw_msg_id_exception(msg::InvalidEncoding(encoding, bom + r.consumed));
   }
-  out.resize(static_cast<std::size_t>(out_ptr - out.data()));
   // A byte-order mark the caller did not see (a forced encoding of the same
   // family) is not text.
   if (starts_with(out, "\xEF\xBB\xBF")) out.erase(0, 3);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "import/blanks.hpp"
 #include "zvcore/utf8.hpp"
 
 namespace textio::import {
@@ -10,33 +11,32 @@ namespace {
 
 constexpr std::size_t max_width = 4096;
 
-bool is_blank(char32_t c) { return c == U' ' || c == U'\t'; }
+bool is_blank_code_point(char32_t c) { return c == U' ' || c == U'\t'; }
 
-// Code points of a UTF-8 line, at most max_width.
+// Code points of a UTF-8 line, at most max_width (a byte that starts no
+// sequence stands for itself).
 std::u32string code_points(std::string_view s) {
+  namespace unicode = foundation::core::unicode;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(s.data());
   std::u32string out;
   for (std::size_t i = 0; i < s.size() && out.size() < max_width;) {
-    const auto b = static_cast<unsigned char>(s[i]);
-    const std::size_t len = b < 0x80 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
-    char32_t cp = len == 1 ? b : b & (0x7F >> len);
-    for (std::size_t k = 1; k < len && i + k < s.size(); ++k) cp = (cp << 6) | (s[i + k] & 0x3F);
-    out.push_back(cp);
-    i += len;
+    const std::size_t length = std::max<std::size_t>(1, unicode::utf8_sequence_at(s.substr(i)).length);
+    out.push_back(unicode::decode_utf8(bytes + i, length));
+    i += length;
   }
   return out;
 }
 
+// Blank lines and comment lines.
 bool skipped(std::string_view line, std::string_view marker) {
-  std::size_t i = 0;
-  while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) ++i;
-  if (i == line.size()) return true;
-  return !marker.empty() && line.substr(i, marker.size()) == marker;
+  const std::string_view text = trim_leading_blanks(line);
+  return text.empty() || (!marker.empty() && text.substr(0, marker.size()) == marker);
 }
 
 std::string trimmed_utf8(const std::u32string& s, std::size_t from, std::size_t to) {
   to = std::min(to, s.size());
-  while (from < to && is_blank(s[from])) ++from;
-  while (to > from && is_blank(s[to - 1])) --to;
+  while (from < to && is_blank_code_point(s[from])) ++from;
+  while (to > from && is_blank_code_point(s[to - 1])) --to;
   std::string out;
   for (std::size_t i = from; i < to; ++i) foundation::core::unicode::append_utf8(out, s[i]);
   return out;
@@ -55,7 +55,7 @@ fixed_columns fixed_width_starts(const std::vector<sample_line>& lines, std::siz
     if (cps.find(U'\t') != std::u32string::npos) return {};  // tabs do not align by position
     ++n;
     longest = std::max(longest, cps.size());
-    for (std::size_t p = 0; p < cps.size(); ++p) filled[p] += !is_blank(cps[p]);
+    for (std::size_t p = 0; p < cps.size(); ++p) filled[p] += !is_blank_code_point(cps[p]);
   }
   if (n < 2) return {};
   // A gap: a position blank on every line (one line in fifty may disagree).
@@ -100,9 +100,7 @@ sample_table cut_fixed_width(const std::vector<sample_line>& lines, const std::v
     r.first_line = r.last_line = i + 1;
     const std::string_view line = lines[i].text;
     if (skipped(line, comment_marker)) {
-      std::size_t k = 0;
-      while (k < line.size() && (line[k] == ' ' || line[k] == '\t')) ++k;
-      r.blank = k == line.size();
+      r.blank = trim_leading_blanks(line).empty();
       r.comment = !r.blank;
       table.records.push_back(std::move(r));
       continue;

@@ -27,6 +27,15 @@ std::optional<double> special_value(std::string_view ascii) {
 
 }  // namespace
 
+number_format number_format_of(const textio::parser::options& record) {
+  number_format format;
+  format.decimal_separator = record.decimal_separator();
+  format.thousands_separator = record.thousands_separator();
+  format.exp_chars = record.exp_chars();
+  format.trim_non_numeric = record.trim_non_numeric();
+  return format;
+}
+
 template <class CharT>
 std::optional<double> to_number(std::basic_string_view<CharT> text, const number_format& format) {
   if constexpr (sizeof(CharT) == 1) {

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "parser/options.hpp"
+
 namespace textio::import {
 
 struct number_format {
@@ -16,6 +18,9 @@ struct number_format {
   std::u16string exp_chars = u"eEdD";
   bool trim_non_numeric = false;
 };
+
+// The number format an options record describes.
+number_format number_format_of(const textio::parser::options& record);
 
 // The number, or nothing when the text is no number. "NaN" and "Inf" with an
 // optional sign are numbers, in any case.

@@ -1,22 +1,9 @@
 #include "import/sample_table.hpp"
 
+#include "import/blanks.hpp"
+
 namespace textio::import {
 namespace {
-
-bool is_blank(char c) { return c == ' ' || c == '\t'; }
-
-bool all_blank(std::string_view s) {
-  for (const char c : s) {
-    if (!is_blank(c)) return false;
-  }
-  return true;
-}
-
-std::string_view trim_blanks(std::string_view s) {
-  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
-  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
-  return s;
-}
 
 // Builds one record field by field.
 class record_builder {
@@ -51,9 +38,8 @@ std::vector<sample_line> split_lines(std::string_view text, std::size_t max_line
   return lines;
 }
 
-sample_table split_records(const std::vector<sample_line>& lines, std::string_view text, const dialect& d,
-                           std::string_view comment_marker, std::size_t max_records) {
-  (void)text;
+sample_table split_records(const std::vector<sample_line>& lines, const dialect& d, std::string_view comment_marker,
+                           std::size_t max_records) {
   sample_table table;
   std::size_t li = 0;
   const char q = d.quote;
@@ -62,8 +48,8 @@ sample_table split_records(const std::vector<sample_line>& lines, std::string_vi
     rec.first_line = li + 1;
     const std::string_view first = lines[li].text;
     const std::string_view trimmed = trim_blanks(first);
-    if (all_blank(first) || (!comment_marker.empty() && trimmed.substr(0, comment_marker.size()) == comment_marker)) {
-      rec.blank = all_blank(first);
+    if (trimmed.empty() || (!comment_marker.empty() && trimmed.substr(0, comment_marker.size()) == comment_marker)) {
+      rec.blank = trimmed.empty();
       rec.comment = !rec.blank;
       rec.last_line = li + 1;
       if (rec.comment) {

@@ -52,9 +52,9 @@ struct sample_table {
 inline constexpr std::size_t max_kept_fields = 512;
 inline constexpr std::size_t max_kept_bytes = 1024;
 
-// Cuts the lines from `first` on into records under `d`. Lines whose first
+// Cuts the lines into records under `d`. Lines whose first
 // non-blank text is `comment_marker` (when not empty) are comment records.
-sample_table split_records(const std::vector<sample_line>& lines, std::string_view text, const dialect& d,
-                           std::string_view comment_marker, std::size_t max_records);
+sample_table split_records(const std::vector<sample_line>& lines, const dialect& d, std::string_view comment_marker,
+                           std::size_t max_records);
 
 }  // namespace textio::import

@@ -6,11 +6,9 @@
 #include <vector>
 
 #include "import/detection.hpp"
+#include "import/value_conversion.hpp"
 
 namespace textio::import {
-
-// In value_conversion.hpp, which detection's own headers cannot include.
-struct variable_typing;
 
 // Fills the report's variable types, markers and date orders from `rows`
 // (the sample's data records as UTF-8 fields) under the detected `opts`.

@@ -101,13 +101,7 @@ struct names_votes {
 
 }  // namespace
 
-std::size_t first_table_record(const sample_table& table, std::size_t fields) {
-  const std::vector<std::size_t> rows = row_indices(table);
-  if (rows.empty()) return 0;
-  return rows[first_row(table, rows, fields)];
-}
-
-table_layout analyse_layout(const sample_table& table, const number_format& format) {
+table_layout analyse_layout(const sample_table& table, const number_separators& format) {
   table_layout out;
   const std::vector<std::size_t> rows = row_indices(table);
   if (rows.empty()) return out;

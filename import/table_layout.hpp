@@ -28,10 +28,6 @@ struct table_layout {
 };
 
 // `table` as cut by the chosen dialect; `format` the numbers' format.
-table_layout analyse_layout(const sample_table& table, const number_format& format);
-
-// Where the table starts when its field count is `fields`; used to find the
-// body of a blank-aligned table before looking for fixed columns.
-std::size_t first_table_record(const sample_table& table, std::size_t fields);
+table_layout analyse_layout(const sample_table& table, const number_separators& format);
 
 }  // namespace textio::import

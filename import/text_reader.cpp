@@ -48,6 +48,16 @@ std::basic_string<CharT> encode(const ustring& text) {
   }
 }
 
+// A UTF-8 text in the reader's units.
+template <class CharT>
+std::basic_string<CharT> from_utf8(const std::string& text) {
+  if constexpr (sizeof(CharT) == 1) {
+    return text;
+  } else {
+    return foundation::core::unicode::to_utf16(text);
+  }
+}
+
 // Whether a text has a UTF-8 form (no lone surrogate).
 bool has_utf8_form(const ustring& text) {
   return foundation::core::unicode::to_utf16(foundation::core::unicode::to_utf8(text)) == text;
@@ -176,18 +186,9 @@ class table_reader {
   void set_up() {
     header_lines_ = opts_.num_header_lines();
     if (!opts_.detecting_num_variables()) variables_ = opts_.num_variables();
-    for (const std::string& name : text_.variable_names) {
-      if constexpr (sizeof(CharT) == 1) {
-        names_.push_back(name);
-      } else {
-        names_.push_back(foundation::core::unicode::to_utf16(name));
-      }
-    }
+    for (const std::string& name : text_.variable_names) names_.push_back(from_utf8<CharT>(name));
     if (!variables_ && !names_.empty()) variables_ = names_.size();
-    format_.decimal_separator = opts_.decimal_separator();
-    format_.thousands_separator = opts_.thousands_separator();
-    format_.exp_chars = opts_.exp_chars();
-    format_.trim_non_numeric = opts_.trim_non_numeric();
+    format_ = number_format_of(opts_);
     for (const auto& p : opts_.missing_placeholders()) {
       if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
     }
@@ -197,13 +198,7 @@ class table_reader {
     for (std::size_t i = 0; i < typing_.size(); ++i) {
       conversions_[i].numbers = format_;
       conversions_[i].dates = typing_[i].dates;
-      for (const std::string& m : typing_[i].missing_markers) {
-        if constexpr (sizeof(CharT) == 1) {
-          typed_markers_.push_back({i, m});
-        } else {
-          typed_markers_.push_back({i, foundation::core::unicode::to_utf16(m)});
-        }
-      }
+      for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
     }
     buffering_ =
         opts_.missing_rule() == BadDataRule::OmitVar ||

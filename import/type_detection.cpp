@@ -1,18 +1,13 @@
 #include "import/type_detection.hpp"
 
-#include "zvcore/ustring.hpp"
-
 #include <algorithm>
 #include <array>
 
+#include "import/blanks.hpp"
+#include "zvcore/ustring.hpp"
+
 namespace textio::import {
 namespace {
-
-std::string_view trimmed(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-  return s;
-}
 
 bool is_usual_marker(std::string_view s) {
   static constexpr std::array<std::string_view, 6> markers = {"na", "n/a", "nan", "null", "-", "."};
@@ -88,7 +83,7 @@ std::vector<detected_type> detect_types(const std::vector<std::vector<std::strin
     values.clear();
     for (const auto& row : rows) {
       if (i >= row.size()) continue;
-      const std::string_view v = trimmed(row[i]);
+      const std::string_view v = trim_blanks(row[i]);
       if (v.empty()) continue;
       if (std::find(settings.placeholders.begin(), settings.placeholders.end(), v) != settings.placeholders.end())
         continue;
@@ -101,10 +96,7 @@ std::vector<detected_type> detect_types(const std::vector<std::vector<std::strin
 
 type_detection_settings type_detection_settings_of(const textio::parser::options& record) {
   type_detection_settings settings;
-  settings.numbers.decimal_separator = record.decimal_separator();
-  settings.numbers.thousands_separator = record.thousands_separator();
-  settings.numbers.exp_chars = record.exp_chars();
-  settings.numbers.trim_non_numeric = record.trim_non_numeric();
+  settings.numbers = number_format_of(record);
   for (const auto& p : record.missing_placeholders()) {
     settings.placeholders.push_back(foundation::core::unicode::to_utf8(p));
   }

@@ -28,6 +28,28 @@ bool in_range(std::int64_t v) {
   return v >= std::numeric_limits<T>::min() && v <= std::numeric_limits<T>::max();
 }
 
+// Whether `type`, an integer type read as int64 (any but uint64), holds `v`.
+bool fits_type(value_type type, std::int64_t v) {
+  switch (type) {
+    case value_type::int8:
+      return in_range<std::int8_t>(v);
+    case value_type::int16:
+      return in_range<std::int16_t>(v);
+    case value_type::int32:
+      return in_range<std::int32_t>(v);
+    case value_type::uint8:
+      return in_range<std::uint8_t>(v);
+    case value_type::uint16:
+      return in_range<std::uint16_t>(v);
+    case value_type::uint32:
+      return in_range<std::uint32_t>(v);
+    case value_type::int64:
+      return true;
+    default:
+      return false;
+  }
+}
+
 // An exact integer: optional sign, digits, thousands separators dropped.
 bool integer_value(std::string_view s, value_type type, const number_format& format, output_value& out) {
   char digits[64];
@@ -52,33 +74,7 @@ bool integer_value(std::string_view s, value_type type, const number_format& for
   std::int64_t v = 0;
   const auto r = std::from_chars(d.data(), end, v);
   if (r.ec != std::errc() || r.ptr != end) return false;
-  bool ok = false;
-  switch (type) {
-    case value_type::int8:
-      ok = in_range<std::int8_t>(v);
-      break;
-    case value_type::int16:
-      ok = in_range<std::int16_t>(v);
-      break;
-    case value_type::int32:
-      ok = in_range<std::int32_t>(v);
-      break;
-    case value_type::uint8:
-      ok = in_range<std::uint8_t>(v);
-      break;
-    case value_type::uint16:
-      ok = in_range<std::uint16_t>(v);
-      break;
-    case value_type::uint32:
-      ok = in_range<std::uint32_t>(v);
-      break;
-    case value_type::int64:
-      ok = true;
-      break;
-    default:
-      break;
-  }
-  if (!ok) return false;
+  if (!fits_type(type, v)) return false;
   out.kind = value_kind::integer;
   out.integer = v;
   out.number = static_cast<double>(v);

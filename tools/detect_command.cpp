@@ -4,7 +4,6 @@
 
 #include "import/reader_errors.hpp"
 #include "tools/apply_options.hpp"
-#include "tools/exit_status.hpp"
 #include "tools/reading_choices.hpp"
 #include "tools/record_json.hpp"
 
@@ -97,9 +96,7 @@ tool_result run_detect_command(const parsed_arguments& args) {
     out.end_array();
   }
   tool_result result = finish_report(out, failure);
-  if (failure) {
-    result.status = failure->id.key == "CannotReadFile" ? exit_io_failure : exit_reading_error;
-  }
+  if (failure) result.status = reading_failure_status(*failure);
   return result;
 }
 

@@ -2,6 +2,8 @@
 
 #include <variant>
 
+#include "tools/exit_status.hpp"
+
 namespace zvtool {
 
 message_failure capture_message(const foundation::core::except::IMsgIDException& error) {
@@ -45,6 +47,10 @@ std::string message_line(const message_failure& failure) {
   if (!failure.option.empty()) text = failure.option + ": " + text;
   if (!failure.hint.empty()) text += " " + failure.hint;
   return "zvtextparser: " + failure.identifier + ": " + text + "\n";
+}
+
+int reading_failure_status(const message_failure& failure) {
+  return failure.id.key == "CannotReadFile" ? exit_io_failure : exit_reading_error;
 }
 
 }  // namespace zvtool

@@ -31,4 +31,8 @@ void write_message_failure(json_writer& out, const message_failure& failure);
 // line breaks turned into spaces and the whole trimmed; ends in a line break.
 std::string message_line(const message_failure& failure);
 
+// The exit status of a failure to read an input: it cannot be read, or its
+// data holds a reading error.
+int reading_failure_status(const message_failure& failure);
+
 }  // namespace zvtool

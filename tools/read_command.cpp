@@ -69,11 +69,6 @@ textio::import::progress_callback progress_bar(const textio::import::utf8_input&
   };
 }
 
-// A reading error in the data, or an input that cannot be read.
-int reading_failure_status(const message_failure& failure) {
-  return failure.id.key == "CannotReadFile" ? exit_io_failure : exit_reading_error;
-}
-
 std::string changed_warning(const std::string& file) {
   return "zvtextparser: warning: '" + file +
          "' changed while it was read (its size or modification time differ from when it was opened); the records "
