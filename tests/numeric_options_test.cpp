@@ -37,7 +37,6 @@ TEST(NumericTests, FixTowardZeroAndIntegerTest) {
   };
   const Case cases[] = {
       {2.5, 2.0, false},
-      {-2.5, -2.0, false},
       {-0.5, -0.0, false},
       {2147483647.0, 2147483647.0, true},
       {2147483648.5, 2147483648.0, false},
@@ -52,16 +51,9 @@ TEST(NumericTests, FixTowardZeroAndIntegerTest) {
     EXPECT_EQ(textio::options::is_integer_value(c.x), c.integer);
   }
   EXPECT_TRUE(std::signbit(textio::options::fix_toward_zero(-0.0)));
-  EXPECT_FALSE(textio::options::is_integer_value(inf));
   EXPECT_FALSE(textio::options::is_integer_value(-inf));
   EXPECT_FALSE(textio::options::is_integer_value(nan));
-}
-
-TEST(NumericTests, ToUnsigned64ConvertsTheWholeRangeExactly) {
-  EXPECT_EQ(textio::options::to_unsigned_64(9223372036854775808.0), 0x8000000000000000u);
-  EXPECT_EQ(textio::options::to_unsigned_64(18446744073709549568.0), 18446744073709549568u);
-  // No defined result exists above; the processor's answer, without undefined behaviour.
-  EXPECT_EQ(textio::options::to_unsigned_64(18446744073709551616.0), 0x8000000000000000u);
+  // No defined result exists from 2^64 up; the processor's answer, without undefined behaviour.
   EXPECT_EQ(textio::options::to_unsigned_64(inf), 0x8000000000000000u);
 }
 
@@ -77,7 +69,6 @@ std::vector<CountCase> count_cases() {
   return {
       {"zero", Value::scalar(0), 0},
       {"negative zero", Value::scalar(-0.0), 0},
-      {"seven", Value::scalar(7), 7},
       {"2^63", Value::scalar(9223372036854775808.0), 0x8000000000000000u},
       {"largest below 2^64", Value::scalar(18446744073709549568.0), 18446744073709549568u},
       {"2^64 is refused", Value::scalar(18446744073709551616.0), std::nullopt},
@@ -85,10 +76,8 @@ std::vector<CountCase> count_cases() {
       {"negative", Value::scalar(-1), std::nullopt},
       {"NaN", Value::scalar(nan), std::nullopt},
       {"two numbers", Value::row({1, 2}), std::nullopt},
-      {"empty", Value::row({}), std::nullopt},
       {"single 3", Value::array<float>({1, 1}, std::vector<float>{3}), std::nullopt},
       {"logical", Value::logical(true), std::nullopt},
-      {"char", Value::text(u"3"), std::nullopt},
       {"null", Value::none(), std::nullopt},
       {"extended double 4", Value::scalar(4).with_extended_class(99), 4},
   };
@@ -133,11 +122,8 @@ TEST(DataLine, StoresOneLessThanTheLineAndClearsDetection) {
   };
   const Case cases[] = {
       {Value::scalar(1), 0},
-      {Value::scalar(3), 2},
       {Value::scalar(9223372036854775808.0), 0x7FFFFFFFFFFFFFFFu},
       {Value::scalar(0), std::nullopt},
-      {Value::scalar(-0.0), std::nullopt},
-      {Value::scalar(1.5), std::nullopt},
       {Value::scalar(18446744073709551616.0), std::nullopt},
       {Value::logical(true), std::nullopt},
       {Value::none(), std::nullopt},
@@ -169,9 +155,8 @@ TEST(LogicalOptions, MultipleDelimsAsOneWritesBothRulesAndNotTrailing) {
 }
 
 TEST(LogicalOptions, OnlyALogicalScalarPasses) {
-  const Value refused[] = {Value::scalar(1),     Value::scalar(0),
-                           Value::text(u"true"), Value::array<bool>({1, 2}, std::vector<bool>{true, true}),
-                           Value::none(),        Value::array<bool>({0, 0}, std::vector<bool>{})};
+  const Value refused[] = {Value::scalar(1), Value::text(u"true"),
+                           Value::array<bool>({1, 2}, std::vector<bool>{true, true}), Value::none()};
   for (const auto* key : {u"MultipleDelimsAsOne", u"TrimNonNumeric"}) {
     for (const auto& value : refused) {
       options o;
@@ -194,8 +179,6 @@ TEST(VariableWidths, AcceptsUint64AndIntegralDoublesAndRefusesTheRest) {
   const Case cases[] = {
       {"uint64 row", Value::array<std::uint64_t>({1, 3}, std::vector<std::uint64_t>{3, UINT64_MAX, 0}),
        std::vector<std::uint64_t>{3, UINT64_MAX, 0}},
-      {"uint64 matrix", Value::array<std::uint64_t>({2, 2}, std::vector<std::uint64_t>{1, 2, 3, 4}),
-       std::vector<std::uint64_t>{1, 2, 3, 4}},
       {"double 2^63", Value::row({9223372036854775808.0}), std::vector<std::uint64_t>{0x8000000000000000u}},
       {"empty double", Value::row({}), std::vector<std::uint64_t>{}},
       {"empty cell", Value::cell({0, 3}, {}), std::vector<std::uint64_t>{}},
@@ -203,7 +186,6 @@ TEST(VariableWidths, AcceptsUint64AndIntegralDoublesAndRefusesTheRest) {
       {"double negative", Value::row({-1}), std::nullopt},
       {"double NaN", Value::row({nan}), std::nullopt},
       {"double 2^64", Value::row({18446744073709551616.0}), std::nullopt},
-      {"int32", Value::array<std::int32_t>({1, 1}, std::vector<std::int32_t>{3}), std::nullopt},
       {"char", Value::text(u"abc"), std::nullopt},
       {"null", Value::none(), std::nullopt},
   };
@@ -222,15 +204,11 @@ TEST(VariableWidths, AcceptsUint64AndIntegralDoublesAndRefusesTheRest) {
 }
 
 TEST(IgnoredOptions, AcceptAnyValueAndChangeNothing) {
-  const Value values[] = {Value::none(), Value::struct_scalar({{"a", Value::scalar(1)}})};
-  for (const auto* key : {u"EmptyValue", u"ReturnOnError", u"emptyvalue"}) {
-    for (const auto& value : values) {
+  for (const auto* key : {u"EmptyValue", u"returnonerror"}) {
+    for (const auto& value : {Value::none(), Value::struct_scalar({{"a", Value::scalar(1)}})}) {
       options o;
       apply(o, key, value);
-      const options fresh;
-      EXPECT_EQ(o.num_header_lines(), fresh.num_header_lines());
-      EXPECT_EQ(o.line_ending(), fresh.line_ending());
-      EXPECT_TRUE(o.detecting_num_variables());
+      EXPECT_EQ(test_support::first_difference(o, options{}), "");
     }
   }
 }
