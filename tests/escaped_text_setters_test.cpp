@@ -1,7 +1,7 @@
-// Whitespace and the list options Delimiter, LineEnding, TreatAsMissing and
-// CommentStyle through the entry point: decoded, tested in a temporary, and
-// written only when every test passed. The decoder itself and the shape
-// checks have their own tests.
+// The list options Delimiter, LineEnding, TreatAsMissing and CommentStyle
+// through the entry point: decoded, tested in a temporary, and written only
+// when every test passed. The decoder itself and the shape checks have their
+// own tests.
 #include "name_value/set_parser_options.hpp"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,6 @@
 #include "errors/tags.hpp"
 #include "support/expect_message.hpp"
 #include "support/setter_calls.hpp"
-#include "zvarray/matrix.hpp"
 #include "zvarray/value.hpp"
 
 namespace {
@@ -44,34 +43,6 @@ options prepared_record(bool with_delimiter) {
   o.comment_style(text_list{u"%"});
   if (with_delimiter) o.delimiter(text_list{u";"});
   return o;
-}
-
-TEST(WhitespaceOption, StoresTheDecodedTextOrFailsWithoutAWrite) {
-  const thrower bad_type = &test_support::throws_message<msg::InvalidStringProperty>;
-  const thrower bad_escape = &test_support::throws_message<msg::InvalidEscapeSequence>;
-  struct {
-    Value value;
-    ustring stored;
-    thrower failure;  // null when the value is stored
-  } const cases[] = {
-      {Value::chars({0, 0}, u""), u"", nullptr},     {Value::text(u" \\b\\t"), u" \b\t", nullptr},
-      {Value::text(u"  \t\t"), u"  \t\t", nullptr},  // neither sorted nor merged
-      {Value::text(u"\\\\n"), u"\\n", nullptr},      // decoded once only
-      {Value::text(u" \\t\\v"), u"", bad_escape},    {texts({u" "}), u"", bad_type},
-      {Value::chars({2, 1}, u" \t"), u"", bad_type},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(matrix::get_ustring(c.value.get())));
-    options o = prepared_record(false);
-    options expected = prepared_record(false);
-    if (c.failure != nullptr) {
-      EXPECT_TRUE(c.failure([&] { apply_option(o, "Whitespace", c.value); }, text_arg("Whitespace")));
-    } else {
-      apply_option(o, "Whitespace", c.value);
-      expected.whitespace(c.stored);
-    }
-    EXPECT_TRUE(same_record(o, expected));
-  }
 }
 
 // What tells the four list options apart, as a test sees it.
