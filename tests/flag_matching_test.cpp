@@ -70,37 +70,29 @@ TEST(CompareTextToFlag, GivesTheFoldedDifferenceOrTheLengthOrder) {
 // A character from 128 up, reached by the walk, goes to the dispatcher, which
 // throws it on, throws another, or returns (and then the result is -1).
 TEST(CompareTextToFlag, NonAsciiCharacterGoesToTheDispatcherInEveryMode) {
-  struct mode_case {
-    char_exception_mode mode;
-    const char* outcome;
-  };
-  const mode_case modes[] = {
+  const std::pair<char_exception_mode, const char*> modes[] = {
       {char_exception_mode::rethrow, "CtypeInvalidCharacter"},
       {char_exception_mode::throw_another, "runtime_error"},
       {char_exception_mode::return_normally, "-1"},
   };
-  struct text_case {
-    hv::Value text;
-    const char* flag;
-  };
-  const text_case reached[] = {
+  const std::pair<hv::Value, const char*> reached[] = {
       {hv::Value::text(u"\u0141"), "a"},      // low byte 0x41 is "A"
       {hv::Value::text(u"ab\u0165"), "abe"},  // low byte 0x65 is "e"
       {hv::Value::text(u"aA"), "a\xC3\x81"},  // the flag side is folded and checked as well
   };
-  for (const auto& m : modes) {
-    const test_support::char_exception_mode_guard guard(m.mode);
-    for (const auto& t : reached) {
+  for (const auto& [mode, expected] : modes) {
+    const test_support::char_exception_mode_guard guard(mode);
+    for (const auto& [text, flag] : reached) {
       const auto dispatched = matrix::detail::char_exception_dispatch_count();
       std::string outcome;
       try {
-        outcome = std::to_string(compare_text_to_flag(t.text.get(), t.flag, std::strlen(t.flag)));
+        outcome = std::to_string(compare_text_to_flag(text.get(), flag, std::strlen(flag)));
       } catch (const boost::exception_detail::clone_impl<foundation::ustring::CtypeInvalidCharacter>&) {
         outcome = "CtypeInvalidCharacter";
       } catch (const std::runtime_error&) {
         outcome = "runtime_error";
       }
-      EXPECT_EQ(outcome, m.outcome) << test_support::mode_name(m.mode) << " flag " << t.flag;
+      EXPECT_EQ(outcome, expected) << test_support::mode_name(mode) << " flag " << flag;
       EXPECT_EQ(matrix::detail::char_exception_dispatch_count(), dispatched + 1);
     }
   }
@@ -164,11 +156,12 @@ TEST(FlagMatching, ParseTurnsEveryFailureIntoOneBadTextFlag) {
 
 using test_support::reference_position;
 
-// Every flag of every list, all of its beginnings, in three cases, with a
-// character added or swapped for a look-alike; then random texts over the
-// letters of the flags, a few others and a few non-ASCII units.
+// Every beginning of every flag, in lower, upper and mixed case, with a unit
+// added, its last unit given a high byte, or its first swapped for a
+// look-alike; then random texts over the letters of the flags, a few others
+// and a few non-ASCII units.
 std::set<::ustring> differential_inputs() {
-  const char16_t look_alikes[] = {u'\u212A', u'\u0130', u'\u017F', u'\u0441', u'\uFF45'};
+  const ::ustring look_alikes = u"\u212A\u0130\u017F\u0441\uFF45";
   std::set<::ustring> inputs{u""};
   for (const auto& option : textio::options::rule_options) {
     for (const std::string_view flag : option.flags) {
@@ -176,21 +169,16 @@ std::set<::ustring> differential_inputs() {
         ::ustring lower(flag.begin(), flag.begin() + static_cast<std::ptrdiff_t>(length));
         ::ustring upper = lower;
         ::ustring mixed = lower;
-        for (std::size_t i = 0; i < upper.size(); ++i) {
+        for (std::size_t i = 0; i < length; ++i) {
           upper[i] = static_cast<char16_t>(upper[i] - 32);
           if (i % 2 == 1) mixed[i] = upper[i];
         }
         for (const auto& base : {lower, upper, mixed}) {
-          inputs.insert(base);
-          inputs.insert(base + u" ");
-          inputs.insert(base + u"s");
-          inputs.insert(base + base.back());
           ::ustring high_byte = base;
-          high_byte[length - 1] = static_cast<char16_t>(0x0100 | high_byte[length - 1]);
-          inputs.insert(high_byte);
+          high_byte.back() = static_cast<char16_t>(0x0100 | base.back());
           ::ustring look_alike = base;
-          look_alike[0] = look_alikes[length % std::size(look_alikes)];
-          inputs.insert(look_alike);
+          look_alike[0] = look_alikes[length % look_alikes.size()];
+          inputs.insert({base, base + u" ", base + u"s", base + base.back(), high_byte, look_alike});
         }
       }
     }
