@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "support/record_equality.hpp"
+#include "support/record_fields.hpp"
 
 namespace {
 
@@ -23,24 +24,19 @@ TEST(OptionsRecord, DefaultsMatchTheDocumentedTable) {
   EXPECT_TRUE(o.thousands_separator().empty());
   EXPECT_TRUE(o.date_locale().empty());
   EXPECT_EQ(o.exp_chars(), u"eEdD");
-  EXPECT_EQ(o.file_type(), enums::FileType::Text);
   EXPECT_TRUE(o.field_widths().empty());
   EXPECT_EQ(o.num_header_lines(), UINT64_MAX);
   EXPECT_EQ(o.num_variables(), 0u);
   EXPECT_EQ(o.variable_names_line(), 0u);
   EXPECT_EQ(o.variable_units_line(), 0u);
   EXPECT_EQ(o.variable_descriptions_line(), 0u);
-  EXPECT_EQ(o.parser_type(), enums::ParserType::Delimited);
-  EXPECT_EQ(o.output_type(), enums::OutputBuilderType::Table);
   EXPECT_EQ(o.decimal_separator(), u'.');
-  EXPECT_EQ(o.missing_rule(), enums::BadDataRule::Fill);
-  EXPECT_EQ(o.import_error_rule(), enums::BadDataRule::Fill);
-  EXPECT_EQ(o.consecutive_delim_rule(), enums::ConsecutiveDelimitersRule::Split);
-  EXPECT_EQ(o.empty_line_rule(), enums::EmptyLineRule::Skip);
-  EXPECT_EQ(o.extra_columns_rule(), enums::ExtraColumnsRule::AddVars);
-  EXPECT_EQ(o.leading_delim_rule(), enums::LeadingDelimiterRule::Keep);
-  EXPECT_EQ(o.trailing_delim_rule(), enums::TrailingDelimiterRule::Keep);
-  EXPECT_EQ(o.partial_field_rule(), enums::PartialFieldRule::Keep);
+  // Every rule starts at the first flag of its list.
+  for (const char* rule : {"ConsecutiveDelimitersRule", "FileType", "LeadingDelimitersRule", "TrailingDelimitersRule",
+                           "EmptyLineRule", "OutputBuilderType", "ExtraColumnsRule", "ImportErrorRule", "MissingRule",
+                           "ParserType", "PartialFieldRule"}) {
+    EXPECT_EQ(test_support::rule_field(o, rule), 0) << rule;
+  }
   EXPECT_TRUE(o.detecting_delimiter());
   EXPECT_TRUE(o.detecting_num_header_lines());
   EXPECT_TRUE(o.detecting_num_variables());
