@@ -81,21 +81,20 @@ TEST(Messages, ThrownOnceToTheHostAndCatchableAsEveryBase) {
   matrix::detail::set_legacy_hv_error_hook(std::move(old));
 }
 
+// Copies, clones and rethrows keep the identifier and the arguments.
 TEST(Messages, CopyCloneAndRethrowKeepIdentifierAndArguments) {
   const exception_of<msg::InvalidStringProperty> original(msg::InvalidStringProperty("DateLocale"));
-  const auto check = [&](const except::IMsgIDException& e) {
-    EXPECT_EQ(e.GetMsgIDText(), original.GetMsgIDText());
-    EXPECT_EQ(e.GetBaseMsgID().key, original.GetBaseMsgID().key);
-    EXPECT_EQ(e.GetBaseMsgID().args, original.GetBaseMsgID().args);
-  };
-  check(exception_of<msg::InvalidStringProperty>(original));
   const std::unique_ptr<const boost::exception_detail::clone_base> cloned(original.clone());
-  check(dynamic_cast<const except::IMsgIDException&>(*cloned));
-  try {
-    original.rethrow();
-    ADD_FAILURE() << "rethrow returned";
-  } catch (const exception_of<msg::InvalidStringProperty>& e) {
-    check(e);
+  for (const auto* e : {static_cast<const except::IMsgIDException*>(&original),
+                        dynamic_cast<const except::IMsgIDException*>(cloned.get())}) {
+    ASSERT_NE(e, nullptr);
+    try {
+      dynamic_cast<const boost::exception_detail::clone_base&>(*e).rethrow();
+      ADD_FAILURE() << "rethrow returned";
+    } catch (const exception_of<msg::InvalidStringProperty>& thrown) {
+      EXPECT_EQ(thrown.GetMsgIDText(), "ZORVEK:textio:textio:InvalidStringProperty");
+      EXPECT_EQ(thrown.GetBaseMsgID().args, original.GetBaseMsgID().args);
+    }
   }
 }
 

@@ -80,27 +80,4 @@ TEST(TextChecks, ShapesOfTextsAndTextLists) {
   }
 }
 
-TEST(TextChecks, OneCharacterIsATextOfExactlyOneUnit) {
-  struct {
-    const char* what;
-    Value value;
-    bool passes;
-  } const cases[] = {
-      {"1x1", Value::text(u","), true},
-      {"1x1x1 (host keeps two dimensions)", chars({1, 1, 1}, u"x"), true},
-      {"0x0", chars({0, 0}, u""), false},
-      {"two units", Value::text(u",,"), false},
-      {"2x1 char", chars({2, 1}, u"ab"), false},
-      {"cell of one character", texts({1, 1}, {u","}), false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    if (c.passes) {
-      EXPECT_NO_THROW(require_one_character(c.value.get(), "Sep"));
-    } else {
-      EXPECT_MESSAGE(require_one_character(c.value.get(), "Sep"), msg::InvalidStringProperty, text_arg("Sep"));
-    }
-  }
-}
-
 }  // namespace

@@ -70,7 +70,11 @@ TEST(TextSetters, StoreTheTextInTheirOwnFieldOnlyOrRefuseWithoutAWrite) {
       {"DecimalSeparator", Value::text(std::u16string(1, char16_t{0xD800})), decimal, std::u16string(1, 0xD800)},
       {"DecimalSeparator", Value::array<std::uint16_t>({1, 1}, std::vector<std::uint16_t>{46}), nullptr,
        u"DecimalSeparator"},
+      {"DecimalSeparator", Value::chars({1, 1, 1}, u";"), decimal, u";"},  // the host keeps two dimensions
       {"DecimalSeparator", Value::text(u",,"), nullptr, u"DecimalSeparator"},
+      {"DecimalSeparator", Value::chars({0, 0}, u""), nullptr, u"DecimalSeparator"},
+      {"DecimalSeparator", Value::chars({2, 1}, u".,"), nullptr, u"DecimalSeparator"},
+      {"DecimalSeparator", Value::cell_row({Value::text(u",")}), nullptr, u"DecimalSeparator"},
       {"DecimalSeparator", Value::text(u"\U0001F600"), nullptr, u"DecimalSeparator"},  // a pair is two units
   };
   for (const auto& c : cases) {
