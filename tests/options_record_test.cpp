@@ -66,6 +66,18 @@ TEST(OptionsRecord, CountSettersAndTheirFlags) {
   EXPECT_TRUE(o.detecting_num_variables());  // the accessor does not clear it
 }
 
+// The setters that take an rvalue copy it: the caller's object stays whole.
+TEST(OptionsRecord, RvalueSettersCopyTheirArgument) {
+  options o;
+  text_list styles{u"%", u"#"};
+  o.comment_style(std::move(styles));
+  EXPECT_EQ(styles, (text_list{u"%", u"#"}));  // NOLINT(bugprone-use-after-move): the setter copies
+  ustring ws = u"\t";
+  o.whitespace(std::move(ws));
+  EXPECT_EQ(ws, u"\t");  // NOLINT(bugprone-use-after-move)
+  EXPECT_EQ(o.whitespace(), u"\t");
+}
+
 options changed_record() {
   options o;
   o.delimiter(text_list{u","});

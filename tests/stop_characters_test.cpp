@@ -2,15 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-#include <utility>
 #include <vector>
-
-#include "support/delim_call_log.hpp"
 
 namespace {
 
-using textio::parser::QuotedDelimiterPair;
 using textio::parser::stop_characters;
 using text_list = std::vector<ustring>;
 
@@ -41,35 +36,6 @@ TEST(StopCharacters, SortedUnionOfFirstUnits) {
     text_list reversed(c.first.rbegin(), c.first.rend());
     EXPECT_EQ(stop_characters(reversed, c.second), c.expected) << c.what << " (first list reversed)";
   }
-}
-
-TEST(DelimiterPair, AsksForFirstThenSecondList) {
-  const text_list first{u","};
-  const text_list second{u"\n"};
-  test_support::delim_call_log log;
-  const textio::parser::DelimiterPair pair(first, second);
-  ASSERT_EQ(log.calls().size(), 2u);
-  EXPECT_EQ(log.calls()[0], first);
-  EXPECT_EQ(log.calls()[1], second);
-  EXPECT_EQ(pair.primary, textio::get_or_create_delim(first));
-  EXPECT_EQ(pair.secondary, textio::get_or_create_delim(second));
-  EXPECT_EQ(pair.stop_chars, u"\n,");
-}
-
-// Built from an rvalue, a pair copies: the source stays whole and shares its objects.
-TEST(DelimiterPair, RvaluesAreCopied) {
-  QuotedDelimiterPair source(u'\'', {u";"}, {u"\r\n"});
-  const long owners = source.delimiters.primary.use_count();
-  const QuotedDelimiterPair from_rvalue(std::move(source));
-  // NOLINTBEGIN(bugprone-use-after-move): the source stays whole
-  EXPECT_EQ(from_rvalue.quote, u'\'');
-  EXPECT_EQ(source.quote, u'\'');
-  EXPECT_EQ(source.delimiters.primary, from_rvalue.delimiters.primary);
-  EXPECT_EQ(source.delimiters.secondary, from_rvalue.delimiters.secondary);
-  EXPECT_EQ(source.delimiters.primary.use_count(), owners + 1);
-  EXPECT_EQ(source.delimiters.stop_chars, u"\r;");
-  EXPECT_EQ(from_rvalue.delimiters.stop_chars, u"\r;");
-  // NOLINTEND(bugprone-use-after-move)
 }
 
 }  // namespace
