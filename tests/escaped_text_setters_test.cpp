@@ -1,7 +1,7 @@
-// Whitespace and the list options Delimiter, LineEnding, TreatAsMissing and
-// CommentStyle through the entry point: decoded, tested in a temporary, and
-// written only when every test passed. The decoder itself and the shape
-// checks have their own tests.
+// The list options Delimiter, LineEnding, TreatAsMissing and CommentStyle
+// through the entry point: decoded, tested in a temporary, and written only
+// when every test passed. The decoder itself and the shape checks have their
+// own tests.
 #include "name_value/set_parser_options.hpp"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,6 @@
 #include "errors/tags.hpp"
 #include "support/expect_message.hpp"
 #include "support/setter_calls.hpp"
-#include "zvarray/matrix.hpp"
 #include "zvarray/value.hpp"
 
 namespace {
@@ -28,11 +27,12 @@ using test_support::same_record;
 using test_support::text_arg;
 using thrower = ::testing::AssertionResult (*)(const std::function<void()>&, const Args&);
 
-Value texts(const std::vector<std::u16string>& units) {
+Value texts(hv::Dims dims, const std::vector<std::u16string>& units) {
   std::vector<Value> elements;
   for (const auto& u : units) elements.push_back(Value::text(u));
-  return Value::cell_row(std::move(elements));
+  return Value::cell(std::move(dims), std::move(elements));
 }
+Value texts(const std::vector<std::u16string>& units) { return texts({1, units.size()}, units); }
 
 // A record with every decoded field away from its default; with and without
 // a delimiter, so that a write of detecting_delimiter shows either way.
@@ -46,34 +46,6 @@ options prepared_record(bool with_delimiter) {
   return o;
 }
 
-TEST(WhitespaceOption, StoresTheDecodedTextOrFailsWithoutAWrite) {
-  const thrower bad_type = &test_support::throws_message<msg::InvalidStringProperty>;
-  const thrower bad_escape = &test_support::throws_message<msg::InvalidEscapeSequence>;
-  struct {
-    Value value;
-    ustring stored;
-    thrower failure;  // null when the value is stored
-  } const cases[] = {
-      {Value::chars({0, 0}, u""), u"", nullptr},     {Value::text(u" \\b\\t"), u" \b\t", nullptr},
-      {Value::text(u"  \t\t"), u"  \t\t", nullptr},  // neither sorted nor merged
-      {Value::text(u"\\\\n"), u"\\n", nullptr},      // decoded once only
-      {Value::text(u" \\t\\v"), u"", bad_escape},    {texts({u" "}), u"", bad_type},
-      {Value::chars({2, 1}, u" \t"), u"", bad_type},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(matrix::get_ustring(c.value.get())));
-    options o = prepared_record(false);
-    options expected = prepared_record(false);
-    if (c.failure != nullptr) {
-      EXPECT_TRUE(c.failure([&] { apply_option(o, "Whitespace", c.value); }, text_arg("Whitespace")));
-    } else {
-      apply_option(o, "Whitespace", c.value);
-      expected.whitespace(c.stored);
-    }
-    EXPECT_TRUE(same_record(o, expected));
-  }
-}
-
 // What tells the four list options apart, as a test sees it.
 struct list_key {
   const char* key;
@@ -84,9 +56,7 @@ struct list_key {
 
 const std::vector<list_key>& list_keys() {
   static const std::vector<list_key> keys = {
-      {"Delimiter",
-       &test_support::throws_message<msg::DelimiterType>,
-       {},
+      {"Delimiter", &test_support::throws_message<msg::DelimiterType>, {},
        [](options& o, const text_list& l) { o.delimiter(l); }},
       {"LineEnding", &test_support::throws_message<msg::InvalidStringOrCellStringProperty>, text_arg("LineEnding"),
        [](options& o, const text_list& l) { o.line_ending(l); }},
@@ -98,7 +68,7 @@ const std::vector<list_key>& list_keys() {
   return keys;
 }
 
-// Values of at most two entries, so that every list option takes them.
+// Any shape and number of entries (CommentStyle takes at most two).
 TEST(ListOptions, StoreEveryEntryDecodedAndReplaceTheField) {
   struct {
     const char* what;
@@ -107,13 +77,14 @@ TEST(ListOptions, StoreEveryEntryDecodedAndReplaceTheField) {
   } const cases[] = {
       {"one text", Value::text(u"\\r\\n"), {u"\r\n"}},
       {"empty cell 0x3", Value::cell({0, 3}, {}), {}},
-      {"column of two", Value::cell({2, 1}, {Value::text(u"a"), Value::text(u"\\t")}), {u"a", u"\t"}},
+      {"2x2 cell, column-major", texts({2, 2}, {u"a", u"b", u"\\t", u"a"}), {u"a", u"b", u"\t", u"a"}},
+      {"column of two", texts({2, 1}, {u"a", u"\\t"}), {u"a", u"\t"}},
       {"empty entries kept", Value::cell_row({Value::chars({0, 0}, u""), Value::text(u"")}), {u"", u""}},
-      {"repeated entry kept", texts({u"\\n", u"\\n"}), {u"\n", u"\n"}},
       {"escaped backslash then n, lone trailing backslash", texts({u"\\\\n", u"a\\"}), {u"\\n", u"a\\"}},
   };
   for (const auto& k : list_keys()) {
     for (const auto& c : cases) {
+      if (c.stored.size() > 2 && std::string(k.key) == "CommentStyle") continue;
       SCOPED_TRACE(std::string(k.key) + " given " + c.what);
       for (const bool with_delimiter : {false, true}) {
         options o = prepared_record(with_delimiter);
@@ -123,21 +94,6 @@ TEST(ListOptions, StoreEveryEntryDecodedAndReplaceTheField) {
         EXPECT_TRUE(same_record(o, expected));
       }
     }
-  }
-}
-
-// Four entries in a 2-by-2 cell, column-major; CommentStyle would refuse them.
-TEST(ListOptions, AnyShapeAndNumberOfEntriesWithoutLimit) {
-  const Value square =
-      Value::cell({2, 2}, {Value::text(u"a"), Value::text(u"b"), Value::text(u"\\t"), Value::text(u"a")});
-  for (const auto& k : list_keys()) {
-    if (std::string(k.key) == "CommentStyle") continue;
-    SCOPED_TRACE(k.key);
-    options o;
-    apply_option(o, k.key, square);
-    options expected;
-    k.store(expected, text_list{u"a", u"b", u"\t", u"a"});
-    EXPECT_TRUE(same_record(o, expected));
   }
 }
 
@@ -151,7 +107,7 @@ TEST(ListOptions, FailuresNameTheOptionAndWriteNothing) {
       // Three entries, so CommentStyle's limit would also fail: the type test comes first.
       Value::cell_row({Value::text(u"a"), Value::text(u"b"), Value::scalar(1)}),
   };
-  const Value bad_escape[] = {Value::text(u"\\r\\f"), texts({u"\\t", u",\\N"}), texts({u"\\0", u","})};
+  const Value bad_escape[] = {Value::text(u"\\r\\f"), texts({u"\\t", u",\\N"})};
   for (const auto& k : list_keys()) {
     SCOPED_TRACE(k.key);
     for (const bool with_delimiter : {false, true}) {
@@ -170,28 +126,17 @@ TEST(ListOptions, FailuresNameTheOptionAndWriteNothing) {
   }
 }
 
+// CommentStyle counts the entries given, before decoding any of them.
 TEST(ListOptions, CommentStyleCountsEntriesBeforeDecoding) {
-  struct {
-    const char* what;
-    Value value;
-    bool too_many;
-  } const cases[] = {
-      {"three, one with an unknown sequence", texts({u"%", u"\\q", u"#"}), true},
-      {"three empty texts", texts({u"", u"", u""}), true},
-      {"2x2 cell", Value::cell({2, 2}, {Value::text(u"a"), Value::text(u"b"), Value::text(u"c"), Value::text(u"d")}),
-       true},
-      {"two, the second with an unknown sequence", texts({u"%", u"\\q"}), false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    options o = prepared_record(true);
-    if (c.too_many) {
-      EXPECT_MESSAGE(apply_option(o, "CommentStyle", c.value), msg::CommentStyleSize);
-    } else {
-      EXPECT_MESSAGE(apply_option(o, "CommentStyle", c.value), msg::InvalidEscapeSequence, text_arg("CommentStyle"));
-    }
-    EXPECT_TRUE(same_record(o, prepared_record(true)));
-  }
+  const options start = prepared_record(true);
+  options o = start;
+  EXPECT_MESSAGE(apply_option(o, "CommentStyle", texts({u"%", u"\\q", u"#"})), msg::CommentStyleSize);
+  EXPECT_MESSAGE(apply_option(o, "CommentStyle", Value::cell({2, 2}, {Value::text(u"a"), Value::text(u"b"),
+                                                                       Value::text(u"c"), Value::text(u"d")})),
+                 msg::CommentStyleSize);
+  EXPECT_MESSAGE(apply_option(o, "CommentStyle", texts({u"%", u"\\q"})), msg::InvalidEscapeSequence,
+                 text_arg("CommentStyle"));
+  EXPECT_TRUE(same_record(o, start));
 }
 
 }  // namespace

@@ -2,17 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-#include <type_traits>
-#include <utility>
 #include <vector>
-
-#include "support/delim_call_log.hpp"
 
 namespace {
 
-using textio::parser::DelimiterPair;
-using textio::parser::QuotedDelimiterPair;
 using textio::parser::stop_characters;
 using text_list = std::vector<ustring>;
 
@@ -27,10 +20,8 @@ struct stop_case {
 
 const stop_case stop_cases[] = {
     {"comma and tab with the default line endings", {u",", u"\t"}, default_endings, u"\t\n\r,"},
-    {"line endings alone", default_endings, {}, u"\n\r"},
     {"only first units count, once each", {u"abc", u"ab", u"x"}, {}, u"ax"},
     {"an empty string gives U+0000 at the front", {u",", u""}, {u"\n"}, ustring(u"\0\n,", 3)},
-    {"two empty lists", {}, {}, u""},
     {"a unit in both lists stands once", {u";"}, {u";;", u"\n"}, u"\n;"},
     {"unsigned order: 0x8000 and 0xFFFF after 0x7FFF", {u"\uFFFF", u"\u8000x"}, {u"\u7FFF"}, u"\u7FFF\u8000\uFFFF"},
     {"a surrogate sorts between 0xD7FF and 0xE000", {u"\uE000", u"\xDC00\xD800"}, {u"\uD7FF"}, u"\uD7FF\xDC00\uE000"},
@@ -45,57 +36,6 @@ TEST(StopCharacters, SortedUnionOfFirstUnits) {
     text_list reversed(c.first.rbegin(), c.first.rend());
     EXPECT_EQ(stop_characters(reversed, c.second), c.expected) << c.what << " (first list reversed)";
   }
-}
-
-TEST(DelimiterPair, AsksForFirstThenSecondList) {
-  const text_list first{u","};
-  const text_list second{u"\n"};
-  test_support::delim_call_log log;
-  const DelimiterPair pair(first, second);
-  ASSERT_EQ(log.calls().size(), 2u);
-  EXPECT_EQ(log.calls()[0], first);
-  EXPECT_EQ(log.calls()[1], second);
-  EXPECT_EQ(pair.primary, textio::get_or_create_delim(first));
-  EXPECT_EQ(pair.secondary, textio::get_or_create_delim(second));
-  EXPECT_EQ(pair.stop_chars, u"\n,");
-}
-
-TEST(DelimiterPair, CopiesShareObjectsAndRvaluesAreCopied) {
-  DelimiterPair source({u";"}, {u"\r\n"});
-  const long owners = source.primary.use_count();
-
-  const DelimiterPair copy(source);
-  EXPECT_EQ(copy.primary, source.primary);
-  EXPECT_EQ(copy.secondary, source.secondary);
-  EXPECT_EQ(source.primary.use_count(), owners + 1);
-  EXPECT_EQ(copy.stop_chars, source.stop_chars);
-  EXPECT_NE(copy.stop_chars.data(), source.stop_chars.data());
-
-  const DelimiterPair from_rvalue(std::move(source));
-  EXPECT_NE(source.primary, nullptr);  // NOLINT(bugprone-use-after-move): the source stays whole
-  EXPECT_NE(source.secondary, nullptr);
-  EXPECT_EQ(source.stop_chars, u"\r;");
-  EXPECT_EQ(from_rvalue.primary, source.primary);
-  EXPECT_EQ(source.primary.use_count(), owners + 2);
-
-  static_assert(!std::is_copy_assignable_v<DelimiterPair>);
-  static_assert(!std::is_move_assignable_v<DelimiterPair>);
-}
-
-TEST(QuotedDelimiterPair, HoldsTheQuoteAndCopiesOnRvalues) {
-  QuotedDelimiterPair source(u'\'', {u"\t"}, {u"\n"});
-  EXPECT_EQ(source.quote, u'\'');
-  EXPECT_EQ(source.delimiters.stop_chars, u"\t\n");
-
-  const QuotedDelimiterPair from_rvalue(std::move(source));
-  EXPECT_EQ(from_rvalue.quote, u'\'');
-  EXPECT_EQ(source.quote, u'\'');  // NOLINT(bugprone-use-after-move)
-  EXPECT_EQ(source.delimiters.primary, from_rvalue.delimiters.primary);
-  EXPECT_NE(source.delimiters.primary, nullptr);
-  EXPECT_EQ(source.delimiters.stop_chars, u"\t\n");
-
-  static_assert(!std::is_copy_assignable_v<QuotedDelimiterPair>);
-  static_assert(!std::is_move_assignable_v<QuotedDelimiterPair>);
 }
 
 }  // namespace

@@ -23,61 +23,44 @@ Value texts(hv::Dims dims, const std::vector<std::u16string>& units) {
   return Value::cell(std::move(dims), std::move(elements));
 }
 
-struct shape_case {
-  std::string what;
-  Value value;
-  bool text;
-  bool list;
-};
-
-std::vector<shape_case> shape_cases() {
-  std::vector<shape_case> cases;
-  const auto add = [&cases](std::string what, Value value, bool text, bool list) {
-    cases.push_back({std::move(what), std::move(value), text, list});
-  };
-  // Char arrays: one row of any length, or 0-by-0.
-  add("char 0x0", chars({0, 0}, u""), true, false);
-  add("char 1x0", chars({1, 0}, u""), true, false);
-  add("char 1x5", chars({1, 5}, u"ab\\tc"), true, false);
-  add("char 0x3", chars({0, 3}, u""), false, false);
-  add("char 3x0", chars({3, 0}, u""), false, false);
-  add("char 2x3", chars({2, 3}, u"abcdef"), false, false);
-  add("char 3x1", chars({3, 1}, u"abc"), false, false);
-  add("char 1x1x2", chars({1, 1, 2}, u"ab"), false, false);
-  add("char 1x0x2", chars({1, 0, 2}, u""), false, false);
-  add("char 1x3x1 (host keeps two dimensions)", chars({1, 3, 1}, u"abc"), true, false);
-  add("char under an extended class number", Value::text(u"ab").with_extended_class(40), true, false);
-  add("char with incomplete dimensions", Value::text(u"ab").with_opaque_dimensions(), true, false);
-  // Other classes.
-  add("null", Value::none(), false, false);
-  add("double scalar", Value::scalar(44), false, false);
-  add("struct", Value::struct_scalar({{"a", Value::text(u"x")}}), false, false);
-  // Cell arrays: any shape, every element a text.
-  add("cell 0x0", Value::cell({0, 0}, {}), false, true);
-  add("cell 0x3", Value::cell({0, 3}, {}), false, true);
-  add("cell 1x0x4", Value::cell({1, 0, 4}, {}), false, true);
-  add("cell 1x1", texts({1, 1}, {u","}), false, true);
-  add("cell 2x2", texts({2, 2}, {u"a", u"b", u"c", u"d"}), false, true);
-  add("cell 2x1x2", texts({2, 1, 2}, {u"a", u"b", u"c", u"d"}), false, true);
-  add("cell with an empty text", texts({1, 2}, {u"a", u""}), false, true);
-  add("cell of 0x0 and 1x0 chars", Value::cell_row({chars({0, 0}, u""), chars({1, 0}, u"")}), false, true);
-  add("cell under an extended class number", texts({1, 1}, {u"a"}).with_extended_class(33), false, true);
-  add("cell holding a text under an extended class", Value::cell_row({Value::text(u"a").with_extended_class(21)}),
-      false, true);
-  // Cell arrays with an element that is no text, wherever it stands.
-  add("cell with a number last", Value::cell_row({Value::text(u"a"), Value::scalar(1)}), false, false);
-  add("cell with a number first", Value::cell_row({Value::scalar(1), Value::text(u"a")}), false, false);
-  add("cell holding a cell", Value::cell_row({Value::text(u"a"), texts({1, 1}, {u"b"})}), false, false);
-  add("cell with a null slot", Value::cell_row({Value::text(u"a"), Value::none()}), false, false);
-  add("cell holding a 2x3 char", Value::cell_row({chars({2, 3}, u"abcdef")}), false, false);
-  add("cell holding a 3-D char", Value::cell_row({chars({1, 2, 2}, u"abcd")}), false, false);
-  return cases;
-}
-
 // The tests of each shape, and each check throwing its own message exactly
 // when its test fails.
 TEST(TextChecks, ShapesOfTextsAndTextLists) {
-  for (const auto& c : shape_cases()) {
+  const struct {
+    std::string what;
+    Value value;
+    bool text;
+    bool list;
+  } cases[] = {
+      // Char arrays: one row of any length, or 0-by-0.
+      {"char 0x0", chars({0, 0}, u""), true, false},
+      {"char 1x5", chars({1, 5}, u"ab\\tc"), true, false},
+      {"char 0x3", chars({0, 3}, u""), false, false},
+      {"char 2x3", chars({2, 3}, u"abcdef"), false, false},
+      {"char 3x1", chars({3, 1}, u"abc"), false, false},
+      {"char 1x1x2", chars({1, 1, 2}, u"ab"), false, false},
+      {"char 1x3x1 (host keeps two dimensions)", chars({1, 3, 1}, u"abc"), true, false},
+      {"char under an extended class number", Value::text(u"ab").with_extended_class(40), true, false},
+      {"char with incomplete dimensions", Value::text(u"ab").with_opaque_dimensions(), true, false},
+      // Other classes.
+      {"null", Value::none(), false, false},
+      {"double scalar", Value::scalar(44), false, false},
+      // Cell arrays: any shape, every element a text.
+      {"cell 0x0", Value::cell({0, 0}, {}), false, true},
+      {"cell 0x3", Value::cell({0, 3}, {}), false, true},
+      {"cell 1x1", texts({1, 1}, {u","}), false, true},
+      {"cell 2x2", texts({2, 2}, {u"a", u"b", u"c", u"d"}), false, true},
+      {"cell with an empty text", texts({1, 2}, {u"a", u""}), false, true},
+      {"cell under an extended class number", texts({1, 1}, {u"a"}).with_extended_class(33), false, true},
+      {"cell holding a text under an extended class", Value::cell_row({Value::text(u"a").with_extended_class(21)}),
+       false, true},
+      // Cell arrays with an element that is no text, wherever it stands.
+      {"cell with a number last", Value::cell_row({Value::text(u"a"), Value::scalar(1)}), false, false},
+      {"cell holding a cell", Value::cell_row({Value::text(u"a"), texts({1, 1}, {u"b"})}), false, false},
+      {"cell with a null slot", Value::cell_row({Value::text(u"a"), Value::none()}), false, false},
+      {"cell holding a 2x3 char", Value::cell_row({chars({2, 3}, u"abcdef")}), false, false},
+  };
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     const hvArray_tag* v = c.value.get();
     EXPECT_EQ(is_text(v), c.text);
@@ -93,31 +76,6 @@ TEST(TextChecks, ShapesOfTextsAndTextLists) {
     } else {
       EXPECT_MESSAGE(require_text_or_list(v, "Opt"), msg::InvalidStringOrCellStringProperty, text_arg("Opt"));
       EXPECT_MESSAGE(require_delimiter_value(v), msg::DelimiterType);
-    }
-  }
-}
-
-TEST(TextChecks, OneCharacterIsATextOfExactlyOneUnit) {
-  struct {
-    const char* what;
-    Value value;
-    bool passes;
-  } const cases[] = {
-      {"1x1", Value::text(u","), true},
-      {"non-ASCII unit", Value::text(u"\u00B7"), true},
-      {"1x1x1 (host keeps two dimensions)", chars({1, 1, 1}, u"x"), true},
-      {"0x0", chars({0, 0}, u""), false},
-      {"two units", Value::text(u",,"), false},
-      {"2x1 char", chars({2, 1}, u"ab"), false},
-      {"cell of one character", texts({1, 1}, {u","}), false},
-      {"double", Value::scalar(44), false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    if (c.passes) {
-      EXPECT_NO_THROW(require_one_character(c.value.get(), "Sep"));
-    } else {
-      EXPECT_MESSAGE(require_one_character(c.value.get(), "Sep"), msg::InvalidStringProperty, text_arg("Sep"));
     }
   }
 }

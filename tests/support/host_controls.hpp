@@ -4,6 +4,8 @@
 // setting into the next.
 #pragma once
 
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include "zvarray/matrix.hpp"
@@ -43,15 +45,9 @@ inline constexpr matrix::detail::char_exception_mode all_char_exception_modes[] 
 };
 
 inline const char* mode_name(matrix::detail::char_exception_mode mode) {
-  switch (mode) {
-    case matrix::detail::char_exception_mode::rethrow:
-      return "rethrow";
-    case matrix::detail::char_exception_mode::throw_another:
-      return "throw_another";
-    case matrix::detail::char_exception_mode::return_normally:
-      return "return_normally";
-  }
-  return "?";
+  const char* const names[] = {"rethrow", "throw_another", "return_normally"};
+  const auto index = static_cast<std::size_t>(mode);
+  return index < std::size(names) ? names[index] : "?";
 }
 
 }  // namespace test_support
