@@ -43,8 +43,15 @@ inline constexpr matrix::detail::char_exception_mode all_char_exception_modes[] 
 };
 
 inline const char* mode_name(matrix::detail::char_exception_mode mode) {
-  static constexpr const char* names[] = {"rethrow", "throw_another", "return_normally"};
-  return names[static_cast<int>(mode)];
+  switch (mode) {
+    case matrix::detail::char_exception_mode::rethrow:
+      return "rethrow";
+    case matrix::detail::char_exception_mode::throw_another:
+      return "throw_another";
+    case matrix::detail::char_exception_mode::return_normally:
+      return "return_normally";
+  }
+  return "?";
 }
 
 }  // namespace test_support
