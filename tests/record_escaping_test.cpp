@@ -4,9 +4,11 @@
 // around the eight-byte steps of the scan.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <random>
 #include <sstream>
 #include <string>
@@ -18,31 +20,23 @@
 
 namespace {
 
+// Whole UTF-8 sequences as they are; a lone byte escaped by its short form
+// or as \u00XX when it is a control or no sequence of its own.
 std::string reference_json(std::string_view bytes) {
-  static constexpr char hex[] = "0123456789abcdef";
   std::string out = "\"";
-  for (std::size_t i = 0; i < bytes.size();) {
+  for (std::size_t i = 0, length = 0; i < bytes.size(); i += std::max<std::size_t>(length, 1)) {
+    length = foundation::core::unicode::utf8_sequence_at(bytes.substr(i)).length;
     const auto byte = static_cast<unsigned char>(bytes[i]);
-    const std::size_t length = foundation::core::unicode::utf8_sequence_at(bytes.substr(i)).length;
+    const std::size_t short_form = std::string_view("\"\\\b\f\n\r\t").find(bytes[i]);
+    char hex[8];
     if (length > 1) {
       out.append(bytes.substr(i, length));
-      i += length;
-      continue;
-    }
-    ++i;
-    if (length == 1 && byte == '"') {
-      out += "\\\"";
-    } else if (length == 1 && byte == '\\') {
-      out += "\\\\";
+    } else if (length == 1 && short_form != std::string_view::npos) {
+      out += std::string("\\") + "\"\\bfnrt"[short_form];
     } else if (length == 1 && byte >= 0x20) {
-      out += static_cast<char>(byte);
-    } else if (length == 1 && std::string_view("\b\f\n\r\t").find(static_cast<char>(byte)) != std::string_view::npos) {
-      out += '\\';
-      out += "bfnrt"[std::string_view("\b\f\n\r\t").find(static_cast<char>(byte))];
+      out += bytes[i];
     } else {
-      out += "\\u00";
-      out += hex[byte >> 4];
-      out += hex[byte & 0xF];
+      out.append(hex, static_cast<std::size_t>(std::snprintf(hex, sizeof hex, "\\u%04x", byte)));
     }
   }
   return out + '"';
