@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
 
 #include "zvcore/ustring.hpp"
 
@@ -18,8 +17,26 @@ inline bool reference_decode(ustring& text) noexcept {
   while (position < text.size()) {
     const std::size_t i = text.find(u'\\', position);
     if (i == ustring::npos || i + 1 >= text.size()) break;
-    const std::size_t known = std::u16string_view(u"\\bnrt").find(text[i + 1]);
-    const char16_t decoded = known == std::u16string_view::npos ? 0 : u"\\\b\n\r\t"[known];
+    char16_t decoded = 0;
+    switch (text[i + 1]) {
+      case u'\\':
+        decoded = u'\\';
+        break;
+      case u'b':
+        decoded = u'\b';
+        break;
+      case u'n':
+        decoded = u'\n';
+        break;
+      case u'r':
+        decoded = u'\r';
+        break;
+      case u't':
+        decoded = u'\t';
+        break;
+      default:
+        break;
+    }
     if (decoded != 0) {
       text.replace(i, 2, 1, decoded);
       position = i + 1;
