@@ -1,5 +1,6 @@
-// The tool's own JSON writing: texts unit for unit and byte for byte, the
-// document's layout, and the one-line message on standard error.
+// The tool's own JSON writing: texts unit for unit (bytes are checked against
+// a reference in record_escaping_test.cpp), the document's layout, the options
+// record, and the one-line message on standard error.
 #include "tools/json_writer.hpp"
 
 #include <gtest/gtest.h>
@@ -17,7 +18,6 @@
 
 namespace {
 
-using zvtool::json_quote_bytes;
 using zvtool::json_quote_units;
 using zvtool::json_writer;
 
@@ -28,45 +28,23 @@ struct units_case {
 
 TEST(ToolJsonText, UnitsAsUtf8WithLoneSurrogatesEscaped) {
   const units_case cases[] = {
-      {u"", R"("")"},
-      {u"abc", R"("abc")"},
-      {u"a\"b\\c/", R"("a\"b\\c/")"},
-      {u"\r\n\t\b\f", R"("\r\n\t\b\f")"},
-      {std::u16string(u"\0\x01\x1f\x7f", 4), "\"\\u0000\\u0001\\u001f\x7f\""},
-      {u"\u00e9\u20ac", "\"\xC3\xA9\xE2\x82\xAC\""},  // two- and three-byte forms
-      {u"\U0001F600", "\"\xF0\x9F\x98\x80\""},        // a pair combines
-      {u"\xD800", R"("\ud800")"},                     // lone high
-      {u"\xDFFF", R"("\udfff")"},                     // lone low
-      {u"a\xD83D", R"("a\ud83d")"},                   // high at the end
-      {u"\xD83D"
-       u"x",
-       R"("\ud83dx")"},                                        // high before no low
-      {u"\xDE00\xD83D", R"("\ude00\ud83d")"},                  // low before high: no pair
-      {u"\xD83D\xD83D\xDE00", "\"\\ud83d\xF0\x9F\x98\x80\""},  // the second high pairs
+      {std::u16string(u"a\"\0\n\x7f", 5), "\"a\\\"\\u0000\\n\x7f\""},  // ASCII escapes as for bytes
+      {u"\u00e9\u20ac", "\"\xC3\xA9\xE2\x82\xAC\""},                   // two- and three-byte forms
+      {u"\U0001F600", "\"\xF0\x9F\x98\x80\""},                         // a pair combines
+      {u"a\xD83D", R"("a\ud83d")"},                                    // high at the end
+      {u"\xD83Dx", R"("\ud83dx")"},                                    // high before no low
+      {u"\xDE00\xD83D", R"("\ude00\ud83d")"},                          // low before high: no pair
+      {u"\xD83D\xD83D\xDE00", "\"\\ud83d\xF0\x9F\x98\x80\""},          // the second high pairs
   };
   for (const auto& c : cases) EXPECT_EQ(json_quote_units(c.units), c.json);
 }
 
-TEST(ToolJsonText, BytesKeepUtf8AndEscapeEveryOtherByte) {
-  const struct {
-    std::string bytes;
-    std::string json;
-  } cases[] = {
-      {"plain", R"("plain")"},
-      {"\xC3\xA9\xF0\x9F\x98\x80", "\"\xC3\xA9\xF0\x9F\x98\x80\""},  // valid UTF-8 as is
-      {"\xFF", R"("\u00ff")"},
-      {"a\x80"
-       "b",
-       R"("a\u0080b")"},                                      // stray continuation byte
-      {"\xC0\x80", R"("\u00c0\u0080")"},                      // overlong form
-      {"\xED\xA0\x80", R"("\u00ed\u00a0\u0080")"},            // an encoded surrogate
-      {"\xF4\x90\x80\x80", R"("\u00f4\u0090\u0080\u0080")"},  // above U+10FFFF
-      {"\xE2\x82x", R"("\u00e2\u0082x")"},                    // cut short by another byte
-  };
-  for (const auto& c : cases) EXPECT_EQ(json_quote_bytes(c.bytes), c.json) << c.json;
-}
-
-TEST(ToolJsonWriter, IndentsByTwoAndWritesEmptyContainersInline) {
+// Two spaces a level and empty containers inline; a message's arguments each
+// by their own alternative.
+TEST(ToolJsonWriter, LayoutAndMessageFailure) {
+  zvtool::message_failure failure{"A:B:C:Key", resource_core::BaseMsgID("A:B:C", "Key"), u"m\n"};
+  failure.id.args.emplace_back(std::in_place_index<1>, std::string("8-bit\xFF"));
+  failure.id.args.emplace_back(std::in_place_index<2>, std::u16string(u"16\xD800"));
   json_writer out;
   out.begin_object();
   out.key("list");
@@ -79,8 +57,8 @@ TEST(ToolJsonWriter, IndentsByTwoAndWritesEmptyContainersInline) {
   out.key("empty");
   out.begin_array();
   out.end_array();
-  out.key("text");
-  out.text_value(u"x");
+  out.key("error");
+  zvtool::write_message_failure(out, failure);
   out.end_object();
   EXPECT_EQ(out.text(),
             "{\n"
@@ -90,7 +68,15 @@ TEST(ToolJsonWriter, IndentsByTwoAndWritesEmptyContainersInline) {
             "    {}\n"
             "  ],\n"
             "  \"empty\": [],\n"
-            "  \"text\": \"x\"\n"
+            "  \"error\": {\n"
+            "    \"identifier\": \"A:B:C:Key\",\n"
+            "    \"key\": \"Key\",\n"
+            "    \"arguments\": [\n"
+            "      \"8-bit\\u00ff\",\n"
+            "      \"16\\ud800\"\n"
+            "    ],\n"
+            "    \"message\": \"m\\n\"\n"
+            "  }\n"
             "}");
 }
 
@@ -130,8 +116,6 @@ TEST(ToolMessageLine, NamesThePairAndHints) {
       {{"DecimalSeparator", ",,"},
        "InvalidStringProperty: DecimalSeparator: The value of 'DecimalSeparator' must be a "
        "character vector. DecimalSeparator takes exactly one character.\n"},
-      {{"TrimNonNumeric", "yes"},
-       "ExpectedScalarLogical: TrimNonNumeric: The value must be a logical scalar (true or false).\n"},
       {{"DataLine"}, "OddNumberNVPairs: Name-value arguments must come in pairs: every option name needs a value.\n"},
   };
   for (const auto& c : cases) {
@@ -140,26 +124,6 @@ TEST(ToolMessageLine, NamesThePairAndHints) {
     ASSERT_TRUE(failure.has_value()) << c.line;
     EXPECT_EQ(zvtool::message_line(*failure), "zvtextparser: ZORVEK:textio:textio:" + c.line);
   }
-}
-
-TEST(ToolMessageFailure, WritesArgumentsByTheirOwnAlternative) {
-  zvtool::message_failure failure{"A:B:C:Key", resource_core::BaseMsgID("A:B:C", "Key"), u"m\n"};
-  failure.id.args.emplace_back(std::in_place_index<1>, std::string("\xFF"
-                                                                   "8-bit"));
-  failure.id.args.emplace_back(std::in_place_index<2>, std::u16string(u"\xD800"
-                                                                      "16"));
-  json_writer out;
-  zvtool::write_message_failure(out, failure);
-  EXPECT_EQ(out.text(),
-            "{\n"
-            "  \"identifier\": \"A:B:C:Key\",\n"
-            "  \"key\": \"Key\",\n"
-            "  \"arguments\": [\n"
-            "    \"\\u00ff8-bit\",\n"
-            "    \"\\ud80016\"\n"
-            "  ],\n"
-            "  \"message\": \"m\\n\"\n"
-            "}");
 }
 
 TEST(ToolRecordJson, EveryFieldUnderItsOwnName) {

@@ -7,42 +7,31 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <fstream>
-#include <sstream>
+#include <cstdio>
+#include <memory>
 #include <stdexcept>
-
-#include <gtest/gtest.h>
 
 extern char** environ;
 
 namespace test_support {
 namespace {
 
-// A temporary file that is removed again when the run is over.
-class temp_file {
- public:
-  temp_file() : path_(::testing::TempDir() + "zvtextparser_tool_XXXXXX") {
-    fd_ = ::mkstemp(path_.data());
-    if (fd_ < 0) throw std::runtime_error("cannot create a temporary file in " + ::testing::TempDir());
-  }
-  temp_file(const temp_file&) = delete;
-  temp_file& operator=(const temp_file&) = delete;
-  ~temp_file() {
-    ::close(fd_);
-    ::unlink(path_.c_str());
-  }
-  int fd() const { return fd_; }
-  std::string contents() const {
-    std::ifstream in(path_, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
+using file_ptr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
- private:
-  std::string path_;
-  int fd_ = -1;
-};
+// An unnamed temporary file, for one of the child's outputs.
+file_ptr temp_file() {
+  file_ptr file(std::tmpfile(), &std::fclose);
+  if (!file) throw std::runtime_error("cannot create a temporary file");
+  return file;
+}
+
+std::string contents(std::FILE* file) {
+  std::string text;
+  std::rewind(file);
+  char buffer[4096];
+  for (std::size_t n = 0; (n = std::fread(buffer, 1, sizeof buffer, file)) > 0;) text.append(buffer, n);
+  return text;
+}
 
 }  // namespace
 
@@ -54,8 +43,8 @@ tool_run run_tool(const std::vector<std::string>& args, const tool_setup& setup)
   for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
   argv.push_back(nullptr);
 
-  temp_file out;
-  temp_file err;
+  const file_ptr out = temp_file();
+  const file_ptr err = temp_file();
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   if (setup.close_stdout) {
@@ -63,11 +52,12 @@ tool_run run_tool(const std::vector<std::string>& args, const tool_setup& setup)
   } else if (!setup.stdout_path.empty()) {
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, setup.stdout_path.c_str(), O_WRONLY, 0);
   } else {
-    posix_spawn_file_actions_adddup2(&actions, setup.stdout_fd >= 0 ? setup.stdout_fd : out.fd(), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, setup.stdout_fd >= 0 ? setup.stdout_fd : fileno(out.get()),
+                                     STDOUT_FILENO);
   }
   if (setup.close_stdin) posix_spawn_file_actions_addclose(&actions, STDIN_FILENO);
   if (setup.stdin_fd >= 0) posix_spawn_file_actions_adddup2(&actions, setup.stdin_fd, STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, err.fd(), STDERR_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, fileno(err.get()), STDERR_FILENO);
   // An ignored signal stays ignored in the child; a default one is set so.
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
@@ -105,8 +95,8 @@ tool_run run_tool(const std::vector<std::string>& args, const tool_setup& setup)
     run.status = WEXITSTATUS(wait_status);
   else if (WIFSIGNALED(wait_status))
     run.status = 128 + WTERMSIG(wait_status);
-  run.out = out.contents();
-  run.err = err.contents();
+  run.out = contents(out.get());
+  run.err = contents(err.get());
   return run;
 }
 
