@@ -22,8 +22,8 @@ using textio::import::user_choices;
 // What detection finds, as the corpus spells it: delimiter, header lines,
 // names line, variables, decimal and thousands separators, table end, quote,
 // escape and comment marker.
-std::string layout_of(const std::string& text) {
-  const auto got = detection_corpus::detect_fields(text, true);
+std::string layout_of(const detection_result& r) {
+  const auto got = detection_corpus::fields_of(r);
   std::string out = got.at("delimiter").starts_with("fixed:") ? "fixed" : got.at("delimiter");
   for (const char* field : {"header_lines", "names_line", "num_variables", "decimal", "thousands", "table_end", "quote",
                             "escape", "comment"}) {
@@ -62,8 +62,8 @@ const std::array<std::string, 3> layout_cases[] = {
 
 TEST(Detection, FindsTheLayout) {
   for (const auto& [name, text, layout] : layout_cases) {
-    EXPECT_EQ(layout_of(text), layout) << name;
     const detection_result r = detect(text, true, {}, {});
+    EXPECT_EQ(layout_of(r), layout) << name;
     EXPECT_FALSE(r.options.detecting_delimiter() || r.options.detecting_num_header_lines() ||
                  r.options.detecting_num_variables())
         << name;
@@ -85,8 +85,7 @@ TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   EXPECT_EQ(widths.options.num_variables(), 3u);
   // The delimited reader given without a delimiter: the delimiter is found.
   given.parser_type(ParserType::Delimited);
-  const detection_result delimited = detect("a;b\n1;2\n3;4\n", true, given, choices);
-  EXPECT_EQ(delimited.options.delimiter(), std::vector<std::u16string>{u";"});
+  EXPECT_EQ(layout_of(detect("a;b\n1;2\n3;4\n", true, given, choices)), "; 1 1 2 . - - \" double -");
 }
 
 TEST(Detection, NamesOverSeveralLinesAreJoinedPerColumn) {
@@ -94,8 +93,7 @@ TEST(Detection, NamesOverSeveralLinesAreJoinedPerColumn) {
       "name,height,weight\n,m,kg\nann,1.61,55.5\nbob,1.82,80.25\ncid,1.75,70.5\n"
       "dan,1.69,66.0\n",
       true, {}, {});
-  EXPECT_EQ(r.options.variable_names_line(), 1u);
-  EXPECT_EQ(r.options.num_header_lines(), 2u);
+  EXPECT_EQ(layout_of(r), ", 2 1 3 . - - \" double -");
   EXPECT_EQ(r.format.variable_names, (std::vector<std::string>{"name", "height m", "weight kg"}));
 }
 
@@ -111,13 +109,7 @@ TEST(Detection, WhatTheUserGaveStays) {
   choices.quote = '\0';
   choices.encoding = "ISO-8859-1";
   const detection_result r = detect("# x\nname;v\na;1,5\nb;2,5\nc;3,5\n", true, given, choices);
-  EXPECT_EQ(r.options.delimiter(), std::vector<std::u16string>{u"|"});
-  EXPECT_EQ(r.options.num_header_lines(), 0u);
-  EXPECT_EQ(r.options.num_variables(), 7u);
-  EXPECT_EQ(r.options.decimal_separator(), u'.');
-  EXPECT_EQ(r.options.variable_names_line(), 0u);
-  EXPECT_TRUE(r.options.comment_style().empty());
-  EXPECT_EQ(r.format.quote, '\0');
+  EXPECT_EQ(layout_of(r), "| 0 0 7 . - - none double -");
   EXPECT_FALSE(r.format.quote_detected);
   EXPECT_EQ(r.format.encoding, "ISO-8859-1");
 }
