@@ -15,25 +15,16 @@ using textio::import::output_value;
 using textio::import::table_column;
 using textio::import::value_kind;
 
-output_value text(std::string_view bytes) {
+output_value value(value_kind kind, std::string_view bytes, double n = 0) {
   output_value v;
-  v.kind = value_kind::text;
+  v.kind = kind;
   v.bytes = bytes;
-  return v;
-}
-output_value number(double n) {
-  output_value v;
-  v.kind = value_kind::number;
   v.number = n;
+  v.integer = static_cast<std::int64_t>(n);
   return v;
 }
-output_value whole(std::int64_t n) {
-  output_value v;
-  v.kind = value_kind::integer;
-  v.integer = n;
-  return v;
-}
-output_value missing() { return {}; }
+output_value text(std::string_view bytes) { return value(value_kind::text, bytes); }
+output_value number(double n) { return value(value_kind::number, {}, n); }
 
 // Every row of a column as text: "-" where missing.
 std::string rows_of(const table_column& c) {
@@ -57,10 +48,10 @@ TEST(ColumnTable, SinkKeepsKindsAndPadsRaggedRecords) {
   header.names = {text("a"), text("b")};
   sink.header(header);
   const std::vector<output_value> rows[] = {
-      {number(1.5), missing()},                // b has only missing values so far
-      {whole(2), text("x,y"), text("extra")},  // a third column appears
-      {missing()},                             // padded
-      {text("word"), text("")},                // a turns to text
+      {number(1.5), {}},                                                // b has only missing values so far
+      {value(value_kind::integer, {}, 2), text("x,y"), text("extra")},  // a third column appears
+      {{}},                                                             // padded
+      {text("word"), text("")},                                         // a turns to text
   };
   for (const auto& row : rows) sink.record(row);
   sink.padded_record(std::vector<output_value>{number(0.1)}, 3);  // padding beyond the table: a fourth column
@@ -70,37 +61,28 @@ TEST(ColumnTable, SinkKeepsKindsAndPadsRaggedRecords) {
   ASSERT_EQ(table.columns.size(), 4u);
   EXPECT_EQ(table.columns[0].name, "a");
   EXPECT_EQ(table.columns[2].name, "");
-  const struct {
-    column_kind kind;
-    std::string rows;
-  } expected[] = {
+  const std::pair<column_kind, std::string> expected[] = {
       {column_kind::text, "1.5 2 - word 0.1"},
-      {column_kind::text,
-       "- x,y - "
-       " -"},
+      {column_kind::text, "- x,y -  -"},  // the empty text is there, not missing
       {column_kind::text, "- extra - - -"},
       {column_kind::missing, "- - - - -"},
   };
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    EXPECT_EQ(table.columns[i].kind, expected[i].kind) << i;
-    EXPECT_EQ(rows_of(table.columns[i]), expected[i].rows) << i;
+    EXPECT_EQ(table.columns[i].kind, expected[i].first) << i;
+    EXPECT_EQ(rows_of(table.columns[i]), expected[i].second) << i;
     EXPECT_EQ(table.columns[i].missing.size(), table.rows) << i;
   }
-  // Text columns are one buffer with offsets; the empty text is present, not missing.
-  EXPECT_EQ(table.columns[1].text, "x,y");
-  EXPECT_EQ(table.columns[1].missing[3], 0);
+  EXPECT_EQ(table.columns[1].text, "x,y");  // one buffer with offsets
 }
 
 TEST(ColumnTable, ReadsAFileIntoNumberColumns) {
-  const std::string path = import_test::write_file("x,y\n1,2.5\n3,\n-4e2,abc\n");
   textio::parser::options opts;
   opts.num_header_lines(1);
   opts.variable_names_line(1);
   opts.output_type(textio::enums::OutputBuilderType::Matrix);
-  const auto table = textio::import::read_columns(path, opts);
+  const auto table = textio::import::read_columns(import_test::write_file("x,y\n1,2.5\n3,\n-4e2,abc\n"), opts);
   ASSERT_EQ(table.rows, 3u);
   ASSERT_EQ(table.columns.size(), 2u);
-  EXPECT_EQ(table.columns[0].name, "x");
   EXPECT_EQ(table.columns[1].name, "y");
   ASSERT_EQ(table.columns[0].kind, column_kind::number);
   EXPECT_EQ(table.columns[0].numbers, (std::vector<double>{1, 3, -400}));

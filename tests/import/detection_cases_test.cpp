@@ -2,12 +2,14 @@
 // gives it nothing to go by.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "errors/msg_id_exception.hpp"
 #include "import/detection.hpp"
+#include "import/detection_corpus.hpp"
 #include "import/encoding.hpp"
 
 namespace {
@@ -17,66 +19,58 @@ using textio::import::detect;
 using textio::import::detection_result;
 using textio::import::user_choices;
 
-struct layout_case {
-  const char* name;
-  std::string text;
-  std::u16string delimiter;  // empty: none (one column)
-  ParserType parser;
-  std::uint64_t header_lines;
-  std::uint64_t names_line;
-  std::uint64_t num_variables;
-  char16_t decimal;
-  std::u16string thousands;
-  std::optional<std::uint64_t> table_end;
-};
+// What detection finds, as the corpus spells it: delimiter, header lines,
+// names line, variables, decimal and thousands separators, table end, quote,
+// escape and comment marker.
+std::string layout_of(const detection_result& r) {
+  const auto got = detection_corpus::fields_of(r);
+  std::string out = got.at("delimiter").starts_with("fixed:") ? "fixed" : got.at("delimiter");
+  for (const char* field : {"header_lines", "names_line", "num_variables", "decimal", "thousands", "table_end", "quote",
+                            "escape", "comment"}) {
+    out += std::string(" ") + got.at(field);
+  }
+  return out;
+}
 
 const std::string fixed_width_table =
     "name          year  value\nBurkina Faso  1952  31.97\nBenin         1952  38.22\nCote d Ivoire 1952  40.47\n"
     "Algeria       1952  43.07\n";
 
-const layout_case layout_cases[] = {
+const std::array<std::string, 3> layout_cases[] = {
     {"semicolon_title_names_decimal_comma",
-     "Monthly report\nregion;amount;share\nnorth;1,5;0,25\nsouth;2,75;0,5\neast;3,5;0,125\nwest;4,0;0,125\n", u";",
-     ParserType::Delimited, 2, 2, 3, u',', u"", std::nullopt},
-    {"grouped_thousands_with_decimal_comma", "a;b\n1;1.234.567,8\n2;2.345,5\n3;12.345.678,25\n4;3.456,0\n", u";",
-     ParserType::Delimited, 1, 1, 2, u',', u".", std::nullopt},
-    {"no_names_when_first_row_is_data", "1,2.5,x\n2,3.5,y\n3,4.5,z\n4,5.5,w\n", u",", ParserType::Delimited, 0, 0, 3,
-     u'.', u"", std::nullopt},
-    {"trailing_delimiter_is_no_variable", "a;b;\n1;2;\n3;4;\n5;6;\n", u";", ParserType::Delimited, 1, 1, 2, u'.', u"",
-     std::nullopt},
-    {"footnotes_end_the_table", "x,y\n1,2\n3,4\n5,6\n7,8\n\nSource: a survey of nothing in particular\n", u",",
-     ParserType::Delimited, 1, 1, 2, u'.', u"", 6},
-    {"blank_aligned_columns", "  x    y    z\n  1  2.5  abc\n  2  3.5  def\n 10 12.5  ghi\n", u" ", ParserType::Tabular,
-     1, 1, 3, u'.', u"", std::nullopt},
-    {"fixed_width_with_blanks_inside_fields", fixed_width_table, u"", ParserType::FixedWidth, 1, 1, 3, u'.', u"",
-     std::nullopt},
-    {"one_column", "value\n1\n2\n3\n4\n", u"", ParserType::Delimited, 1, 1, 1, u'.', u"", std::nullopt},
+     "Monthly report\nregion;amount;share\nnorth;1,5;0,25\nsouth;2,75;0,5\neast;3,5;0,125\nwest;4,0;0,125\n",
+     "; 2 2 3 , - - \" double -"},
+    {"grouped_thousands_with_decimal_comma", "a;b\n1;1.234.567,8\n2;2.345,5\n3;12.345.678,25\n4;3.456,0\n",
+     "; 1 1 2 , . - \" double -"},
+    {"no_names_when_first_row_is_data", "1,2.5,x\n2,3.5,y\n3,4.5,z\n4,5.5,w\n", ", 0 0 3 . - - \" double -"},
+    {"trailing_delimiter_is_no_variable", "a;b;\n1;2;\n3;4;\n5;6;\n", "; 1 1 2 . - - \" double -"},
+    {"footnotes_end_the_table", "x,y\n1,2\n3,4\n5,6\n7,8\n\nSource: a survey of nothing in particular\n",
+     ", 1 1 2 . - 6 \" double -"},
+    {"blank_aligned_columns", "  x    y    z\n  1  2.5  abc\n  2  3.5  def\n 10 12.5  ghi\n",
+     "blanks 1 1 3 . - - \" double -"},
+    {"fixed_width_with_blanks_inside_fields", fixed_width_table, "fixed 1 1 3 . - - \" double -"},
+    {"one_column", "value\n1\n2\n3\n4\n", "none 1 1 1 . - - \" double -"},
+    // The quote and escape are chosen with the delimiter: ' encloses fields
+    // with commas; a backslash escapes quotes inside; a quote that never
+    // closes is no quote, though it would cut the same table.
+    {"single_quote", "a,b\n1,'x, y'\n2,'z, w'\n3,'v, u'\n", ", 1 1 2 . - - ' double -"},
+    {"backslash_escape", "a,b\n1,\"say \\\"hi\\\", then\"\n2,\"x\"\n3,\"and \\\"bye\\\"\"\n",
+     ", 1 1 2 . - - \" backslash -"},
+    {"stray_quote", "a,b\n1,2\n3,4\n5,\"6\n", ", 1 1 2 . - - none double -"},
+    {"comment_lines", "# made by hand\nx\ty\n1\t2\n# a note\n3\t4\n5\t6\n", "tab 2 2 2 . - - \" double #"},
 };
 
-class Layout : public ::testing::TestWithParam<layout_case> {};
-
-TEST_P(Layout, IsFound) {
-  const layout_case& c = GetParam();
-  const detection_result r = detect(c.text, true, {}, {});
-  const auto& o = r.options;
-  EXPECT_EQ(o.parser_type(), c.parser);
-  if (c.parser == ParserType::Delimited) {
-    EXPECT_EQ(o.delimiter(), c.delimiter.empty() ? std::vector<std::u16string>{} : std::vector{c.delimiter});
+TEST(Detection, FindsTheLayout) {
+  for (const auto& [name, text, layout] : layout_cases) {
+    const detection_result r = detect(text, true, {}, {});
+    EXPECT_EQ(layout_of(r), layout) << name;
+    EXPECT_FALSE(r.options.detecting_delimiter() || r.options.detecting_num_header_lines() ||
+                 r.options.detecting_num_variables())
+        << name;
+    EXPECT_GT(r.report.confidence, 0.5) << name;
+    EXPECT_TRUE(r.format.quote_detected) << name;
   }
-  EXPECT_EQ(o.num_header_lines(), c.header_lines);
-  EXPECT_EQ(o.variable_names_line(), c.names_line);
-  EXPECT_EQ(o.num_variables(), c.num_variables);
-  EXPECT_FALSE(o.detecting_delimiter());
-  EXPECT_FALSE(o.detecting_num_header_lines());
-  EXPECT_FALSE(o.detecting_num_variables());
-  EXPECT_EQ(o.decimal_separator(), c.decimal);
-  EXPECT_EQ(o.thousands_separator(), c.thousands);
-  EXPECT_EQ(r.format.table_end_line, c.table_end);
-  EXPECT_GT(r.report.confidence, 0.5);
 }
-
-INSTANTIATE_TEST_SUITE_P(Detection, Layout, ::testing::ValuesIn(layout_cases),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   const detection_result r = detect(fixed_width_table, true, {}, {});
@@ -91,23 +85,7 @@ TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   EXPECT_EQ(widths.options.num_variables(), 3u);
   // The delimited reader given without a delimiter: the delimiter is found.
   given.parser_type(ParserType::Delimited);
-  const detection_result delimited = detect("a;b\n1;2\n3;4\n", true, given, choices);
-  EXPECT_EQ(delimited.options.delimiter(), std::vector<std::u16string>{u";"});
-}
-
-TEST(Detection, QuoteAndEscapeAreChosenWithTheDelimiter) {
-  // ' encloses fields with commas; a backslash escapes quotes inside.
-  const detection_result single = detect("a,b\n1,'x, y'\n2,'z, w'\n3,'v, u'\n", true, {}, {});
-  EXPECT_EQ(single.format.quote, '\'');
-  EXPECT_EQ(single.options.num_variables(), 2u);
-  const detection_result backslash =
-      detect("a,b\n1,\"say \\\"hi\\\", then\"\n2,\"x\"\n3,\"and \\\"bye\\\"\"\n", true, {}, {});
-  EXPECT_EQ(backslash.format.escape, textio::import::escape_style::backslash);
-  EXPECT_TRUE(backslash.format.quote_detected);
-  // A quote that never closes is no quote character, though it would cut the
-  // same table.
-  const detection_result stray = detect("a,b\n1,2\n3,4\n5,\"6\n", true, {}, {});
-  EXPECT_NE(stray.format.quote, '"');
+  EXPECT_EQ(layout_of(detect("a;b\n1;2\n3;4\n", true, given, choices)), "; 1 1 2 . - - \" double -");
 }
 
 TEST(Detection, NamesOverSeveralLinesAreJoinedPerColumn) {
@@ -115,16 +93,8 @@ TEST(Detection, NamesOverSeveralLinesAreJoinedPerColumn) {
       "name,height,weight\n,m,kg\nann,1.61,55.5\nbob,1.82,80.25\ncid,1.75,70.5\n"
       "dan,1.69,66.0\n",
       true, {}, {});
-  EXPECT_EQ(r.options.variable_names_line(), 1u);
-  EXPECT_EQ(r.options.num_header_lines(), 2u);
+  EXPECT_EQ(layout_of(r), ", 2 1 3 . - - \" double -");
   EXPECT_EQ(r.format.variable_names, (std::vector<std::string>{"name", "height m", "weight kg"}));
-}
-
-TEST(Detection, CommentLinesGiveTheCommentStyle) {
-  const detection_result r = detect("# made by hand\nx\ty\n1\t2\n# a note\n3\t4\n5\t6\n", true, {}, {});
-  EXPECT_EQ(r.options.comment_style(), std::vector<std::u16string>{u"#"});
-  EXPECT_EQ(r.options.num_header_lines(), 2u);
-  EXPECT_EQ(r.options.variable_names_line(), 2u);
 }
 
 TEST(Detection, WhatTheUserGaveStays) {
@@ -139,72 +109,46 @@ TEST(Detection, WhatTheUserGaveStays) {
   choices.quote = '\0';
   choices.encoding = "ISO-8859-1";
   const detection_result r = detect("# x\nname;v\na;1,5\nb;2,5\nc;3,5\n", true, given, choices);
-  EXPECT_EQ(r.options.delimiter(), std::vector<std::u16string>{u"|"});
-  EXPECT_EQ(r.options.num_header_lines(), 0u);
-  EXPECT_EQ(r.options.num_variables(), 7u);
-  EXPECT_EQ(r.options.decimal_separator(), u'.');
-  EXPECT_EQ(r.options.variable_names_line(), 0u);
-  EXPECT_TRUE(r.options.comment_style().empty());
-  EXPECT_EQ(r.format.quote, '\0');
+  EXPECT_EQ(layout_of(r), "| 0 0 7 . - - none double -");
   EXPECT_FALSE(r.format.quote_detected);
   EXPECT_EQ(r.format.encoding, "ISO-8859-1");
 }
 
 TEST(Encoding, IsRecognisedAndDecoded) {
-  struct {
-    std::string raw;
-    const char* name;
-    std::string decoded;
-  } cases[] = {
-      {"\xEF\xBB\xBF"
-       "a,b\n",
-       "UTF-8", "a,b\n"},
-      {std::string("\xFF\xFE"
-                   "a\0,\0b\0",
-                   8),
-       "UTF-16LE", "a,b"},
+  // Plain UTF-8, UTF-16 with a BOM and WINDOWS-1252 are in the corpus.
+  const std::string cases[][3] = {
+      {std::string("\xEF\xBB\xBF") + "a,b\n", "UTF-8", "a,b\n"},
       {std::string("\0a\0,\0\xE9", 6), "UTF-16BE", "a,\xC3\xA9"},
-      {std::string("\xFF\xFE\0\0"
-                   "a\0\0\0",
-                   8),
-       "UTF-32LE", "a"},
-      {"caf\xC3\xA9;1\n", "UTF-8", "caf\xC3\xA9;1\n"},
-      {"Stra\xDF"
-       "e;K\xF6ln\n",
-       "WINDOWS-1252",
-       "Stra\xC3\x9F"
-       "e;K\xC3\xB6ln\n"},
+      {std::string("\xFF\xFE\0\0a\0\0\0", 8), "UTF-32LE", "a"},
   };
-  for (const auto& c : cases) {
-    const textio::import::encoding_guess g = textio::import::detect_encoding(c.raw);
-    EXPECT_EQ(g.name, c.name) << c.raw;
-    EXPECT_EQ(textio::import::decode_sample(c.raw, g.name, true), c.decoded) << c.raw;
+  for (const auto& [raw, name, decoded] : cases) {
+    const textio::import::encoding_guess g = textio::import::detect_encoding(raw);
+    EXPECT_EQ(g.name, name) << raw;
+    EXPECT_EQ(textio::import::decode_sample(raw, g.name, true), decoded) << raw;
   }
   // A character cut off by the end of a sample is dropped, not an error.
   EXPECT_EQ(textio::import::decode_sample("ab\xC3", "UTF-8", false), "ab");
   EXPECT_EQ(textio::import::decode_sample(std::string("a\0b", 3), "UTF-16LE", false), "a");
 }
 
-std::string message_of(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const foundation::core::except::IMsgIDException& e) {
-    std::string s = e.GetBaseMsgID().key;
-    for (const auto& a : e.GetBaseMsgID().args) {
-      s += ' ';
-      s += std::holds_alternative<std::uint64_t>(a) ? std::to_string(std::get<std::uint64_t>(a))
-                                                    : std::get<std::string>(a);
-    }
-    return s;
-  }
-  return "no error";
-}
-
 TEST(Encoding, BytesInvalidInAForcedEncodingAreAnErrorWithTheirOffset) {
-  EXPECT_EQ(message_of([] { textio::import::decode_sample("ab\ncd\xE9", "UTF-8", true); }), "InvalidUtf8 5");
-  EXPECT_EQ(message_of([] { textio::import::decode_sample("abc\x80z", "ASCII", true); }), "InvalidEncoding ASCII 3");
-  EXPECT_EQ(message_of([] { textio::import::decode_sample("a", "NO-SUCH-ENCODING", true); }),
-            "UnknownEncoding NO-SUCH-ENCODING");
+  const auto message_of = [](const std::function<void()>& f) {
+    try {
+      f();
+    } catch (const foundation::core::except::IMsgIDException& e) {
+      std::string s = e.GetBaseMsgID().key;
+      for (const auto& a : e.GetBaseMsgID().args) {
+        const auto* n = std::get_if<std::uint64_t>(&a);
+        s += ' ' + (n ? std::to_string(*n) : std::get<std::string>(a));
+      }
+      return s;
+    }
+    return std::string("no error");
+  };
+  using textio::import::decode_sample;
+  EXPECT_EQ(message_of([] { decode_sample("ab\ncd\xE9", "UTF-8", true); }), "InvalidUtf8 5");
+  EXPECT_EQ(message_of([] { decode_sample("abc\x80z", "ASCII", true); }), "InvalidEncoding ASCII 3");
+  EXPECT_EQ(message_of([] { decode_sample("a", "NO-SUCH-ENCODING", true); }), "UnknownEncoding NO-SUCH-ENCODING");
   user_choices forced;
   forced.encoding = "UTF-8";
   EXPECT_EQ(message_of([&] { detect("x\n\xFF\n", true, {}, forced); }), "InvalidUtf8 2");
@@ -216,22 +160,14 @@ TEST(Detection, InputWithNothingToGoByGivesALowConfidence) {
   std::string every_line_different;
   for (std::size_t i = 1; i < 40; ++i) every_line_different += std::string(i * 3, ',') + "x\n";
   const std::string huge_line(std::size_t{1} << 20, 'a');
-  struct {
-    const char* name;
-    std::string raw;
-    double at_most;
-  } cases[] = {
-      {"empty", "", 0.0},
-      {"one_line", "a,b,c\n", 0.5},
-      {"binary", binary, 0.2},
-      {"one_huge_line", huge_line, 0.5},
-      {"every_line_different", every_line_different, 0.5},
+  const std::pair<std::string, double> cases[] = {
+      {"", 0.0}, {"a,b,c\n", 0.5}, {binary, 0.2}, {huge_line, 0.5}, {every_line_different, 0.5},
   };
-  for (const auto& c : cases) {
+  for (const auto& [raw, at_most] : cases) {
     for (const bool whole : {true, false}) {
-      const detection_result r = detect(c.raw, whole, {}, {});
-      EXPECT_LE(r.report.confidence, c.at_most) << c.name;
-      EXPECT_GE(r.report.confidence, 0.0) << c.name;
+      const detection_result r = detect(raw, whole, {}, {});
+      EXPECT_LE(r.report.confidence, at_most) << raw.substr(0, 20);
+      EXPECT_GE(r.report.confidence, 0.0) << raw.substr(0, 20);
     }
   }
 }

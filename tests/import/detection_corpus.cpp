@@ -4,8 +4,6 @@
 #include <iterator>
 #include <sstream>
 
-#include "import/detection.hpp"
-
 namespace detection_corpus {
 namespace {
 
@@ -97,8 +95,11 @@ std::string read_sample(const std::string& path, bool& whole) {
 }
 
 std::map<std::string, std::string> detect_fields(const std::string& sample, bool whole) {
+  return fields_of(textio::import::detect(sample, whole, {}, {}));
+}
+
+std::map<std::string, std::string> fields_of(const textio::import::detection_result& r) {
   using textio::enums::ParserType;
-  const textio::import::detection_result r = textio::import::detect(sample, whole, {}, {});
   const auto& o = r.options;
   std::map<std::string, std::string> got;
   got["encoding"] = r.format.encoding;

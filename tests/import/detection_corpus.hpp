@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "import/detection.hpp"
+
 namespace detection_corpus {
 
 // The fields compared, in manifest order.
@@ -25,7 +27,8 @@ std::vector<entry> load_manifest(const std::string& dir);
 // end of that line. `whole` says whether that is all of the file.
 std::string read_sample(const std::string& path, bool& whole);
 
-// Detection with nothing given, in the manifest's spelling.
+// Detection's answers in the manifest's spelling; detect_fields gives nothing.
+std::map<std::string, std::string> fields_of(const textio::import::detection_result& r);
 std::map<std::string, std::string> detect_fields(const std::string& sample, bool whole);
 
 // Whether `got` answers `expected` for the file whose sample is `sample`:

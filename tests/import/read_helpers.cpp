@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <fstream>
 #include <sstream>
 
@@ -19,58 +18,43 @@ std::string write_file(const std::string& contents) {
   static std::atomic<int> counter{0};
   const std::string path =
       ::testing::TempDir() + "zvtextimport_" + std::to_string(::getpid()) + "_" + std::to_string(counter++) + ".txt";
-  std::ofstream out(path, std::ios::binary);
-  out << contents;
+  std::ofstream(path, std::ios::binary) << contents;
   return path;
 }
 
 read_output read_file(const std::string& path, const std::vector<std::string>& args) {
   std::vector<std::string> all{path, "--no-detect"};
   all.insert(all.end(), args.begin(), args.end());
-  const auto names = [&](std::string_view word) {
-    return std::any_of(args.begin(), args.end(), [&](const std::string& a) {
-      return a.size() == word.size() && std::equal(a.begin(), a.end(), word.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-             });
-    });
-  };
-  if (!names("OutputBuilderType") && !names("--struct")) {
-    all.push_back("OutputBuilderType");
-    all.push_back("cell");
+  if (std::find(args.begin(), args.end(), "OutputBuilderType") == args.end()) {
+    all.insert(all.end(), {"OutputBuilderType", "cell"});
   }
-  const zvtool::parsed_arguments scanned = zvtool::parse_subcommand_arguments("read", all);
   std::ostringstream text;
-  const zvtool::tool_result result = zvtool::run_read(scanned, text);
   read_output out;
-  out.status = result.status;
+  out.status = zvtool::run_read(zvtool::parse_subcommand_arguments("read", all), text).status;
   out.raw = text.str();
   std::istringstream lines(out.raw);
-  std::string line;
-  bool first = true;
-  while (std::getline(lines, line)) {
+  for (std::string line; std::getline(lines, line);) {
     if (line.starts_with("{\"error\"")) {
       out.error = line;
-    } else if (first) {
+    } else if (out.header.empty() && out.records.empty()) {
       out.header = line;
     } else {
       out.records.push_back(line);
     }
-    first = false;
   }
   return out;
 }
 
-read_output read_text(const std::string& contents, const std::vector<std::string>& args) {
-  return read_file(write_file(contents), args);
-}
-
 std::string joined(const read_output& out) {
   std::string text;
-  for (const auto& r : out.records) {
-    if (!text.empty()) text += " | ";
-    text += r;
-  }
-  return text;
+  for (const auto& r : out.records) text += (text.empty() ? "" : " | ") + r;
+  if (out.error.empty()) return text;
+  // The error's key and arguments as the error line writes them.
+  const auto field = [&](const std::string& name, char close) {
+    const std::size_t begin = out.error.find(name) + name.size();
+    return out.error.substr(begin, out.error.find(close, begin) - begin);
+  };
+  return text + (text.empty() ? "" : " | ") + field("\"key\": \"", '"') + "(" + field("\"arguments\": [", ']') + ")";
 }
 
 }  // namespace import_test

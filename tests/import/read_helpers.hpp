@@ -1,5 +1,5 @@
-// Reading small files that a test writes, through the read subcommand in
-// process, and splitting its JSON-lines output.
+// Small files written by a test and read through the read subcommand in
+// process, its JSON-lines output split up.
 #pragma once
 
 #include <string>
@@ -9,24 +9,23 @@ namespace import_test {
 
 struct read_output {
   int status = -1;
-  std::string header;                // the first line (variables, units, descriptions)
+  std::string header;                // the first line
   std::vector<std::string> records;  // the record lines, without an error line
   std::string error;                 // the {"error": ...} line, if any
   std::string raw;                   // everything written to standard output
 };
 
-// Writes `contents` to a fresh file in the test's temporary folder and gives
-// its path.
+// Writes `contents` to a fresh file in the test's temporary folder.
 std::string write_file(const std::string& contents);
 
-// zvtextparser read <file> --no-detect <args...>, in process. Unless the
-// arguments name OutputBuilderType (or give --struct), it is "cell": every
-// field as text, which is what these tests look at; typed output has its own
-// tests.
+// zvtextparser read <file> --no-detect <args...>; every field as text unless
+// the arguments name OutputBuilderType.
 read_output read_file(const std::string& path, const std::vector<std::string>& args);
-read_output read_text(const std::string& contents, const std::vector<std::string>& args);
+inline read_output read_text(const std::string& contents, const std::vector<std::string>& args) {
+  return read_file(write_file(contents), args);
+}
 
-// The records joined with " | ", for compact expectations.
+// The records joined with " | ", then the error as Key(arguments), if any.
 std::string joined(const read_output& out);
 
 }  // namespace import_test
