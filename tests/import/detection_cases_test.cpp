@@ -131,8 +131,9 @@ TEST(Encoding, IsRecognisedAndDecoded) {
   EXPECT_EQ(textio::import::decode_sample(std::string("a\0b", 3), "UTF-16LE", false), "a");
 }
 
-TEST(Encoding, BytesInvalidInAForcedEncodingAreAnErrorWithTheirOffset) {
-  const auto message_of = [](const std::function<void()>& f) {
+// Bytes invalid in a forced encoding are an error with their offset.
+TEST(Encoding, ForcedEncodingErrors) {
+  const auto key_of = [](const std::function<void()>& f) {
     try {
       f();
     } catch (const foundation::core::except::IMsgIDException& e) {
@@ -146,12 +147,11 @@ TEST(Encoding, BytesInvalidInAForcedEncodingAreAnErrorWithTheirOffset) {
     return std::string("no error");
   };
   using textio::import::decode_sample;
-  EXPECT_EQ(message_of([] { decode_sample("ab\ncd\xE9", "UTF-8", true); }), "InvalidUtf8 5");
-  EXPECT_EQ(message_of([] { decode_sample("abc\x80z", "ASCII", true); }), "InvalidEncoding ASCII 3");
-  EXPECT_EQ(message_of([] { decode_sample("a", "NO-SUCH-ENCODING", true); }), "UnknownEncoding NO-SUCH-ENCODING");
+  EXPECT_EQ(key_of([] { decode_sample("ab\ncd\xE9", "UTF-8", true); }), "InvalidUtf8 5");
+  EXPECT_EQ(key_of([] { decode_sample("abc\x80z", "ASCII", true); }), "InvalidEncoding ASCII 3");
   user_choices forced;
   forced.encoding = "UTF-8";
-  EXPECT_EQ(message_of([&] { detect("x\n\xFF\n", true, {}, forced); }), "InvalidUtf8 2");
+  EXPECT_EQ(key_of([&] { detect("x\n\xFF\n", true, {}, forced); }), "InvalidUtf8 2");
 }
 
 TEST(Detection, InputWithNothingToGoByGivesALowConfidence) {

@@ -109,17 +109,6 @@ TEST(Streaming, LineEndingAndCharacterSplitAcrossBlocks) {
   EXPECT_TRUE(out.records[0].ends_with(R"(", "é,", "𝄞"])")) << out.records[0].substr(out.records[0].size() - 40);
 }
 
-TEST(Streaming, ManyRecordsAcrossBlocks) {
-  std::string text;
-  for (int i = 0; i < 200000; ++i) text += std::to_string(i) + ",\"q" + std::to_string(i) + "\",x\r\n";
-  const auto out = read_text(text, {"--count"});
-  EXPECT_EQ(out.raw, "{\"records\": 200000, \"fields\": 600000}\n");
-}
-
-}  // namespace
-
-namespace {
-
 struct count_case {
   const char* name;
   std::string contents;

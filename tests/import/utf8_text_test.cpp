@@ -1,4 +1,4 @@
-// The UTF-8 checks and conversion under the reader's input.
+// The UTF-8 check under the reader's input, and numbers read from text.
 #include "import/utf8_text.hpp"
 
 #include <cmath>
@@ -36,13 +36,6 @@ TEST(CheckUtf8, FindsTheFirstBadOrUnfinishedSequence) {
     EXPECT_EQ(check.valid, c.valid) << c.name;
     EXPECT_EQ(check.invalid, c.invalid) << c.name;
   }
-}
-
-TEST(AppendUtf16, ConvertsEverySequenceLength) {
-  std::u16string out = u"<";
-  textio::import::append_utf16(out, "a\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E");
-  EXPECT_EQ(out, u"<aé€𝄞");
-  EXPECT_EQ(textio::import::utf16_length("a\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E"), 5u);
 }
 
 TEST(ToNumber, ReadsNumbersTheWayTheOptionsSay) {
