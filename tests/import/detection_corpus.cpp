@@ -13,11 +13,7 @@ std::string narrow(const std::u16string& s) {
   return out;
 }
 
-std::string spell_char(char c) {
-  if (c == '\t') return "tab";
-  if (c == '\0') return "none";
-  return std::string(1, c);
-}
+std::string spell_char(char c) { return c == '\t' ? "tab" : c == '\0' ? "none" : std::string(1, c); }
 
 std::string encoding_family(std::string e) {
   for (char& c : e) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
@@ -25,28 +21,25 @@ std::string encoding_family(std::string e) {
   return e;
 }
 
-std::vector<std::size_t> widths(const std::string& answer) {
-  std::vector<std::size_t> out;
-  std::stringstream ss(answer.substr(6));
-  std::string w;
-  while (std::getline(ss, w, ',')) out.push_back(std::stoul(w));
+std::vector<std::string> split(const std::string& text, char at) {
+  std::vector<std::string> out;
+  std::stringstream ss(text);
+  for (std::string part; std::getline(ss, part, at);) out.push_back(part);
   return out;
 }
 
-// Every line cut at the widths (bytes; the fixed-width files are ASCII), each
-// field trimmed of blanks.
-std::vector<std::string> cut_lines(const std::string& text, const std::vector<std::size_t>& ws) {
+// Every line cut at the widths of a "fixed:W,W,..." answer (bytes; the
+// fixed-width files are ASCII), each field trimmed of blanks.
+std::vector<std::string> cut_lines(const std::string& text, const std::string& answer) {
   std::vector<std::string> cells;
-  std::stringstream ss(text);
-  std::string line;
-  while (std::getline(ss, line)) {
+  for (const std::string& line : split(text, '\n')) {
     std::size_t at = 0;
-    for (const std::size_t w : ws) {
-      std::string f = at < line.size() ? line.substr(at, w) : "";
+    for (const std::string& w : split(answer.substr(6), ',')) {
+      std::string f = at < line.size() ? line.substr(at, std::stoul(w)) : "";
       f.erase(0, f.find_first_not_of(" \r"));
       f.erase(f.find_last_not_of(" \r") + 1);
       cells.push_back(f);
-      at += w;
+      at += std::stoul(w);
     }
     cells.push_back(at < line.size() ? line.substr(at) : "");
   }
@@ -58,23 +51,17 @@ std::vector<std::string> cut_lines(const std::string& text, const std::vector<st
 std::vector<entry> load_manifest(const std::string& dir) {
   std::ifstream in(dir + "/MANIFEST.tsv");
   std::vector<entry> out;
-  std::string line;
   std::vector<std::string> header;
-  while (std::getline(in, line)) {
+  for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
-    std::vector<std::string> cols;
-    std::stringstream ss(line);
-    std::string col;
-    while (std::getline(ss, col, '\t')) cols.push_back(col);
+    const std::vector<std::string> cols = split(line, '\t');
     if (header.empty()) {
       header = cols;
       continue;
     }
     entry e;
-    for (std::size_t i = 0; i < cols.size() && i < header.size(); ++i) {
-      if (header[i] == "file") e.file = cols[i];
-      e.expected[header[i]] = cols[i];
-    }
+    for (std::size_t i = 0; i < cols.size() && i < header.size(); ++i) e.expected[header[i]] = cols[i];
+    e.file = e.expected["file"];
     out.push_back(std::move(e));
   }
   return out;
@@ -104,19 +91,14 @@ std::map<std::string, std::string> fields_of(const textio::import::detection_res
   std::map<std::string, std::string> got;
   got["encoding"] = r.format.encoding;
   if (o.parser_type() == ParserType::FixedWidth) {
-    std::string w = "fixed:";
-    for (std::size_t i = 0; i < o.field_widths().size(); ++i) {
-      if (i > 0) w += ',';
-      w += std::to_string(o.field_widths()[i]);
-    }
-    got["delimiter"] = w;
+    std::string widths;
+    for (const auto w : o.field_widths()) widths += (widths.empty() ? "" : ",") + std::to_string(w);
+    got["delimiter"] = "fixed:" + widths;
   } else if (o.parser_type() == ParserType::Tabular) {
     got["delimiter"] = "blanks";
-  } else if (o.delimiter().empty()) {
-    got["delimiter"] = "none";
   } else {
-    const std::string d = narrow(o.delimiter().front());
-    got["delimiter"] = d == "\t" ? "tab" : d;
+    got["delimiter"] = o.delimiter().empty() ? "none" : narrow(o.delimiter().front());
+    if (got["delimiter"] == "\t") got["delimiter"] = "tab";
   }
   got["quote"] = spell_char(r.format.quote);
   got["escape"] = r.format.escape == textio::import::escape_style::doubled ? "double" : "backslash";
@@ -127,11 +109,10 @@ std::map<std::string, std::string> fields_of(const textio::import::detection_res
   got["thousands"] = o.thousands_separator().empty() ? "-" : narrow(o.thousands_separator());
   got["comment"] = o.comment_style().empty() ? "-" : narrow(o.comment_style().front());
   got["table_end"] = r.format.table_end_line ? std::to_string(*r.format.table_end_line) : "-";
-  std::string types;
+  std::string& types = got["types"];
   for (const std::string& t : r.report.variable_types) {
     types += t == "double" ? 'd' : t == "logical" ? 'l' : t == "datetime" ? 't' : t == "duration" ? 'u' : 's';
   }
-  got["types"] = types;
   return got;
 }
 
@@ -139,8 +120,8 @@ bool same_answer(const std::string& field, const std::string& expected, const st
                  const std::string& sample) {
   if (field == "encoding") return encoding_family(expected) == encoding_family(got);
   if (expected == "*") return true;  // any answer reads the file right
-  if (field == "delimiter" && expected.rfind("fixed:", 0) == 0 && got.rfind("fixed:", 0) == 0) {
-    return cut_lines(sample, widths(expected)) == cut_lines(sample, widths(got));
+  if (field == "delimiter" && expected.starts_with("fixed:") && got.starts_with("fixed:")) {
+    return cut_lines(sample, expected) == cut_lines(sample, got);
   }
   return expected == got;
 }
