@@ -20,19 +20,9 @@ using textio::import::text_format;
 
 struct outcome {
   std::string header;
-  std::string records;  // the record lines joined with " | "
-  std::string error;    // Key(arguments) of a reading error
-  std::string warning;  // line:column of a stray quote
+  std::string shown;  // records, then "| error" or "# records/fields" counted, then "! line:column" of stray quotes, "~
+                      // lines" left after the table's end
   std::uint64_t lines_left = 0;
-  std::string counted;  // records/fields from the counting sink
-
-  // Records, error, warning and count in one line.
-  std::string shown() const {
-    std::string s = records;
-    if (!error.empty()) s += (s.empty() ? "" : " | ") + error;
-    if (!warning.empty()) s += " ! " + warning;
-    return counted.empty() ? s : s + " # " + counted;
-  }
 };
 
 outcome read_with(const std::string& contents, const text_format& format, std::size_t byte_reads,
@@ -45,8 +35,10 @@ outcome read_with(const std::string& contents, const text_format& format, std::s
   }
   outcome o;
   std::ostringstream text;
-  const auto warn = [&o](std::uint64_t line, std::uint64_t column) {
-    o.warning += std::to_string(line) + ":" + std::to_string(column);
+  std::string warning;
+  std::string tail;
+  const auto warn = [&](std::uint64_t line, std::uint64_t column) {
+    warning += " ! " + std::to_string(line) + ":" + std::to_string(column);
   };
   try {
     textio::import::utf8_input input(path);
@@ -57,25 +49,32 @@ outcome read_with(const std::string& contents, const text_format& format, std::s
     textio::import::utf8_input again(path);
     zvtool::count_writer counter;
     textio::import::read_table(opts, again, counter, format);
-    o.counted = std::to_string(counter.records()) + "/" + std::to_string(counter.fields());
+    tail = " # " + std::to_string(counter.records()) + "/" + std::to_string(counter.fields());
   } catch (const foundation::core::except::IMsgIDException& error) {
     const zvtool::message_failure failure = zvtool::capture_message(error);
-    o.error = failure.id.key + "(";
+    tail = failure.id.key + "(";
     for (const auto& a : failure.id.args) {
       const auto* n = std::get_if<std::uint64_t>(&a);
-      o.error += (o.error.back() == '(' ? "" : ", ") + (n ? std::to_string(*n) : std::get<std::string>(a));
+      tail += (tail.back() == '(' ? "" : ", ") + (n ? std::to_string(*n) : std::get<std::string>(a));
     }
-    o.error += ")";
+    tail += ")";
   }
   std::istringstream lines(text.str());
   std::getline(lines, o.header);
-  for (std::string line; std::getline(lines, line);) o.records += (o.records.empty() ? "" : " | ") + line;
+  for (std::string line; std::getline(lines, line);) o.shown += (o.shown.empty() ? "" : " | ") + line;
+  if (!tail.starts_with(" #") && !o.shown.empty()) o.shown += " | ";
+  o.shown += tail + warning + (o.lines_left > 0 ? " ~ " + std::to_string(o.lines_left) : "");
   return o;
 }
 
 text_format in(const char* encoding) {
   text_format f;
   f.encoding = encoding;
+  return f;
+}
+text_format ending_at(std::uint64_t line) {
+  text_format f;
+  f.table_end_line = line;
   return f;
 }
 text_format quoted(char quote, escape_style escape = escape_style::doubled, bool detected = false) {
@@ -99,8 +98,8 @@ class TextFormat : public ::testing::TestWithParam<format_case> {};
 
 TEST_P(TextFormat, ReadsTheSameInBlocksAndByteByByte) {
   const auto& c = GetParam();
-  EXPECT_EQ(read_with(c.contents, c.format, 0).shown(), c.expected);
-  EXPECT_EQ(read_with(c.contents, c.format, 1).shown(), c.expected) << "byte by byte";
+  EXPECT_EQ(read_with(c.contents, c.format, 0).shown, c.expected);
+  EXPECT_EQ(read_with(c.contents, c.format, 1).shown, c.expected) << "byte by byte";
 }
 
 const format_case format_cases[] = {
@@ -124,44 +123,28 @@ const format_case format_cases[] = {
     {"escaped_quote_before_delimiter", "\"a\\\",b\",c", quoted('"', escape_style::backslash),
      R"(["a\",b", "c"] # 1/2)"},
     {"stray_detected_quote_read_as_text", "a,b\n\"c,d\ne,\"\"\n", quoted('"', escape_style::doubled, true),
-     R"(["a", "b"] | ["\"c", "d"] | ["e", "\"\""] ! 2:1 # 3/6)"},
+     R"(["a", "b"] | ["\"c", "d"] | ["e", "\"\""] # 3/6 ! 2:1)"},
     {"quotes_text_after_a_stray_quote", "a,\"b\n1,\"2,3,\"c\n", quoted('"', escape_style::doubled, true),
-     R"(["a", "\"b"] | ["1", "\"2", "3", "\"c"] ! 2:8 # 2/6)"},
+     R"(["a", "\"b"] | ["1", "\"2", "3", "\"c"] # 2/6 ! 2:8)"},
     {"stray_given_quote_fails", "a,b\n\"c,d\ne,f\n", quoted('"'), R"(["a", "b"] | UnterminatedQuote(2, 1))"},
     {"closed_detected_quote_reads_as_quote", "\"a\nb\",c", quoted('"', escape_style::doubled, true),
      R"(["a\nb", "c"] # 1/2)"},
+    // The record that starts before the end line is read whole, the lines after it counted.
+    {"table_end", "1,2\n\"3\n3\",4", ending_at(3), R"(["1", "2"] | ["3\n3", "4"] # 2/4)"},
+    {"table_end_crlf", "1,2\n\"3\n3\",4\r\n\r\nnote 1\r\nnote\"2", ending_at(3),
+     R"(["1", "2"] | ["3\n3", "4"] # 2/4 ~ 3)"},
+    {"table_end_lf", "1,2\n\"3\n3\",4\nx\n", ending_at(3), R"(["1", "2"] | ["3\n3", "4"] # 2/4 ~ 1)"},
+    {"table_end_cr", "1,2\n\"3\n3\",4\rx\ry", ending_at(3), R"(["1", "2"] | ["3\n3", "4"] # 2/4 ~ 2)"},
+    {"table_end_at_a_record_start", "1,2\n3,4\n", ending_at(2), R"(["1", "2"] # 1/2 ~ 1)"},
 };
 INSTANTIATE_TEST_SUITE_P(Formats, TextFormat, ::testing::ValuesIn(format_cases));
-
-TEST(TableEnd, StopsBeforeTheLineAndCountsTheRest) {
-  text_format f;
-  f.table_end_line = 4;
-  struct {
-    std::string tail;
-    std::uint64_t left;
-  } const tails[] = {{"", 0}, {"\r\n\r\nnote 1\r\nnote\"2", 3}, {"\nx\n", 1}, {"\rx\ry", 2}};
-  for (const auto& t : tails) {
-    for (const std::size_t reads : {std::size_t{0}, std::size_t{1}}) {
-      // The record that starts before the end line is read whole.
-      const outcome o = read_with("x,y\n1,2\n\"3\n3\",4" + t.tail, f, reads, 1);
-      EXPECT_EQ(o.records, R"(["1", "2"] | ["3\n3", "4"])") << t.tail;
-      EXPECT_EQ(o.lines_left, t.left) << t.tail;
-      EXPECT_EQ(o.counted, "2/4");
-    }
-  }
-  // A record that starts on the end line is not read.
-  f.table_end_line = 3;
-  const outcome o = read_with("x,y\n1,2\n3,4\n", f, 0, 1);
-  EXPECT_EQ(o.records, R"(["1", "2"])");
-  EXPECT_EQ(o.lines_left, 1u);
-}
 
 TEST(VariableNames, FromTheFormatReplaceTheNamesLine) {
   text_format f;
   f.variable_names = {"first name", "né"};
   const outcome o = read_with("a,b\n1,2\n", f, 0, 1);
   EXPECT_EQ(o.header, R"({"variables": ["first name", "né"], "units": [], "descriptions": []})");
-  EXPECT_EQ(o.records, R"(["1", "2"])");
+  EXPECT_EQ(o.shown, R"(["1", "2"] # 1/2)");
 }
 
 // The sample ends after the line it stops in (with the zero bytes of a wide
