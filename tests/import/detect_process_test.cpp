@@ -54,10 +54,6 @@ TEST_P(DetectRoundTrip, ArgumentsReadAsReadDoes) {
 }
 
 const detect_case detect_cases[] = {
-    {"semicolon_title_header",
-     "Prices in "
-     "2024\n\nname;price;count\napple;1,5;3\npear;2,25;10\nplum;0,75;7\n",
-     {}},
     {"latin1_tab", "nom\tville\nJos\xE9\tS\xE8te\nAn\xE9\tN\xEEmes\n", {}},
     {"given_options_kept", "a|b\n1|2\n", {"Delimiter", "|", "NumHeaderLines", "1"}},
     {"forced_quote_and_escape", "'a\\'b',c\n'd',e\n", {"--quote", "'", "--escape", "backslash"}},

@@ -1,26 +1,26 @@
-// Spellings each type accepts and refuses: text, type and the value as the
-// outputs show it.
+// Typed values: numbers read from text, the spellings each type accepts and
+// refuses (the value as the outputs show it), and type detection over
+// one-column samples.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <string_view>
 
+#include "import/number_conversion.hpp"
+#include "import/type_detection.hpp"
 #include "import/value_conversion.hpp"
 
 namespace {
 
-using textio::import::conversion_settings;
-using textio::import::date_order;
-using textio::import::output_value;
-using textio::import::value_kind;
-using textio::import::value_type;
+using namespace textio::import;
 
 // The value as the outputs show it, or "refused".
 template <typename CharT = char>
 std::string shown(std::basic_string_view<CharT> text, value_type type, const conversion_settings& settings = {}) {
   output_value v;
   std::string canonical;
-  if (!textio::import::convert_value(text, type, settings, v, canonical)) return "refused";
+  if (!convert_value(text, type, settings, v, canonical)) return "refused";
   if (v.kind == value_kind::integer) return std::to_string(v.integer);
   if (v.kind == value_kind::unsigned_integer) return std::to_string(static_cast<std::uint64_t>(v.integer));
   if (v.kind == value_kind::logical) return v.number != 0 ? "true" : "false";
@@ -34,6 +34,7 @@ struct spelling {
   std::string_view text;
   value_type type;
   std::string_view expected;
+  date_order dates = date_order::day_first;
 };
 
 TEST(ValueConversion, SpellingsOfEachType) {
@@ -56,6 +57,9 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"2018-01-28T05:06:07+0130", value_type::datetime, "2018-01-28T05:06:07+01:30"},
       {"28.01.2018", value_type::datetime, "2018-01-28"},
       {"3/4/20", value_type::datetime, "2020-04-03"},
+      {"3/4/2020", value_type::datetime, "2020-03-04", date_order::month_first},
+      {"13/4/2020", value_type::datetime, "refused", date_order::month_first},
+      {"2020-03-04", value_type::datetime, "2020-03-04", date_order::month_first},
       {"3-4-99", value_type::datetime, "1999-04-03"},
       {"28-Jan-2018", value_type::datetime, "2018-01-28"},
       {"January 28, 2018", value_type::datetime, "2018-01-28"},
@@ -76,34 +80,87 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"anything", value_type::string, "refused"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(shown(c.text, c.type), c.expected) << c.text << " as " << textio::import::type_name(c.type);
+    conversion_settings settings;
+    settings.dates = c.dates;
+    EXPECT_EQ(shown(c.text, c.type, settings), c.expected) << c.text << " as " << type_name(c.type);
     // Text read as UTF-16 converts the same.
     const std::u16string wide(c.text.begin(), c.text.end());
-    EXPECT_EQ(shown(std::u16string_view(wide), c.type), c.expected) << c.text << " in UTF-16";
+    EXPECT_EQ(shown(std::u16string_view(wide), c.type, settings), c.expected) << c.text << " in UTF-16";
   }
   EXPECT_EQ(shown(std::u16string_view(u"1\u0131"), value_type::int32), "refused");
 }
 
-TEST(ValueConversion, RecordNumberSettingsApply) {
-  conversion_settings s;
-  s.numbers.decimal_separator = u',';
-  s.numbers.thousands_separator = u".";
-  EXPECT_EQ(shown<char>("1.234,5", value_type::double_, s), "1234.5");
-  EXPECT_EQ(shown<char>("1.234", value_type::int32, s), "1234");
-  s.numbers.trim_non_numeric = true;
-  EXPECT_EQ(shown<char>("EUR 3,5", value_type::double_, s), "3.5");
+TEST(ToNumber, ReadsNumbersTheWayTheOptionsSay) {
+  number_format format;
+  format.decimal_separator = u',';
+  format.thousands_separator = u"'";
+  format.exp_chars = u"xX";
+  const std::pair<const char*, double> cases[] = {
+      {"1'234,5", 1234.5},   {"-2x3", -2000},       {"+7", 7},  // NaN: no number
+      {"1e3", std::nan("")}, {"1.5", std::nan("")}, {"", std::nan("")}, {"--7", std::nan("")}, {"1x", std::nan("")},
+  };
+  for (const auto& [text, expected] : cases) {
+    const auto n = to_number(std::string_view(text), format);
+    EXPECT_EQ(n.has_value(), !std::isnan(expected)) << text;
+    if (n) {
+      EXPECT_EQ(*n, expected) << text;
+    }
+  }
+  // Out of a double's range: infinity or zero.
+  const number_format plain;
+  EXPECT_EQ(to_number(std::u16string_view(u"1e999"), plain), HUGE_VAL);
+  EXPECT_EQ(to_number(std::u16string_view(u"-1e999"), plain), -HUGE_VAL);
+  EXPECT_EQ(to_number(std::u16string_view(u"1e-999"), plain), 0.0);
 }
 
-TEST(ValueConversion, DateOrderDecidesTwoNumberDates) {
-  conversion_settings s;
-  s.dates = date_order::month_first;
-  EXPECT_EQ(shown<char>("3/4/2020", value_type::datetime, s), "2020-03-04");
-  EXPECT_EQ(shown<char>("13/4/2020", value_type::datetime, s), "refused");
-  EXPECT_EQ(shown<char>("2020-03-04", value_type::datetime, s), "2020-03-04");
-  const auto both = textio::import::accepted_orders("3/4/2020");
-  EXPECT_TRUE(both.day_first && both.month_first);
-  const auto day = textio::import::accepted_orders("13/4/2020");
-  EXPECT_TRUE(day.day_first && !day.month_first);
+struct column_case {
+  std::vector<std::string> values;
+  std::string type;
+  std::vector<std::string> markers = {};
+  bool unsettled = false;
+  date_order order = date_order::day_first;
+};
+
+detected_type detect_one(const std::vector<std::string>& values, bool markers = true) {
+  std::vector<std::vector<std::string>> rows;
+  for (const auto& v : values) rows.push_back({v});
+  type_detection_settings settings;
+  settings.detect_markers = markers;
+  settings.placeholders = {"n.a."};
+  return detect_types(rows, 1, settings).at(0);
+}
+
+TEST(TypeDetection, NarrowestTypeOfEveryValue) {
+  const column_case cases[] = {
+      {{"1", "2.5", "", "-3e2", "NaN"}, "double"},
+      {{"TRUE", "false", "n.a."}, "logical"},
+      {{"1", "0", "true"}, "string"},
+      {{"2020-01-02", "2020-01-03T04:05:06"}, "datetime"},
+      {{"01:02:03", "100:00:00"}, "duration"},
+      {{"1", "x"}, "string"},
+      {{"", "  "}, "string"},
+      {{"NA", "-"}, "string"},
+      {{"1.5", "NA", "null", "2", "NA"}, "double", {"NA", "null"}},
+      {{"true", "N/A"}, "logical", {"N/A"}},
+      {{"2020-01-02", "NaN", "."}, "datetime", {"NaN", "."}},
+      {{"3/4/2020", "13/4/2020"}, "datetime", {}, false, date_order::day_first},
+      {{"3/4/2020", "4/13/2020"}, "datetime", {}, false, date_order::month_first},
+      {{"3/4/2020", "5/6/2020"}, "datetime", {}, true},
+      {{"3/3/2020", "2020-05-06"}, "datetime", {}, false},
+      {{"13/4/2020", "4/13/2020"}, "string"},
+  };
+  for (const auto& c : cases) {
+    const detected_type d = detect_one(c.values);
+    const std::string where = c.values.empty() ? "" : c.values.front() + "...";
+    EXPECT_EQ(type_name(d.typing.type), c.type) << where;
+    EXPECT_EQ(d.typing.missing_markers, c.markers) << where;
+    EXPECT_EQ(d.date_order_unsettled, c.unsettled) << where;
+    if (c.type == "datetime") {
+      EXPECT_EQ(d.typing.dates, c.order) << where;
+    }
+  }
+  // Markers are detected only when the user gave none.
+  EXPECT_EQ(detect_one({"1", "NA"}, false).typing.type, value_type::string);
 }
 
 }  // namespace
