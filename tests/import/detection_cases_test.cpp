@@ -6,11 +6,9 @@
 #include <array>
 #include <cstdio>
 #include <map>
-#include <functional>
 #include <string>
 #include <vector>
 
-#include "errors/msg_id_exception.hpp"
 #include "import/detection.hpp"
 #include "import/detection_corpus.hpp"
 #include "import/encoding.hpp"
@@ -168,29 +166,6 @@ TEST(Encoding, IsRecognisedAndDecoded) {
   // A character cut off by the end of a sample is dropped, not an error.
   EXPECT_EQ(textio::import::decode_sample("ab\xC3", "UTF-8", false), "ab");
   EXPECT_EQ(textio::import::decode_sample(std::string("a\0b", 3), "UTF-16LE", false), "a");
-}
-
-// Bytes invalid in a forced encoding are an error with their offset.
-TEST(Encoding, ForcedEncodingErrors) {
-  const auto key_of = [](const std::function<void()>& f) {
-    try {
-      f();
-    } catch (const foundation::core::except::IMsgIDException& e) {
-      std::string s = e.GetBaseMsgID().key;
-      for (const auto& a : e.GetBaseMsgID().args) {
-        const auto* n = std::get_if<std::uint64_t>(&a);
-        s += ' ' + (n ? std::to_string(*n) : std::get<std::string>(a));
-      }
-      return s;
-    }
-    return std::string("no error");
-  };
-  using textio::import::decode_sample;
-  EXPECT_EQ(key_of([] { decode_sample("ab\ncd\xE9", "UTF-8", true); }), "InvalidUtf8 5");
-  EXPECT_EQ(key_of([] { decode_sample("abc\x80z", "ASCII", true); }), "InvalidEncoding ASCII 3");
-  user_choices forced;
-  forced.encoding = "UTF-8";
-  EXPECT_EQ(key_of([&] { detect("x\n\xFF\n", true, {}, forced); }), "InvalidUtf8 2");
 }
 
 TEST(Detection, InputWithNothingToGoByGivesALowConfidence) {

@@ -1,13 +1,10 @@
-// Typed values: numbers read from text, the spellings each type accepts and
-// refuses (the value as the outputs show it), and type detection over
-// one-column samples.
+// Typed values: the spellings each type accepts and refuses (the value as the
+// outputs show it), and type detection over one-column samples.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 #include <string_view>
 
-#include "import/number_conversion.hpp"
 #include "import/type_detection.hpp"
 #include "import/value_conversion.hpp"
 
@@ -34,13 +31,37 @@ struct spelling {
   std::string_view text;
   value_type type;
   std::string_view expected;
-  date_order dates = date_order::day_first;
+  conversion_settings settings = {};
 };
+
+conversion_settings month_first() {
+  conversion_settings s;
+  s.dates = date_order::month_first;
+  return s;
+}
+// Decimal comma, ' between thousands, x or X before the exponent.
+conversion_settings swiss() {
+  conversion_settings s;
+  s.numbers.decimal_separator = u',';
+  s.numbers.thousands_separator = u"'";
+  s.numbers.exp_chars = u"xX";
+  return s;
+}
 
 TEST(ValueConversion, SpellingsOfEachType) {
   const spelling cases[] = {
       {"+1.5", value_type::double_, "1.5"},
       {"-Inf", value_type::double_, "-inf"},
+      {"1e999", value_type::double_, "inf"},  // out of a double's range: infinity or zero
+      {"-1e999", value_type::double_, "-inf"},
+      {"1e-999", value_type::double_, "0"},
+      {"1'234,5", value_type::double_, "1234.5", swiss()},
+      {"-2x3", value_type::double_, "-2000", swiss()},
+      {"1e3", value_type::double_, "refused", swiss()},
+      {"1.5", value_type::double_, "refused", swiss()},
+      {"--7", value_type::double_, "refused", swiss()},
+      {"1x", value_type::double_, "refused", swiss()},
+      {"", value_type::double_, "refused"},
       {"0.1", value_type::single, "0.10000000149011612"},
       {"127", value_type::int8, "127"},
       {"128", value_type::int8, "refused"},
@@ -57,9 +78,9 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"2018-01-28T05:06:07+0130", value_type::datetime, "2018-01-28T05:06:07+01:30"},
       {"28.01.2018", value_type::datetime, "2018-01-28"},
       {"3/4/20", value_type::datetime, "2020-04-03"},
-      {"3/4/2020", value_type::datetime, "2020-03-04", date_order::month_first},
-      {"13/4/2020", value_type::datetime, "refused", date_order::month_first},
-      {"2020-03-04", value_type::datetime, "2020-03-04", date_order::month_first},
+      {"3/4/2020", value_type::datetime, "2020-03-04", month_first()},
+      {"13/4/2020", value_type::datetime, "refused", month_first()},
+      {"2020-03-04", value_type::datetime, "2020-03-04", month_first()},
       {"3-4-99", value_type::datetime, "1999-04-03"},
       {"28-Jan-2018", value_type::datetime, "2018-01-28"},
       {"January 28, 2018", value_type::datetime, "2018-01-28"},
@@ -80,37 +101,12 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"anything", value_type::string, "refused"},
   };
   for (const auto& c : cases) {
-    conversion_settings settings;
-    settings.dates = c.dates;
-    EXPECT_EQ(shown(c.text, c.type, settings), c.expected) << c.text << " as " << type_name(c.type);
+    EXPECT_EQ(shown(c.text, c.type, c.settings), c.expected) << c.text << " as " << type_name(c.type);
     // Text read as UTF-16 converts the same.
     const std::u16string wide(c.text.begin(), c.text.end());
-    EXPECT_EQ(shown(std::u16string_view(wide), c.type, settings), c.expected) << c.text << " in UTF-16";
+    EXPECT_EQ(shown(std::u16string_view(wide), c.type, c.settings), c.expected) << c.text << " in UTF-16";
   }
   EXPECT_EQ(shown(std::u16string_view(u"1\u0131"), value_type::int32), "refused");
-}
-
-TEST(ToNumber, ReadsNumbersTheWayTheOptionsSay) {
-  number_format format;
-  format.decimal_separator = u',';
-  format.thousands_separator = u"'";
-  format.exp_chars = u"xX";
-  const std::pair<const char*, double> cases[] = {
-      {"1'234,5", 1234.5},   {"-2x3", -2000},       {"+7", 7},  // NaN: no number
-      {"1e3", std::nan("")}, {"1.5", std::nan("")}, {"", std::nan("")}, {"--7", std::nan("")}, {"1x", std::nan("")},
-  };
-  for (const auto& [text, expected] : cases) {
-    const auto n = to_number(std::string_view(text), format);
-    EXPECT_EQ(n.has_value(), !std::isnan(expected)) << text;
-    if (n) {
-      EXPECT_EQ(*n, expected) << text;
-    }
-  }
-  // Out of a double's range: infinity or zero.
-  const number_format plain;
-  EXPECT_EQ(to_number(std::u16string_view(u"1e999"), plain), HUGE_VAL);
-  EXPECT_EQ(to_number(std::u16string_view(u"-1e999"), plain), -HUGE_VAL);
-  EXPECT_EQ(to_number(std::u16string_view(u"1e-999"), plain), 0.0);
 }
 
 struct column_case {
