@@ -236,14 +236,19 @@ TEST(ReadTypes, TypeArgumentErrorsAreUsageErrors) {
   }
 }
 
+// Values written as CSV and read back are the same values.
 TEST(ReadTypes, CsvReadsBackTheSame) {
-  const std::string file = "a,b,c\n1.25,true,2018-01-28T05:06:07.5+01:00\n,False,2018-01-29\n";
+  const std::string file =
+      "a,b,c\n1.25,true,2018-01-28T05:06:07.5+01:00\n,False,2018-01-29\n1e300,TRUE,\n5e-324,,\n-0,,\nNaN,,\n-Inf,,\n0."
+      "1,,\n";
   const auto first = read_text(file, named);
   const auto csv = read_text(file, with({"--format", "csv"}));
   const auto again = read_text(csv.raw, named);
   EXPECT_EQ(again.header, first.header);
   EXPECT_EQ(joined(again), joined(first));
-  EXPECT_EQ(joined(first), R"([1.25, true, "2018-01-28T05:06:07.5+01:00"] | [null, false, "2018-01-29"])");
+  EXPECT_EQ(joined(first), R"([1.25, true, "2018-01-28T05:06:07.5+01:00"] | [null, false, "2018-01-29"] | )"
+                           R"([1e+300, true, null] | [5e-324, null, null] | [-0, null, null] | ["NaN", null, null] | )"
+                           R"(["-Inf", null, null] | [0.1, null, null])");
 }
 
 }  // namespace
