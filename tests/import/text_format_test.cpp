@@ -10,7 +10,6 @@
 
 #include "import/read_helpers.hpp"
 #include "import/text_reader.hpp"
-#include "import/utf8_text.hpp"
 #include "tools/message_failure.hpp"
 #include "tools/record_writers.hpp"
 
@@ -175,34 +174,6 @@ TEST(Sample, WholeLinesThenReadingFromTheStart) {
       }
       EXPECT_EQ(all, c.contents.find('\0') == std::string::npos ? c.contents : "a\nb");
     }
-  }
-}
-
-// The UTF-8 check under the input: how much is valid, and whether what
-// follows is bad or only unfinished.
-TEST(CheckUtf8, FindsTheFirstBadOrUnfinishedSequence) {
-  const struct {
-    const char* name;
-    std::string bytes;
-    std::size_t valid;
-    bool invalid;
-  } cases[] = {
-      {"ascii_longer_than_a_word", "abcdefghijklmnopq", 17, false},
-      {"two_three_four_bytes", "\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E", 9, false},
-      {"unfinished_at_end", "abc\xF0\x9D\x84", 3, false},
-      {"stray_continuation", "ab\x80", 2, true},
-      {"overlong_two_bytes", "\xC1\x81", 0, true},
-      {"overlong_three_bytes", "x\xE0\x80\x80", 1, true},
-      {"surrogate", "\xED\xA0\x80", 0, true},
-      {"above_u10ffff", "\xF4\x90\x80\x80", 0, true},
-      {"lead_f5", "\xF5\x80\x80\x80", 0, true},
-      {"continuation_missing_mid_sequence", "\xE2\x28\xA1", 0, true},
-      {"bad_byte_after_eight_ascii", "12345678\xFF", 8, true},
-  };
-  for (const auto& c : cases) {
-    const auto check = textio::import::check_utf8(c.bytes);
-    EXPECT_EQ(check.valid, c.valid) << c.name;
-    EXPECT_EQ(check.invalid, c.invalid) << c.name;
   }
 }
 
