@@ -58,7 +58,8 @@ const detect_case detect_cases[] = {
     {"given_options_kept", "a|b\n1|2\n", {"Delimiter", "|", "NumHeaderLines", "1"}},
     {"forced_quote_and_escape", "'a\\'b',c\n'd',e\n", {"--quote", "'", "--escape", "backslash"}},
     {"fixed_width",
-     "name       size city\nalpha one  12   Paris\nbeta       7    Rome West\ngamma two  300  Oslo\n",
+     "name         size  city\nalpha one    12    Paris\nbeta         7     Rome West\n"
+     "gamma two    300   Oslo\ndelta        4     Bern\n",
      {}},
     {"names_over_units", "name,weight,height\n,kg,cm\nann,61.5,170.2\nbob,80.1,181.0\ncid,70.3,175.5\n", {}},
     {"footnotes_end_the_table", "id,val\n1,2\n3,4\n5,6\n\nNote: values are made up.\nSource: nowhere\n", {}},
