@@ -44,6 +44,14 @@ std::vector<std::string> numbers(std::vector<std::string> more) {
   more.insert(more.begin(), {"OutputBuilderType", "matrix"});
   return more;
 }
+// Typed values in a table, the variables named by the first line.
+std::vector<std::string> typed(std::vector<std::string> more) {
+  more.insert(more.begin(), {"OutputBuilderType", "table", "NumHeaderLines", "1", "VariableNamesLine", "1"});
+  return more;
+}
+std::vector<std::string> as_int16(const char* import_error_rule) {
+  return typed({"ImportErrorRule", import_error_rule, "--types", R"(["int16"])"});
+}
 const std::vector<std::string> block_comment = {"CommentStyle", R"(["/*", "*/"])"};
 const std::vector<std::string> no_consecutive = {"ConsecutiveDelimitersRule", "error"};
 
@@ -123,6 +131,19 @@ const setting_case setting_cases[] = {
      R"([1234.5, 0.75])"},
     {"trim_non_numeric", "$12.5 USD,abc", numbers({"TrimNonNumeric", "true"}), R"([12.5, "NaN"])"},
     {"nan_and_inf", "NaN,-Inf,inf,Infinity,-infinity", numbers({}), R"(["NaN", "-Inf", "Inf", "Inf", "-Inf"])"},
+    // Typed values; markers found in the values are missing, not import errors.
+    {"types_detected", "n,b,t,d,s\n1.5,TRUE,28/01/2018,01:02:03.50,x\n-2,false,13/12/2018,2 00:00:00,y\n", typed({}),
+     R"([1.5, true, "2018-01-28", "01:02:03.50", "x"] | [-2, false, "2018-12-13", "48:00:00", "y"])"},
+    {"markers_detected", "a,b\n1,NA\n2,x\nnull,y\n", typed({"ImportErrorRule", "error"}),
+     R"([1, "NA"] | [2, "x"] | [null, "y"])"},
+    {"marker_omitrow", "a\n1\nnull\n", typed({"MissingRule", "omitrow"}), "[1]"},
+    {"typed_import_error_fill", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("fill"),
+     "[1, true] | [null, false] | [300, true]"},
+    {"typed_import_error_omitrow", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("omitrow"), "[1, true] | [300, true]"},
+    {"typed_import_error_omitvar", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("omitvar"),
+     "[true] | [false] | [true]"},
+    {"typed_import_error", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("error"), "[1, true] | ImportError(3, 1)"},
+    {"out_of_type_range", "a\n1\n300\n", typed({"--types", R"({"a": "int8"})"}), "[1] | [null]"},
     // Errors: nothing is written past the failing record.
     {"consecutive_error", "1,2,3\n4,,6", no_consecutive, R"(["1", "2", "3"] | ConsecutiveDelimiters(2, 3))"},
     {"leading_error", "a\n,b", {"LeadingDelimitersRule", "error"}, R"(["a"] | LeadingDelimiter(2, 1))"},
@@ -181,23 +202,6 @@ TEST(ReadError, InputThatCannotBeReadOrOptionsThatFail) {
   EXPECT_NE(out.raw.find("ZORVEK:textio:textio:DelimiterType"), std::string::npos) << out.raw;
 }
 
-// Typed reading, the variables named by the first line.
-const std::vector<std::string> named{"OutputBuilderType", "table", "NumHeaderLines", "1", "VariableNamesLine", "1"};
-
-std::vector<std::string> with(std::vector<std::string> more) {
-  std::vector<std::string> all = named;
-  all.insert(all.end(), more.begin(), more.end());
-  return all;
-}
-
-TEST(ReadTypes, DetectedTypesGiveValues) {
-  const auto out = read_text("n,b,t,d,s\n1.5,TRUE,28/01/2018,01:02:03.50,x\n-2,false,13/12/2018,2 00:00:00,y\n", named);
-  EXPECT_NE(out.header.find(R"("types": ["double", "logical", "datetime", "duration", "string"])"), std::string::npos)
-      << out.header;
-  EXPECT_EQ(joined(out),
-            R"([1.5, true, "2018-01-28", "01:02:03.50", "x"] | [-2, false, "2018-12-13", "48:00:00", "y"])");
-}
-
 TEST(ReadTypes, UnsettledDateOrderIsNoted) {
   const std::string path = import_test::write_file("when\n3/4/2020\n5/6/2020\n");
   const auto run = run_tool({"read", path, "NumHeaderLines", "1", "VariableNamesLine", "1"});
@@ -205,33 +209,10 @@ TEST(ReadTypes, UnsettledDateOrderIsNoted) {
   EXPECT_NE(run.err.find("variable 1 read both day-first and month-first"), std::string::npos) << run.err;
 }
 
-TEST(ReadTypes, DetectedMarkersAreMissingNotImportErrors) {
-  const auto out = read_text("a,b\n1,NA\n2,x\nnull,y\n", with({"ImportErrorRule", "error"}));
-  EXPECT_EQ(out.status, 0) << out.error;
-  EXPECT_EQ(joined(out), R"([1, "NA"] | [2, "x"] | [null, "y"])");
-  EXPECT_EQ(joined(read_text("a\n1\nnull\n", with({"MissingRule", "omitrow"}))), "[1]");
-}
-
-TEST(ReadTypes, ValuesThatDoNotConvertFollowTheImportErrorRule) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"fill", "[1, true] | [null, false] | [300, true]"},
-      {"omitrow", "[1, true] | [300, true]"},
-      {"omitvar", "[true] | [false] | [true]"},
-      {"error", "[1, true] | ImportError(3, 1)"},
-  };
-  for (const auto& [rule, expected] : cases) {
-    const auto out =
-        read_text("a,b\n1,true\nx,false\n300,TRUE\n", with({"ImportErrorRule", rule, "--types", R"(["int16"])"}));
-    EXPECT_EQ(joined(out), expected) << rule;
-  }
-  // A value out of an integer type's range is no value of it.
-  EXPECT_EQ(joined(read_text("a\n1\n300\n", with({"--types", R"({"a": "int8"})"}))), "[1] | [null]");
-}
-
 TEST(ReadTypes, TypeArgumentErrorsAreUsageErrors) {
   for (const std::string bad :
        {R"(["float"])", R"({"zz": "double"})", R"(["double", "double", "double"])", "[1]", "nojson"}) {
-    EXPECT_THROW(read_text("a,b\n1,2\n", with({"--types", bad})), std::exception) << bad;
+    EXPECT_THROW(read_text("a,b\n1,2\n", typed({"--types", bad})), std::exception) << bad;
   }
 }
 
@@ -240,9 +221,9 @@ TEST(ReadTypes, CsvReadsBackTheSame) {
   const std::string file =
       "a,b,c\n1.25,true,2018-01-28T05:06:07.5+01:00\n,False,2018-01-29\n1e300,TRUE,\n5e-324,,\n-0,,\nNaN,,\n-Inf,,\n0."
       "1,,\n";
-  const auto first = read_text(file, named);
-  const auto csv = read_text(file, with({"--format", "csv"}));
-  const auto again = read_text(csv.raw, named);
+  const auto first = read_text(file, typed({}));
+  const auto csv = read_text(file, typed({"--format", "csv"}));
+  const auto again = read_text(csv.raw, typed({}));
   EXPECT_EQ(again.header, first.header);
   EXPECT_EQ(joined(again), joined(first));
   EXPECT_EQ(joined(first), R"([1.25, true, "2018-01-28T05:06:07.5+01:00"] | [null, false, "2018-01-29"] | )"
