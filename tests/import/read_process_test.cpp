@@ -48,6 +48,7 @@ TEST(ReadProcess, FailedInputOrOutputExitsFiveWithTheReason) {
   closed_out.close_stdout = true;
   tool_setup closed_in;
   closed_in.close_stdin = true;
+  const tool_setup plain;
   const std::string full = "zvtextparser: cannot write to standard output: No space left on device";
   const struct {
     std::vector<std::string> args;
@@ -61,6 +62,8 @@ TEST(ReadProcess, FailedInputOrOutputExitsFiveWithTheReason) {
       {{"options"}, dev_full, full},
       {{"--help"}, dev_full, full},
       {{"read", path}, closed_out, "zvtextparser: cannot write to standard output: Bad file descriptor"},
+      {{"read", "/nonexistent/f.csv"}, plain, "Cannot read '/nonexistent/f.csv': No such file or directory."},
+      {{"read", ::testing::TempDir()}, plain, "Is a directory."},
       {{"read", "-"}, closed_in, "Cannot read 'standard input': Bad file descriptor."},
   };
   for (const auto& c : cases) {

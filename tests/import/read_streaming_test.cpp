@@ -1,6 +1,5 @@
 // Round trips through the CSV output, and records that cross the blocks in
 // which the input is read.
-#include <algorithm>
 #include <iterator>
 #include <random>
 #include <sstream>
@@ -98,48 +97,5 @@ TEST(Streaming, LineEndingAndCharacterSplitAcrossBlocks) {
   ASSERT_EQ(out.records.size(), 1u) << out.error;
   EXPECT_TRUE(out.records[0].ends_with(R"(", "é,", "𝄞"])")) << out.records[0].substr(out.records[0].size() - 40);
 }
-
-struct count_case {
-  const char* name;
-  std::string contents;
-  std::vector<std::string> args;
-};
-
-void PrintTo(const count_case& c, std::ostream* os) { *os << c.name; }
-
-class CountMatchesRecords : public ::testing::TestWithParam<count_case> {};
-
-// --count takes a shorter way where no rule looks at the values; it must
-// count what the records would show.
-TEST_P(CountMatchesRecords, SameRecordsAndFields) {
-  const auto& c = GetParam();
-  const auto records = read_text(c.contents, c.args);
-  ASSERT_EQ(records.status, 0) << records.error;
-  std::size_t fields = 0;
-  for (const auto& r : records.records) fields += r == "[]" ? 0 : 1 + std::count(r.begin(), r.end(), ',');
-  std::vector<std::string> count_args = c.args;
-  count_args.push_back("--count");
-  const auto counted = read_text(c.contents, count_args);
-  EXPECT_EQ(counted.raw, "{\"records\": " + std::to_string(records.records.size()) +
-                             ", \"fields\": " + std::to_string(fields) + "}\n");
-}
-
-const count_case count_cases[] = {
-    {"growing_and_short_records", "1\n2,3,4\n5\n\n6,7", {}},
-    {"ignored_extras", "1,2\n3,4,5\n6", {"ExtraColumnsRule", "ignore"}},
-    {"empty_lines_read", "1,2\n\n3", {"EmptyLineRule", "read"}},
-    {"empty_line_first", "\n1,2", {"EmptyLineRule", "read"}},
-    {"line_of_an_empty_quoted_field", "1\n\"\"\n \"\" \n2", {}},
-    {"joined_delimiters", ",1,,2,", {"MultipleDelimsAsOne", "true"}},
-    {"names_set_the_count", "a,b,c\n1\n2,3,4,5", {"NumHeaderLines", "1", "VariableNamesLine", "1"}},
-    {"given_count", "1,2,3\n4", {"NumVariables", "2"}},
-    {"line_parser", "a\n\nb", {"ParserType", "line", "EmptyLineRule", "read"}},
-    {"tabular", " a  b \nc", {"ParserType", "tabular"}},
-    {"matrix_fill", "1,x\n2", {"OutputBuilderType", "matrix"}},
-    {"comments", "#h,\"\n1,2 # c\n  # only\n\"#\",3\n\n4#,", {"CommentStyle", "#", "EmptyLineRule", "read"}},
-    {"quotes_that_are_text", "\"\"\n a,\"b\n c\"\n x\"y,z\n\"q\"r,s", {}},
-    {"line_ending_longer_than_lf", "1\n,2\n3,4\n,5", {"LineEnding", "\n,"}},
-};
-INSTANTIATE_TEST_SUITE_P(Count, CountMatchesRecords, ::testing::ValuesIn(count_cases));
 
 }  // namespace
