@@ -62,6 +62,9 @@ std::vector<std::string> typed(std::vector<std::string> more) {
 std::vector<std::string> as_int16(const char* import_error_rule) {
   return typed({"ImportErrorRule", import_error_rule, "--types", R"(["int16"])"});
 }
+// Longer than the reader's one-MiB blocks.
+const std::string block_of_x(std::size_t{1} << 20, 'x');
+const std::string blocks_of_q(3 * block_of_x.size() + 17, 'q');
 const std::vector<std::string> block_comment = {"CommentStyle", R"(["/*", "*/"])"};
 const std::vector<std::string> no_consecutive = {"ConsecutiveDelimitersRule", "error"};
 
@@ -189,6 +192,20 @@ const setting_case setting_cases[] = {
     {"above_u10ffff", "\xF4\x90\x80\x80", {}, "InvalidUtf8(0)"},
     {"lead_f5", "\xF5\x80\x80\x80", {}, "InvalidUtf8(0)"},
     {"bad_byte_after_eight_ascii", "12345678\xFF", {}, "InvalidUtf8(8)"},
+    // Across the blocks in which the input is read: a CR LF or a character
+    // cut by a block's end is read as one.
+    {"quoted_field_longer_than_blocks",
+     "a\n\"" + blocks_of_q + "\",b\nc",
+     {},
+     R"(["a"] | [")" + blocks_of_q + R"(", "b"] | ["c", null])"},
+    {"crlf_across_blocks",
+     block_of_x.substr(1) + "\r\ny",
+     {"EmptyLineRule", "read"},
+     R"([")" + block_of_x.substr(1) + R"("] | ["y"])"},
+    {"character_across_blocks",
+     block_of_x.substr(1) + "é,𝄞",
+     {"ParserType", "fixedwidth", "VariableWidths", "[1048575, 2, 2]"},
+     R"([")" + block_of_x.substr(1) + R"(", "é,", "𝄞"])"},
     // Text.
     {"byte_order_mark_skipped", "\uFEFFa,b", {}, R"(["a", "b"])"},
     {"non_ascii_whitespace_trimmed", "\u3000a\u3000,b", {"Whitespace", "\u3000"}, R"(["a", "b"])"},

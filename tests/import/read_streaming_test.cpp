@@ -1,5 +1,4 @@
-// Round trips through the CSV output, and records that cross the blocks in
-// which the input is read.
+// Round trips through the CSV output, and a record written in parts.
 #include <iterator>
 #include <random>
 #include <sstream>
@@ -13,7 +12,6 @@
 
 namespace {
 
-using import_test::joined;
 using import_test::read_text;
 
 // Random tables (shapes, names or none, missing values, texts built from
@@ -68,9 +66,6 @@ TEST(CsvRoundTripProperty, RandomTablesReadBackUnchanged) {
   }
 }
 
-// Big enough to span several of the reader's one-MiB blocks.
-constexpr std::size_t block = std::size_t{1} << 20;
-
 // A record longer than the parts in which the reader hands values on, padded
 // after its parts, is written whole.
 TEST(Streaming, RecordLongerThanAPartIsWrittenWhole) {
@@ -78,24 +73,6 @@ TEST(Streaming, RecordLongerThanAPartIsWrittenWhole) {
   for (int i = 1; i < 9000; ++i) line += ",v" + std::to_string(i);
   const auto out = read_text(line + "\nz\n", {"NumVariables", "9002", "--format", "csv"});
   EXPECT_EQ(out.raw, line + ",,\r\nz" + std::string(9001, ',') + "\r\n");
-}
-
-TEST(Streaming, QuotedFieldLongerThanABlock) {
-  const std::string long_text(3 * block + 17, 'q');
-  const auto out = read_text("a\n\"" + long_text + "\",b\nc", {"--count"});
-  EXPECT_EQ(out.raw, "{\"records\": 3, \"fields\": 5}\n");
-  const auto full = read_text("\"" + long_text + "\"", {});
-  ASSERT_EQ(full.records.size(), 1u);
-  EXPECT_EQ(full.records[0], "[\"" + long_text + "\"]");
-}
-
-// A CR LF or a character cut by the end of a block is read as one.
-TEST(Streaming, LineEndingAndCharacterSplitAcrossBlocks) {
-  const std::string text(block - 1, 'x');
-  EXPECT_EQ(read_text(text + "\r\ny", {"EmptyLineRule", "read", "--count"}).raw, "{\"records\": 2, \"fields\": 2}\n");
-  const auto out = read_text(text + "é,𝄞", {"ParserType", "fixedwidth", "VariableWidths", "[1048575, 2, 2]"});
-  ASSERT_EQ(out.records.size(), 1u) << out.error;
-  EXPECT_TRUE(out.records[0].ends_with(R"(", "é,", "𝄞"])")) << out.records[0].substr(out.records[0].size() - 40);
 }
 
 }  // namespace
