@@ -288,20 +288,18 @@ TEST(CsvRoundTripProperty, RandomTablesReadBackUnchanged) {
     for (std::size_t c = 0; names && c < columns; ++c) header.names.push_back(value(false));
     std::ostringstream csv;
     std::ostringstream expected;
-    {
-      zvtool::csv_writer csv_out(csv);
-      zvtool::jsonl_writer jsonl_out(expected);
-      csv_out.header(header);
-      jsonl_out.header(header);
-      for (std::size_t r = 0; r < rows; ++r) {
-        std::vector<textio::import::output_value> record;
-        for (std::size_t c = 0; c < columns; ++c) record.push_back(value(true));
-        csv_out.record(record);
-        jsonl_out.record(record);
-      }
-      csv_out.flush();
-      jsonl_out.flush();
+    zvtool::csv_writer csv_out(csv);
+    zvtool::jsonl_writer jsonl_out(expected);
+    csv_out.header(header);
+    jsonl_out.header(header);
+    for (std::size_t r = 0; r < rows; ++r) {
+      std::vector<textio::import::output_value> record;
+      for (std::size_t c = 0; c < columns; ++c) record.push_back(value(true));
+      csv_out.record(record);
+      jsonl_out.record(record);
     }
+    csv_out.flush();
+    jsonl_out.flush();
     std::vector<std::string> args{"EmptyLineRule", "read"};
     if (names) args.insert(args.end(), {"NumHeaderLines", "1", "VariableNamesLine", "1"});
     const auto back = read_text(csv.str(), args);
