@@ -48,7 +48,7 @@ TEST(ColumnTable, SinkKeepsKindsAndPadsRaggedRecords) {
   const std::string expected[] = {"1.5 2 - word 0.1", "- x,y -  -", "- extra - - -", "- - - - -"};
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
     const auto& c = table.columns[i];
-    EXPECT_EQ(c.kind, i < 3 ? column_kind::text : column_kind::missing) << i;
+    ASSERT_EQ(c.kind, i < 3 ? column_kind::text : column_kind::missing) << i;
     ASSERT_EQ(c.missing.size(), table.rows) << i;
     std::string rows_shown;
     for (std::size_t row = 0; row < table.rows; ++row) {

@@ -91,6 +91,7 @@ const std::array<std::string, 3> layout_cases[] = {
      "; 2 2 3 , - - \" double -"},
     {"names_over_units", "name,height,weight\n,m,kg\nann,1.61,55.5\nbob,1.82,80.25\ncid,1.75,70.5\ndan,1.69,66.0\n",
      ", 2 1 3 . - - \" double - [name] [height m] [weight kg]"},
+    {"decimal_comma_by_one_vote", "x;y\n1,5;2.5\n3,5;7\n4;8\n5;9\n", "; 1 1 2 , - - \" double -"},
     {"trailing_delimiter_is_no_variable", "a;b;\n1;2;\n3;4;\n5;6;\n", "; 1 1 2 . - - \" double -"},
     {"fixed_width_with_blanks_inside_fields", fixed_width_table, "fixed 1 1 3 . - - \" double -"},
     // A backslash escapes quotes inside; a quote that never closes is no
