@@ -171,6 +171,7 @@ void jsonl_writer::header(const textio::import::table_header& header) {
       out += i > 0 ? ", \"" : "\"";
       out += header.types[i];
       out += '"';
+      out_.maybe_flush();  // a wide table's list is long
     }
     out += ']';
   }
