@@ -211,10 +211,10 @@ class table_reader {
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
-    // A long record goes to the sink in parts where no rule can drop or
-    // fail it after its start is written.
-    parts_ = sink_.takes_parts() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
-             (opts_.output_type() != OutputBuilderType::Matrix || opts_.import_error_rule() == BadDataRule::Fill);
+    // A long record goes to the sink in parts (see emit).
+    parts_ = sink_.takes_parts() && !buffering_;
+    rules_may_drop_ = opts_.missing_rule() != BadDataRule::Fill ||
+                      (converts_ && opts_.import_error_rule() != BadDataRule::Fill);
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     const textio::parser::LineRecordReader line_reader(opts_);
@@ -629,10 +629,31 @@ class table_reader {
     return true;
   }
 
-  // Hands on the record's cells followed by `padding` missing values.
+  // Hands on the record's cells followed by `padding` missing values. A
+  // record longer than a part goes to a sink that takes parts as its values
+  // are made; where a rule could still drop or fail it, a first pass applies
+  // the rules alone, so that no part of a dropped record is written and its
+  // values are never held whole.
   void emit(std::size_t padding) {
+    const bool in_parts = parts_ && cells_.size() > record_part_size;
+    if (in_parts && rules_may_drop_ && !make_values(padding, values_use::check)) return;
+    if (!make_values(padding, in_parts ? values_use::parts : values_use::whole)) return;
+    if (!buffering_) {
+      sink_.padded_record(values_, padding);
+      return;
+    }
+    table_.add_row(values_, padding);
+  }
+
+  // check: the rules only, no values; parts: values_ is handed to the sink
+  // whenever it holds a part, and keeps the rest; whole: values_ takes all.
+  enum class values_use { check, parts, whole };
+
+  // The record's values under the missing and import-error rules; false when
+  // a rule drops the record.
+  bool make_values(std::size_t padding, values_use use) {
     values_.clear();
-    values_.reserve(std::min(cells_.size(), parts_ ? record_part_size : cells_.size()));
+    if (use != values_use::check) values_.reserve(std::min(cells_.size(), record_part_size));
     const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
     const view w = window_.view();
     std::size_t i = 0;
@@ -640,33 +661,34 @@ class table_reader {
       const view text = text_of(w, c);
       output_value v;
       if (is_missing(c, text)) {
-        if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return;
+        if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
       } else if (matrix) {
         v.kind = value_kind::number;
         if (const auto number = to_number(text, format_)) {
           v.number = *number;
         } else {
           v.number = std::numeric_limits<double>::quiet_NaN();
-          if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return;
+          if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return false;
         }
       } else if (i < typing_.size() && typing_[i].type != value_type::string) {
         if (!convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) {
           v = output_value{};
           if (is_typed_marker(i, text)) {
-            if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return;
+            if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
           } else if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) {
-            return;
+            return false;
           }
         }
-      } else {
+      } else if (use != values_use::check) {
         v = text_value(text);
       }
-      if (parts_ && values_.size() == record_part_size) {
+      ++i;
+      if (use == values_use::check) continue;
+      if (use == values_use::parts && values_.size() == record_part_size) {
         sink_.record_part(values_);
         values_.clear();
       }
       values_.push_back(v);
-      ++i;
     }
     if (padding > 0) {
       // Where the record ends (no place for one made of waiting fields).
@@ -677,14 +699,10 @@ class table_reader {
         std::fill(omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size()),
                   omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size() + padding), true);
       } else if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), cells_.size(), first)) {
-        return;
+        return false;
       }
     }
-    if (!buffering_) {
-      sink_.padded_record(values_, padding);
-      return;
-    }
-    table_.add_row(values_, padding);
+    return true;
   }
 
   // The physical lines left in the input, counted by their line endings
@@ -779,6 +797,7 @@ class table_reader {
   bool buffering_ = false;
   bool counting_ = false;
   bool parts_ = false;  // values handed on in parts of record_part_size
+  bool rules_may_drop_ = false;  // a missing or import-error rule may drop or fail a record
   static constexpr std::size_t record_part_size = 4096;
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
   std::uint64_t first_counted_line_ = 0;       // after header and meta lines
