@@ -487,10 +487,11 @@ class table_reader {
     fill(descriptions_, h.descriptions);
     if (!typing_.empty()) {
       const std::size_t count = std::max({typing_.size(), names_.size(), variables_.value_or(0)});
-      h.types.reserve(count);
       for (std::size_t i = 0; i < count; ++i) {
         if (i < omitted.size() && omitted[i]) continue;
-        h.types.push_back(type_name(i < typing_.size() ? typing_[i].type : value_type::string));
+        const std::string_view name = type_name(i < typing_.size() ? typing_[i].type : value_type::string);
+        if (h.types.empty() || h.types.back().name != name) h.types.push_back({name, 0});
+        ++h.types.back().count;
       }
     }
     return h;
