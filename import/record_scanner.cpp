@@ -92,7 +92,7 @@ typename record_scanner<CharT>::field_end record_scanner<CharT>::scan_unquoted(v
           pos_ += ending;
           ++line_;
           line_start_ = pos_;
-          out.line_starts.push_back(pos_);
+          out.line_starts.push_back(static_cast<std::uint32_t>(pos_));
         } else {
           ++pos_;
         }
@@ -202,7 +202,7 @@ scan_result record_scanner<CharT>::scan_units(view text, bool at_end, std::uint6
           pos_ += ending;
           ++line_;
           line_start_ = pos_;
-          out.line_starts.push_back(pos_);
+          out.line_starts.push_back(static_cast<std::uint32_t>(pos_));
         } else {
           ++pos_;
         }

@@ -17,7 +17,6 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <vector>
 
 #include "import/string_matcher.hpp"
 
@@ -64,7 +63,7 @@ struct scanned_record {
   std::uint64_t next_line = 0;   // physical line after the record
   // Where each physical line after the first starts in the window (line
   // endings inside quotes and block comments), once per line.
-  std::vector<std::size_t> line_starts;
+  std::deque<std::uint32_t> line_starts;
   window_position end;  // where the record's text ends
   // No units but whitespace (and delimiters made of whitespace), no quote.
   bool empty = true;
