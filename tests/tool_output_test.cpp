@@ -126,41 +126,78 @@ TEST(ToolMessageLine, NamesThePairAndHints) {
   }
 }
 
+// Every field under its own name: the defaults, and a record with each field
+// changed through the options.
 TEST(ToolRecordJson, EveryFieldUnderItsOwnName) {
-  namespace enums = textio::enums;
-  textio::parser::options record;
-  record.delimiter({u",", u"\t"});
-  record.line_ending({u"\n"});
-  record.missing_placeholders({u"NA", u""});
-  record.comment_style({u"%"});
-  record.whitespace(u" ");
-  record.thousands_separator(u"'");
-  record.date_locale(u"de_CH");
-  record.exp_chars(u"e");
-  record.file_type(enums::FileType::FixedWidth);
-  record.field_widths({1, 18446744073709551615u});
-  record.num_header_lines(1);
-  record.num_variables(2);
-  record.variable_names_line(3);
-  record.variable_units_line(4);
-  record.variable_descriptions_line(5);
-  record.parser_type(enums::ParserType::Line);
-  record.output_type(enums::OutputBuilderType::Cell);
-  record.decimal_separator(u',');
-  record.missing_rule(enums::BadDataRule::OmitRow);
-  record.import_error_rule(enums::BadDataRule::Error);
-  record.consecutive_delim_rule(enums::ConsecutiveDelimitersRule::Error);
-  record.empty_line_rule(enums::EmptyLineRule::Read);
-  record.extra_columns_rule(enums::ExtraColumnsRule::Wrap);
-  record.leading_delim_rule(enums::LeadingDelimiterRule::Ignore);
-  record.trailing_delim_rule(enums::TrailingDelimiterRule::Error);
-  record.partial_field_rule(static_cast<enums::PartialFieldRule>(9));  // no enumerator: shown as its number
-  record.detecting_num_variables(false);
-  record.trim_non_numeric(true);
-
-  json_writer out;
-  zvtool::write_options_record(out, record);
-  const auto expected = nlohmann::ordered_json::parse(R"({
+  textio::parser::options changed;
+  const auto failure = zvtool::apply_option_arguments(
+      std::nullopt,
+      std::vector<std::string>{"Delimiter",
+                               R"([",", "\\t"])",
+                               "LineEnding",
+                               R"("\\n")",
+                               "TreatAsMissing",
+                               R"(["NA", ""])",
+                               "CommentStyle",
+                               "%",
+                               "Whitespace",
+                               " ",
+                               "ThousandsSeparator",
+                               "'",
+                               "DateLocale",
+                               "de_CH",
+                               "ExpChars",
+                               "e",
+                               "FileType",
+                               "fixedwidth",
+                               "VariableWidths",
+                               R"({"$class": "uint64", "$size": [1, 2], "$data": [1, 18446744073709551615]})",
+                               "NumHeaderLines",
+                               "1",
+                               "NumVariables",
+                               "2",
+                               "VariableNamesLine",
+                               "3",
+                               "VariableUnitsLine",
+                               "4",
+                               "VariableDescriptionsLine",
+                               "5",
+                               "ParserType",
+                               "line",
+                               "OutputBuilderType",
+                               "cell",
+                               "DecimalSeparator",
+                               ",",
+                               "MissingRule",
+                               "omitrow",
+                               "ImportErrorRule",
+                               "error",
+                               "ConsecutiveDelimitersRule",
+                               "error",
+                               "EmptyLineRule",
+                               "read",
+                               "ExtraColumnsRule",
+                               "wrap",
+                               "LeadingDelimitersRule",
+                               "ignore",
+                               "TrailingDelimitersRule",
+                               "error",
+                               "TrimNonNumeric",
+                               "true"},
+      changed);
+  ASSERT_FALSE(failure.has_value()) << zvtool::message_line(*failure);
+  changed.partial_field_rule(static_cast<textio::enums::PartialFieldRule>(9));  // no enumerator: shown as its number
+  const std::pair<textio::parser::options, const char*> cases[] = {
+      {textio::parser::options{}, R"({
+    "delimiter": [], "line_ending": ["\r\n", "\n", "\r"], "missing_placeholders": [], "comment_style": [],
+    "whitespace": " \b\t", "thousands_separator": "", "date_locale": "", "exp_chars": "eEdD", "file_type": "Text",
+    "field_widths": [], "num_header_lines": 18446744073709551615, "num_variables": 0, "variable_names_line": 0,
+    "variable_units_line": 0, "variable_descriptions_line": 0, "parser_type": "Delimited", "output_type": "Table",
+    "decimal_separator": ".", "missing_rule": "Fill", "import_error_rule": "Fill", "consecutive_delim_rule": "Split",
+    "empty_line_rule": "Skip", "extra_columns_rule": "AddVars", "leading_delim_rule": "Keep",
+    "trailing_delim_rule": "Keep", "partial_field_rule": "Keep", "detecting_delimiter": true,
+    "detecting_num_header_lines": true, "detecting_num_variables": true, "trim_non_numeric": false})"},
+      {changed, R"({
     "delimiter": [",", "\t"], "line_ending": ["\n"], "missing_placeholders": ["NA", ""],
     "comment_style": ["%"], "whitespace": " ", "thousands_separator": "'", "date_locale": "de_CH",
     "exp_chars": "e", "file_type": "FixedWidth", "field_widths": [1, 18446744073709551615],
@@ -169,8 +206,13 @@ TEST(ToolRecordJson, EveryFieldUnderItsOwnName) {
     "missing_rule": "OmitRow", "import_error_rule": "Error", "consecutive_delim_rule": "Error",
     "empty_line_rule": "Read", "extra_columns_rule": "Wrap", "leading_delim_rule": "Ignore",
     "trailing_delim_rule": "Error", "partial_field_rule": 9, "detecting_delimiter": false,
-    "detecting_num_header_lines": false, "detecting_num_variables": false, "trim_non_numeric": true})");
-  EXPECT_EQ(nlohmann::ordered_json::parse(out.text()), expected);
+    "detecting_num_header_lines": false, "detecting_num_variables": false, "trim_non_numeric": true})"},
+  };
+  for (const auto& [record, expected] : cases) {
+    json_writer out;
+    zvtool::write_options_record(out, record);
+    EXPECT_EQ(nlohmann::ordered_json::parse(out.text()), nlohmann::ordered_json::parse(expected));
+  }
 }
 
 }  // namespace
