@@ -1,3 +1,5 @@
+// The record readers built from records: the stop characters, the lists they
+// ask the delimiter cache for, and their moves.
 #include "parser/record_readers.hpp"
 
 #include <gtest/gtest.h>
@@ -9,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "parser/stop_characters.hpp"
 #include "support/delim_call_log.hpp"
 
 namespace {
@@ -21,6 +24,29 @@ using textio::parser::options;
 using text_list = std::vector<ustring>;
 using width_list = std::vector<std::uint64_t>;
 namespace enums = textio::enums;
+
+TEST(StopCharacters, SortedUnionOfFirstUnits) {
+  const struct {
+    const char* what;
+    text_list first, second;
+    ustring expected;
+  } cases[] = {
+      {"comma and tab with the default line endings", {u",", u"\t"}, options{}.line_ending(), u"\t\n\r,"},
+      {"only first units count, once each", {u"abc", u"ab", u"x"}, {}, u"ax"},
+      {"an empty string gives U+0000 at the front", {u",", u""}, {u"\n"}, ustring(u"\0\n,", 3)},
+      {"a unit in both lists stands once", {u";"}, {u";;", u"\n"}, u"\n;"},
+      {"unsigned order: 0x8000 and 0xFFFF after 0x7FFF", {u"\uFFFF", u"\u8000x"}, {u"\u7FFF"}, u"\u7FFF\u8000\uFFFF"},
+      {"a surrogate sorts between 0xD7FF and 0xE000", {u"\uE000", u"\xDC00\xD800"}, {u"\uD7FF"}, u"\uD7FF\xDC00\uE000"},
+      {"empty strings in both lists", {u""}, {u"", u"z"}, ustring(u"\0z", 2)},
+  };
+  for (const auto& c : cases) {
+    // Neither the order of the lists nor the order within them matters.
+    const text_list reversed(c.first.rbegin(), c.first.rend());
+    EXPECT_EQ(textio::parser::stop_characters(c.first, c.second), c.expected) << c.what;
+    EXPECT_EQ(textio::parser::stop_characters(c.second, c.first), c.expected) << c.what << " (lists swapped)";
+    EXPECT_EQ(textio::parser::stop_characters(reversed, c.second), c.expected) << c.what << " (first list reversed)";
+  }
+}
 
 // What a case changes in a default record.
 struct record_setup {
