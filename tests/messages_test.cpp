@@ -6,6 +6,8 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "errors/tags.hpp"
 #include "zvarray/matrix.hpp"
@@ -24,12 +26,7 @@ using exception_of = except::Exception<Tag, std::exception, void>;
 // catalog entry that uses the argument exactly when there is one.
 TEST(Messages, TagsCarryCatalogKeyAndArgumentsInTheirAlternatives) {
   const auto text = [](const char* s) { return std::vector<MsgArg>{MsgArg(std::in_place_index<1>, s)}; };
-  struct Case {
-    std::string key;
-    resource_core::BaseMsgID id;
-    std::vector<MsgArg> args;
-  };
-  const std::vector<Case> cases = {
+  const std::tuple<std::string, resource_core::BaseMsgID, std::vector<MsgArg>> cases[] = {
       {"BadTextFlag", msg::BadTextFlag("'a', 'b'\n"), text("'a', 'b'\n")},
       {"CommentStyleSize", msg::CommentStyleSize(), {}},
       {"DelimiterType", msg::DelimiterType(), {}},

@@ -71,18 +71,19 @@ TEST(ReaderThreads, ConstructAtOnceAndShareObjects) {
   for (std::thread& thread : threads) thread.join();
 
   for (std::size_t t = 0; t < thread_count; ++t) {
+    SCOPED_TRACE(testing::Message() << "thread " << t);
     const thread_result& r = results[t];
-    EXPECT_TRUE(r.consistent) << "thread " << t;
-    EXPECT_EQ(r.calls, rounds * 9) << "thread " << t;  // 4 + 4 + 1 per round, logged on this thread
+    EXPECT_TRUE(r.consistent);
+    EXPECT_EQ(r.calls, rounds * 9);  // 4 + 4 + 1 per round, logged on this thread
     ASSERT_NE(r.shared_field, nullptr);
     EXPECT_EQ(r.shared_field->strings(), shared_list(t));
     EXPECT_EQ(r.own_field->strings(), own_list(t));
-    EXPECT_EQ(r.line, results[0].line) << "thread " << t;
-    EXPECT_EQ(r.shared_field, results[t % 2].shared_field) << "thread " << t;
+    EXPECT_EQ(r.line, results[0].line);
+    EXPECT_EQ(r.shared_field, results[t % 2].shared_field);
     for (std::size_t u = 0; u < t; ++u) {
-      EXPECT_NE(r.own_field, results[u].own_field) << t << " vs " << u;
+      EXPECT_NE(r.own_field, results[u].own_field) << "vs " << u;
       if (t % 2 != u % 2) {
-        EXPECT_NE(r.shared_field, results[u].shared_field) << t << " vs " << u;
+        EXPECT_NE(r.shared_field, results[u].shared_field) << "vs " << u;
       }
     }
   }

@@ -19,12 +19,9 @@ using Args = std::vector<resource_core::MsgArg>;
 inline std::string describe(const resource_core::BaseMsgID& id) {
   std::string text = id.key + "(";
   for (const auto& arg : id.args) {
-    if (const auto* s = std::get_if<std::string>(&arg))
-      text += "\"" + *s + "\" ";
-    else if (const auto* u = std::get_if<::ustring>(&arg))
-      text += "u\"" + foundation::core::unicode::to_utf8(*u) + "\" ";
-    else
-      text += "<plain> ";
+    const auto* s = std::get_if<std::string>(&arg);
+    const auto* u = std::get_if<::ustring>(&arg);
+    text += s ? "\"" + *s + "\" " : u ? "u\"" + foundation::core::unicode::to_utf8(*u) + "\" " : "<plain> ";
   }
   return text + ")";
 }
@@ -36,17 +33,12 @@ template <class Tag>
   try {
     fn();
   } catch (const foundation::core::except::Exception<Tag, std::exception, void>& e) {
-    const auto& id = e.GetBaseMsgID();
-    if (id.args != args) {
-      return ::testing::AssertionFailure() << "threw " << describe(id) << " with other arguments than expected";
-    }
-    return ::testing::AssertionSuccess();
+    if (e.GetBaseMsgID().args == args) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "threw " << describe(e.GetBaseMsgID()) << " with other arguments";
   } catch (const foundation::core::except::IMsgIDException& e) {
     return ::testing::AssertionFailure() << "threw another message: " << describe(e.GetBaseMsgID());
   } catch (const std::exception& e) {
     return ::testing::AssertionFailure() << "threw a non-message exception: " << e.what();
-  } catch (...) {
-    return ::testing::AssertionFailure() << "threw something that is no std::exception";
   }
   return ::testing::AssertionFailure() << "threw nothing";
 }
