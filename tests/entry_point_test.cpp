@@ -140,27 +140,21 @@ class DashFoldingCtype : public std::ctype<char> {
   }
 };
 
-TEST(OptionNameOrdering, ComparesFoldedSignedBytesWithThePrefixFirst) {
+// The ordering folds signed bytes with the prefix first; both the ordering
+// and the lookups fold with the global locale as it stands at each call.
+TEST(OptionNameOrdering, ComparesFoldedSignedBytesUnderTheGlobalLocaleOfEachCall) {
   const textio::options::option_name_less less;
-  EXPECT_FALSE(less("abc", "ABC"));
-  EXPECT_FALSE(less("ABC", "abc"));
+  EXPECT_FALSE(less("abc", "ABC") || less("ABC", "abc"));
   EXPECT_TRUE(less("ab", "ABC"));
   EXPECT_FALSE(less("ABC", "ab"));
   EXPECT_TRUE(less("a", "_"));     // 'A' (65) below '_' (95) after folding
   EXPECT_TRUE(less("\x80", "A"));  // bytes from 0x80 compare as negative
-}
-
-// Both the ordering and the lookups fold with the global locale as it stands
-// at each call.
-TEST(OptionNameOrdering, FollowsTheGlobalLocaleOfEachCall) {
-  const textio::options::option_name_less less;
   options o;
   const std::vector<Value> pair = {t(u"Num9ariables"), Value::scalar(3)};
   EXPECT_TRUE(less("a-b", "a_b"));
   EXPECT_MESSAGE(call(o, pair), msg::UnknownParameter, utext_arg(u"Num9ariables"));
   const std::locale previous = std::locale::global(std::locale(std::locale::classic(), new DashFoldingCtype));
-  EXPECT_FALSE(less("a-b", "a_b"));
-  EXPECT_FALSE(less("a_b", "a-b"));
+  EXPECT_FALSE(less("a-b", "a_b") || less("a_b", "a-b"));
   call(o, pair);
   EXPECT_EQ(o.num_variables(), 3u);
   std::locale::global(previous);
