@@ -25,7 +25,6 @@
 #include "support/expect_message.hpp"
 #include "support/record_fields.hpp"
 #include "support/reference_flag_matcher.hpp"
-#include "support/setter_calls.hpp"
 #include "zvarray/matrix.hpp"
 #include "zvarray/value.hpp"
 #include "zvcore/exceptions.hpp"

@@ -14,7 +14,6 @@
 #include "name_value/option_table.hpp"
 #include "support/expect_message.hpp"
 #include "support/record_fields.hpp"
-#include "support/setter_calls.hpp"
 #include "zvarray/value.hpp"
 
 namespace {
