@@ -48,114 +48,101 @@ TEST(StopCharacters, SortedUnionOfFirstUnits) {
   }
 }
 
-// What a case changes in a default record.
-struct record_setup {
-  std::optional<text_list> delimiter{};
-  std::optional<text_list> line_ending{};
-  width_list widths{};
-  enums::EmptyLineRule empty_lines = enums::EmptyLineRule::Skip;
-  bool detect_delimiter = false;  // unset_delimiter after setting it
-};
-
-options make_record(const record_setup& s) {
-  options o;
-  if (s.delimiter) o.delimiter(*s.delimiter);
-  if (s.detect_delimiter) o.unset_delimiter();
-  if (s.line_ending) o.line_ending(*s.line_ending);
-  o.field_widths(s.widths);
-  o.empty_line_rule(s.empty_lines);
-  return o;
-}
-
 // Each reader asks for its lists in a fixed order (seen through the call log)
-// and shares the cache's objects.
-TEST(LineRecordReader, BuiltFromRecords) {
+// and shares the cache's objects. The line reader's stop characters come from
+// the line endings alone, the delimited reader's from both lists, and the
+// fixed-width reader's are the first unit of each ending, in list order.
+TEST(RecordReaders, BuiltFromRecords) {
   const struct {
     const char* what;
-    record_setup setup;
-    ustring stop_chars;
-    bool reads_empty_lines;
+    std::optional<text_list> delimiter, line_ending;
+    width_list widths;
+    enums::EmptyLineRule empty_lines;
+    ustring line_stops, delimited_stops, fixed_stops;
+    bool reads_empty_lines = false;
+    std::uint64_t record_width = 0;
+    bool detect_delimiter = false;  // a delimiter to be detected is still used
   } cases[] = {
-      {"defaults", {}, u"\n\r", false},
-      {"empty lines read", {.empty_lines = enums::EmptyLineRule::Read}, u"\n\r", true},
-      {"empty lines an error", {.empty_lines = enums::EmptyLineRule::Error}, u"\n\r", false},
-      {"an empty line ending", {.line_ending = text_list{u""}}, ustring(1, u'\0'), false},
-      {"custom endings, first units only, delimiters play no part",
-       {.delimiter = text_list{u","}, .line_ending = text_list{u"<EOR>", u"\n", u"<EOF>"}},
+      {"defaults", {}, {}, {}, enums::EmptyLineRule::Skip, u"\n\r", u"\n\r", u"\r\n\r"},
+      {"empty lines read", {}, {}, {}, enums::EmptyLineRule::Read, u"\n\r", u"\n\r", u"\r\n\r", true},
+      {"empty lines an error", {}, {}, {}, enums::EmptyLineRule::Error, u"\n\r", u"\n\r", u"\r\n\r"},
+      {"comma and tab, widths with zeros",
+       text_list{u",", u"\t"},
+       {},
+       {3, 0, 5, 2},
+       enums::EmptyLineRule::Skip,
+       u"\n\r",
+       u"\t\n\r,",
+       u"\r\n\r",
+       false,
+       10},
+      {"a sum of widths past 2^64 wraps",
+       {},
+       {},
+       {UINT64_MAX, 2},
+       enums::EmptyLineRule::Skip,
+       u"\n\r",
+       u"\n\r",
+       u"\r\n\r",
+       false,
+       1},
+      {"an empty line ending",
+       {},
+       text_list{u""},
+       {},
+       enums::EmptyLineRule::Skip,
+       ustring(1, u'\0'),
+       ustring(1, u'\0'),
+       ustring(1, u'\0')},
+      {"custom endings",
+       text_list{u"::", u";"},
+       text_list{u"<EOR>", u"\n", u"<EOF>", u"\n"},
+       {},
+       enums::EmptyLineRule::Skip,
        u"\n<",
-       false},
+       u"\n:;<",
+       u"<\n<\n"},
+      {"no line endings", text_list{u"|"}, text_list{}, {}, enums::EmptyLineRule::Skip, u"", u"|", u"", false, 0, true},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    const options record = make_record(c.setup);
-    test_support::delim_call_log log;
-    const LineRecordReader reader(record);
-    const text_list& endings = record.line_ending();
-    EXPECT_EQ(log.calls(), (std::vector<text_list>{endings, {}, endings}));
-    EXPECT_EQ(reader.delimiters.stop_chars, c.stop_chars);
-    EXPECT_EQ(reader.reads_empty_lines, c.reads_empty_lines);
-    EXPECT_EQ(reader.whitespace, &record.whitespace());
-    EXPECT_EQ(reader.delimiters.primary, get_or_create_delim(endings));
-    EXPECT_EQ(reader.line_delimiter, get_or_create_delim(endings));
-  }
-}
-
-TEST(DelimitedRecordReader, BuiltFromRecords) {
-  const struct {
-    const char* what;
-    record_setup setup;
-    ustring stop_chars;
-  } cases[] = {
-      {"defaults: the empty delimiter list", {}, u"\n\r"},
-      {"comma and tab", {.delimiter = text_list{u",", u"\t"}}, u"\t\n\r,"},
-      {"a delimiter to be detected is still used", {.delimiter = text_list{u"|"}, .detect_delimiter = true}, u"\n\r|"},
-      {"no line endings", {.delimiter = text_list{u"::", u";"}, .line_ending = text_list{}}, u":;"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    const options record = make_record(c.setup);
-    test_support::delim_call_log log;
-    const DelimitedRecordReader reader(record);
+    options record;
+    if (c.delimiter) record.delimiter(*c.delimiter);
+    if (c.detect_delimiter) record.unset_delimiter();
+    if (c.line_ending) record.line_ending(*c.line_ending);
+    record.field_widths(c.widths);
+    record.empty_line_rule(c.empty_lines);
     const text_list& fields = record.delimiter();
     const text_list& lines = record.line_ending();
-    EXPECT_EQ(log.calls(), (std::vector<text_list>{fields, lines, lines, fields}));
-    EXPECT_EQ(reader.opts, &record);
-    EXPECT_EQ(reader.quoted_delimiters.quote, u'"');
-    EXPECT_EQ(reader.quoted_delimiters.delimiters.stop_chars, c.stop_chars);
-    EXPECT_EQ(reader.quoted_delimiters.delimiters.primary, get_or_create_delim(fields));
-    EXPECT_EQ(reader.quoted_delimiters.delimiters.secondary, get_or_create_delim(lines));
-    EXPECT_EQ(reader.line_delimiter, get_or_create_delim(lines));
-    EXPECT_EQ(reader.field_delimiter, get_or_create_delim(fields));
-  }
-}
 
-TEST(FixedWidthRecordReader, BuiltFromRecords) {
-  const struct {
-    const char* what;
-    record_setup setup;
-    ustring stop_chars;
-    std::uint64_t record_width;
-  } cases[] = {
-      {"defaults: one unit per ending, duplicates kept", {}, u"\r\n\r", 0},
-      {"widths 3, 5, 2, zero widths", {.widths = {3, 0, 5, 2}}, u"\r\n\r", 10},
-      {"a sum past 2^64 wraps", {.widths = {UINT64_MAX, 2}}, u"\r\n\r", 1},
-      {"list order, not sorted",
-       {.line_ending = text_list{u"z", u"\n", u"ab", u"\n", u""}},
-       ustring(u"z\na\n\0", 5),
-       0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    options record = make_record(c.setup);
-    record.delimiter(text_list{u"never-asked-for"});
-    test_support::delim_call_log log;
-    const FixedWidthRecordReader reader(record);
-    EXPECT_EQ(log.calls(), std::vector<text_list>{record.line_ending()});
-    EXPECT_EQ(reader.opts, &record);
-    EXPECT_EQ(reader.field_widths, record.field_widths());
-    EXPECT_EQ(reader.stop_chars, c.stop_chars);
-    EXPECT_EQ(reader.record_width, c.record_width);
-    EXPECT_EQ(reader.line_delimiter, get_or_create_delim(record.line_ending()));
+    test_support::delim_call_log line_log;
+    const LineRecordReader line(record);
+    EXPECT_EQ(line_log.calls(), (std::vector<text_list>{lines, {}, lines}));
+    EXPECT_EQ(line.delimiters.stop_chars, c.line_stops);
+    EXPECT_EQ(line.reads_empty_lines, c.reads_empty_lines);
+    EXPECT_EQ(line.whitespace, &record.whitespace());
+    EXPECT_EQ(line.delimiters.primary, get_or_create_delim(lines));
+    EXPECT_EQ(line.line_delimiter, get_or_create_delim(lines));
+
+    test_support::delim_call_log delimited_log;
+    const DelimitedRecordReader delimited(record);
+    EXPECT_EQ(delimited_log.calls(), (std::vector<text_list>{fields, lines, lines, fields}));
+    EXPECT_EQ(delimited.opts, &record);
+    EXPECT_EQ(delimited.quoted_delimiters.quote, u'"');
+    EXPECT_EQ(delimited.quoted_delimiters.delimiters.stop_chars, c.delimited_stops);
+    EXPECT_EQ(delimited.quoted_delimiters.delimiters.primary, get_or_create_delim(fields));
+    EXPECT_EQ(delimited.quoted_delimiters.delimiters.secondary, get_or_create_delim(lines));
+    EXPECT_EQ(delimited.line_delimiter, get_or_create_delim(lines));
+    EXPECT_EQ(delimited.field_delimiter, get_or_create_delim(fields));
+
+    test_support::delim_call_log fixed_log;
+    const FixedWidthRecordReader fixed(record);
+    EXPECT_EQ(fixed_log.calls(), std::vector<text_list>{lines});
+    EXPECT_EQ(fixed.opts, &record);
+    EXPECT_EQ(fixed.field_widths, record.field_widths());
+    EXPECT_EQ(fixed.stop_chars, c.fixed_stops);
+    EXPECT_EQ(fixed.record_width, c.record_width);
+    EXPECT_EQ(fixed.line_delimiter, get_or_create_delim(lines));
   }
 }
 
