@@ -1,5 +1,6 @@
 // Matching of texts against flags: the ASCII fold under it, the comparison,
-// the search and its failures, and every rule option against a reference.
+// the search and its failures, every rule option against a reference, and
+// the tool's key help against the option table.
 #include "name_value/flag_matching.hpp"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <optional>
 #include <random>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,10 +23,12 @@
 
 #include "errors/tags.hpp"
 #include "name_value/ascii_tables.hpp"
+#include "name_value/option_table.hpp"
 #include "name_value/option_vocabulary.hpp"
 #include "support/expect_message.hpp"
 #include "support/record_fields.hpp"
 #include "support/reference_flag_matcher.hpp"
+#include "tools/help_text.hpp"
 #include "zvarray/matrix.hpp"
 #include "zvarray/value.hpp"
 #include "zvcore/exceptions.hpp"
@@ -329,6 +333,30 @@ TEST(FlagMatching, EveryRuleOptionAgreesWithTheReference) {
     }
     EXPECT_EQ(check_rule_option(option, hv::Value::chars({first.size(), 1}, first), 0), "") << option.key;
   }
+}
+
+// The tool's key help lists the option table's keys, and for each rule option
+// the flags of its list, in position order, and whether it abbreviates.
+TEST(OptionHelp, ListsTheTablesKeysAndEachRulesFlagsInPositionOrder) {
+  std::set<std::string> help_keys;
+  std::istringstream lines(zvtool::option_keys_help());
+  std::string line;
+  std::getline(lines, line);  // the title
+  while (std::getline(lines, line)) {
+    ASSERT_TRUE(line.starts_with("  ")) << line;
+    const std::string key = line.substr(2, line.find(' ', 2) - 2);
+    EXPECT_TRUE(help_keys.insert(key).second) << "listed twice: " << key;
+    std::string list;
+    for (auto open = line.find('\''); open != std::string::npos;
+         open = line.find('\'', line.find('\'', open + 1) + 1)) {
+      list += (list.empty() ? "" : ", ") + line.substr(open, line.find('\'', open + 1) - open + 1);
+    }
+    EXPECT_EQ(list.empty() ? "" : list + "\n", list_texts.contains(key) ? list_texts.at(key) : "") << key;
+    EXPECT_EQ(line.find("(abbreviations accepted)") != std::string::npos, abbreviating.contains(key)) << key;
+  }
+  std::set<std::string> table_keys;
+  for (const auto& [key, setter] : textio::options::option_table) table_keys.insert(key);
+  EXPECT_EQ(help_keys, table_keys);
 }
 
 }  // namespace
