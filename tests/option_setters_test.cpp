@@ -446,10 +446,7 @@ TEST(ListOptions, CommentStyleCountsEntriesBeforeDecoding) {
   const options start = prepared_record(true);
   options o = start;
   EXPECT_MESSAGE(apply_option(o, "CommentStyle", texts({u"%", u"\\q", u"#"})), msg::CommentStyleSize);
-  EXPECT_MESSAGE(
-      apply_option(o, "CommentStyle",
-                   Value::cell({2, 2}, {Value::text(u"a"), Value::text(u"b"), Value::text(u"c"), Value::text(u"d")})),
-      msg::CommentStyleSize);
+  EXPECT_MESSAGE(apply_option(o, "CommentStyle", texts({2, 2}, {u"a", u"b", u"c", u"d"})), msg::CommentStyleSize);
   EXPECT_MESSAGE(apply_option(o, "CommentStyle", texts({u"%", u"\\q"})), msg::InvalidEscapeSequence,
                  text_arg("CommentStyle"));
   EXPECT_TRUE(same_record(o, start));
