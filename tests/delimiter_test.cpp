@@ -1,8 +1,6 @@
 // The delimiter objects: the longest-match lookup, the cache that shares one
-// object per distinct list, and readers built on several threads at once from
-// records with equal and with different lists (every thread must see one
-// shared object per distinct list, and the sanitizer builds must find no
-// race).
+// object per distinct list, and readers built on several threads at once (the
+// sanitizer builds must find no race).
 #include "zvdelim/delimiter.hpp"
 
 #include <gtest/gtest.h>

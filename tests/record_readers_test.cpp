@@ -1,7 +1,5 @@
-// The options record (its setters and detection flags, copies and moves; its
-// defaults are checked through the tool's options output) and the readers
-// built from records: the stop characters, the lists they ask the delimiter
-// cache for, and their moves.
+// The options record (its defaults are checked through the tool's options
+// output) and the readers built from records.
 #include "parser/record_readers.hpp"
 
 #include <gtest/gtest.h>
