@@ -137,11 +137,7 @@ TEST(EntryPoint, StructFormAppliesKnownFieldsInOrderAndSkipsOthers) {
 // locale is used.
 class DashFoldingCtype : public std::ctype<char> {
  protected:
-  char do_toupper(char c) const override {
-    if (c == '-') return '_';
-    if (c == '9') return 'V';
-    return std::ctype<char>::do_toupper(c);
-  }
+  char do_toupper(char c) const override { return c == '-' ? '_' : c == '9' ? 'V' : std::ctype<char>::do_toupper(c); }
   const char* do_toupper(char* begin, const char* end) const override {
     for (char* p = begin; p != end; ++p) *p = do_toupper(*p);
     return end;

@@ -28,31 +28,27 @@ using textio::parser::options;
 using text_list = options::text_list;
 using thrower = ::testing::AssertionResult (*)(const std::function<void()>&, const Args&);
 
-struct decode_case {
-  std::u16string given;
-  std::u16string decoded;
-  bool known;
-};
-
-const decode_case decode_cases[] = {
-    {u"a\\tb\\b\\n\\r", u"a\tb\b\n\r", true},
-    {u"\\\\\\n", u"\\\n", true},  // pairs form from the left; the decoded backslash starts nothing
-    {u"\\\\q", u"\\q", true},     // q follows a decoded backslash, so it is plain
-    {u"\\", u"\\", true},         // a lone backslash at the end stays
-    {u"\\qa\\n", u"a\n", false},  // both units of an unknown pair go; the scan goes on
-    // Unknown: no other letters, no upper case, no numeric forms.
-    {u"\\0\\T", u"", false},
-    {u"\\x41", u"41", false},
-    {std::u16string(u"\\\0", 2), u"", false},  // a NUL unit behind a backslash
-    {u"\\\u00E9", u"", false},
-    // NUL units elsewhere are ordinary text.
-    {std::u16string(u"a\0\\t", 4), std::u16string(u"a\0\t", 3), true},
-};
-
 // The reference is held to the same table, so agreement below means both are
 // right, not merely alike.
 TEST(EscapeSequences, DecoderAndReferenceGiveTheTable) {
-  for (const auto& c : decode_cases) {
+  const struct {
+    std::u16string given, decoded;
+    bool known;
+  } cases[] = {
+      {u"a\\tb\\b\\n\\r", u"a\tb\b\n\r", true},
+      {u"\\\\\\n", u"\\\n", true},  // pairs form from the left; the decoded backslash starts nothing
+      {u"\\\\q", u"\\q", true},     // q follows a decoded backslash, so it is plain
+      {u"\\", u"\\", true},         // a lone backslash at the end stays
+      {u"\\qa\\n", u"a\n", false},  // both units of an unknown pair go; the scan goes on
+      // Unknown: no other letters, no upper case, no numeric forms.
+      {u"\\0\\T", u"", false},
+      {u"\\x41", u"41", false},
+      {std::u16string(u"\\\0", 2), u"", false},  // a NUL unit behind a backslash
+      {u"\\\u00E9", u"", false},
+      // NUL units elsewhere are ordinary text.
+      {std::u16string(u"a\0\\t", 4), std::u16string(u"a\0\t", 3), true},
+  };
+  for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.given));
     for (bool (*decode)(ustring&) noexcept :
          {&textio::options::decode_escape_sequences, &test_support::reference_decode}) {
@@ -96,13 +92,11 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 // What a count option makes of a value: the stored count, or no value when
 // the setter fails.
-struct CountCase {
+const struct {
   const char* label;
   Value value;
   std::optional<std::uint64_t> stored;
-};
-
-const CountCase count_cases[] = {
+} count_cases[] = {
     {"zero", Value::scalar(0), 0},
     {"one", Value::scalar(1), 1},
     {"negative zero", Value::scalar(-0.0), 0},

@@ -65,14 +65,9 @@ Value typed(hv::Dims dims, std::vector<T> data) {
   return Value::array<T>(std::move(dims), data);
 }
 
-struct mapping_case {
-  std::string json;
-  Value expected;
-};
-
 TEST(ToolValues, ArgumentsMapOntoHostValues) {
   const double inf = std::numeric_limits<double>::infinity();
-  const mapping_case cases[] = {
+  const std::pair<std::string, Value> cases[] = {
       {R"("ab")", Value::text(u"ab")},
       {R"("")", Value::chars({0, 0}, u"")},
       {R"("\u00e9\ud83d\ude00")", Value::text(u"\u00e9\U0001F600")},
@@ -114,8 +109,8 @@ TEST(ToolValues, ArgumentsMapOntoHostValues) {
       {"{bad", Value::text(u"{bad")},
       {"\xC3\xA9t\xFF", Value::text(u"\u00e9t\uFFFD")},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(dump(zvtool::value_argument(c.json).get()), dump(c.expected.get())) << c.json;
+  for (const auto& [json, expected] : cases) {
+    EXPECT_EQ(dump(zvtool::value_argument(json).get()), dump(expected.get())) << json;
   }
   // Rewriting "-0" must not make bad JSON good.
   for (const char* bad : {"-01", "[-0-0]", "-0.", "--0"}) EXPECT_FALSE(zvtool::parse_json(bad)) << bad;
@@ -327,13 +322,8 @@ TEST(RecordEscaping, NumbersMatchTheShortestRoundTrip) {
 using zvtool::json_quote_units;
 using zvtool::json_writer;
 
-struct units_case {
-  std::u16string units;
-  std::string json;
-};
-
 TEST(ToolJsonText, UnitsAsUtf8WithLoneSurrogatesEscaped) {
-  const units_case cases[] = {
+  const std::pair<std::u16string, std::string> cases[] = {
       {std::u16string(u"a\"\0\n\x7f", 5), "\"a\\\"\\u0000\\n\x7f\""},  // ASCII escapes as for bytes
       {u"\u00e9\u20ac", "\"\xC3\xA9\xE2\x82\xAC\""},                   // two- and three-byte forms
       {u"\U0001F600", "\"\xF0\x9F\x98\x80\""},                         // a pair combines
@@ -342,7 +332,7 @@ TEST(ToolJsonText, UnitsAsUtf8WithLoneSurrogatesEscaped) {
       {u"\xDE00\xD83D", R"("\ude00\ud83d")"},                          // low before high: no pair
       {u"\xD83D\xD83D\xDE00", "\"\\ud83d\xF0\x9F\x98\x80\""},          // the second high pairs
   };
-  for (const auto& c : cases) EXPECT_EQ(json_quote_units(c.units), c.json);
+  for (const auto& [units, json] : cases) EXPECT_EQ(json_quote_units(units), json);
 }
 
 // Two spaces a level and empty containers inline; a message's arguments each
