@@ -205,10 +205,6 @@ TEST(FlagMatching, ParseTurnsEveryFailureIntoOneBadTextFlag) {
   matrix::detail::set_legacy_hv_error_hook(std::move(previous_hook));
 }
 
-// ---- Differential check of every rule option against a plain reference ----
-
-using test_support::reference_position;
-
 // Every beginning of every flag, in lower and mixed case, with a unit
 // added, its last unit given a high byte, or its first swapped for a
 // look-alike; then random texts over the letters of the flags, a few others
@@ -311,7 +307,7 @@ TEST(FlagMatching, EveryRuleOptionAgreesWithTheReference) {
         continue;
       const auto value = hv::Value::text(text);
       for (const auto& option : textio::options::rule_options) {
-        const std::string outcome = check_rule_option(option, value, reference_position(text, option));
+        const std::string outcome = check_rule_option(option, value, test_support::reference_position(text, option));
         if (!outcome.empty() && ++failures <= 10) {
           ADD_FAILURE() << option.key << " " << test_support::describe_text(text) << " in mode " << mode_name(mode)
                         << ":" << outcome;
