@@ -48,6 +48,7 @@ inline scan_rules<char> make_rules(const std::vector<std::u16string>& delimiters
   rules.quotes = true;
   rules.trim = true;
   rules.whitespace = whitespace;
+  rules.record_delimiters = true;
   rules.finish();
   for (const auto& d : delimiters) rules.mark(d[0], starts_field_delimiter);
   for (const auto& e : endings) rules.mark(e[0], starts_line_ending);
@@ -73,7 +74,7 @@ inline bool exact_record(const scan_rules<char>& rules, std::string_view text, b
   f.next = pos + rec.consumed;
   f.next_line = rec.next_line;
   for (std::size_t i = 0; i < rec.fields.size(); ++i) {
-    if (i + 1 < rec.fields.size()) f.delimiters.push_back(pos + rec.fields[i].delimiter);
+    if (i + 1 < rec.fields.size()) f.delimiters.push_back(pos + rec.delimiters[i]);
     f.quoted.push_back(rec.fields[i].quoted);
   }
   f.empty = rec.empty;

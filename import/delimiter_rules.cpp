@@ -7,25 +7,18 @@ bool blank(const raw_field& f) { return !f.quoted && f.length == 0; }
 
 }  // namespace
 
-delimiter_outcome apply_delimiter_rules(std::span<const raw_field> fields, const delimiter_rule_set& rules,
-                                        std::vector<std::size_t>& kept) {
+delimiter_outcome apply_delimiter_rules(field_list& fields, const delimiter_rule_set& rules) {
   using textio::enums::ConsecutiveDelimitersRule;
   using textio::enums::LeadingDelimiterRule;
   using textio::enums::TrailingDelimiterRule;
-  kept.clear();
   const std::size_t n = fields.size();
-  if (n <= 1) {
-    if (n == 1) kept.push_back(0);
-    return {};
-  }
+  if (n <= 1) return {};
   std::size_t first = 0;
   while (first < n && blank(fields[first])) ++first;
   // Only delimiters: every one of them is leading.
   if (first == n) {
     if (rules.leading == LeadingDelimiterRule::Error) return {delimiter_fault::leading, 0};
-    if (rules.leading == LeadingDelimiterRule::Keep) {
-      for (std::size_t i = 0; i < n; ++i) kept.push_back(i);
-    }
+    if (rules.leading != LeadingDelimiterRule::Keep) fields.clear();
     return {};
   }
   std::size_t last = n - 1;
@@ -38,16 +31,20 @@ delimiter_outcome apply_delimiter_rules(std::span<const raw_field> fields, const
       if (blank(fields[i])) return {delimiter_fault::consecutive, i};
     }
   }
-  if (rules.leading == LeadingDelimiterRule::Keep) {
-    for (std::size_t i = 0; i < first; ++i) kept.push_back(i);
+  const bool join = rules.consecutive == ConsecutiveDelimitersRule::Join;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    bool keep = true;
+    if (i < first) {
+      keep = rules.leading == LeadingDelimiterRule::Keep;
+    } else if (i > last) {
+      keep = rules.trailing == TrailingDelimiterRule::Keep;
+    } else if (i != first && i != last && join) {
+      keep = !blank(fields[i]);
+    }
+    if (keep) fields[kept++] = fields[i];
   }
-  for (std::size_t i = first; i <= last; ++i) {
-    if (i != first && i != last && blank(fields[i]) && rules.consecutive == ConsecutiveDelimitersRule::Join) continue;
-    kept.push_back(i);
-  }
-  if (rules.trailing == TrailingDelimiterRule::Keep) {
-    for (std::size_t i = last + 1; i < n; ++i) kept.push_back(i);
-  }
+  fields.resize(kept);
   return {};
 }
 

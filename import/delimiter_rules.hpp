@@ -7,8 +7,6 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
-#include <vector>
 
 #include "import/record_scanner.hpp"
 #include "parser/enums.hpp"
@@ -21,7 +19,7 @@ struct delimiter_rule_set {
   textio::enums::ConsecutiveDelimitersRule consecutive = textio::enums::ConsecutiveDelimitersRule::Split;
 };
 
-// Whether the rules keep every field as it is (no index list needed).
+// Whether the rules keep every field as it is.
 inline bool keeps_every_field(const delimiter_rule_set& rules) noexcept {
   return rules.leading == textio::enums::LeadingDelimiterRule::Keep &&
          rules.trailing == textio::enums::TrailingDelimiterRule::Keep &&
@@ -35,10 +33,9 @@ struct delimiter_outcome {
   std::size_t field = 0;  // the field whose ending delimiter breaks an "error" rule
 };
 
-// Fills `kept` with the indices of the fields that stay, in order, or gives
-// the first fault under an "error" rule (leading, then trailing, then
-// consecutive).
-delimiter_outcome apply_delimiter_rules(std::span<const raw_field> fields, const delimiter_rule_set& rules,
-                                        std::vector<std::size_t>& kept);
+// Removes the fields that the rules drop, keeping the order of the others,
+// or leaves the fields as they are and gives the first fault under an
+// "error" rule (leading, then trailing, then consecutive).
+delimiter_outcome apply_delimiter_rules(field_list& fields, const delimiter_rule_set& rules);
 
 }  // namespace textio::import

@@ -26,13 +26,20 @@ struct output_value {
   std::int64_t integer = 0;
 };
 
+// `count` variables in a row of one type.
+struct type_run {
+  std::string_view name;
+  std::size_t count = 0;
+};
+
 struct table_header {
   std::vector<output_value> names;
   std::vector<output_value> units;
   std::vector<output_value> descriptions;
-  // The type name of each variable when the reader converts to types;
-  // empty when every value is text.
-  std::vector<std::string_view> types;
+  // The type names of the variables in runs of one name (a table of many
+  // variables has few runs) when the reader converts to types; empty when
+  // every value is text.
+  std::vector<type_run> types;
 };
 
 // Receives the header once, before any record, then every record in order.

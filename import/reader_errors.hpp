@@ -82,6 +82,16 @@ struct CannotReadFile : resource_core::BaseMsgID {
   }
 };
 
+// A record longer than the reader takes; arguments: the physical line where
+// it starts and the most units (bytes of UTF-8, or UTF-16 units) a record
+// may have.
+struct RecordTooLong : resource_core::BaseMsgID {
+  RecordTooLong(std::uint64_t line, std::uint64_t limit) : resource_core::BaseMsgID(catalog_name, "RecordTooLong") {
+    args.emplace_back(std::in_place_index<0>, line);
+    args.emplace_back(std::in_place_index<0>, limit);
+  }
+};
+
 // Memory ran out (or reached the tool's limit) while reading; arguments: the
 // physical line where the record starts, and what asked for the memory (a
 // setting such as "NumVariables 1000000000", or the record's own size).

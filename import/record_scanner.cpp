@@ -11,21 +11,22 @@ void record_scanner<CharT>::append_slow(view text, scanned_record<CharT>& out, r
   if (from >= to) return;
   if (!f.in_scratch) {
     if (f.length == 0) {
-      f.begin = from;
-      f.length = to - from;
+      f.begin = static_cast<std::uint32_t>(from);
+      f.length = static_cast<std::uint32_t>(to - from);
       return;
     }
     if (f.begin + f.length == from) {
-      f.length += to - from;
+      f.length += static_cast<std::uint32_t>(to - from);
       return;
     }
+    // Scratch holds no more units than the record, so its offsets fit too.
     const std::size_t start = out.scratch.size();
     out.scratch.append(text.substr(f.begin, f.length));
-    f.begin = start;
+    f.begin = static_cast<std::uint32_t>(start);
     f.in_scratch = true;
   }
   out.scratch.append(text.substr(from, to - from));
-  f.length += to - from;
+  f.length += static_cast<std::uint32_t>(to - from);
 }
 
 template <class CharT>
@@ -35,7 +36,7 @@ void record_scanner<CharT>::trim_end(view text, scanned_record<CharT>& out, raw_
   std::size_t n = units.size();
   while (n > keep && is_blank_unit(units[n - 1])) --n;
   if (f.in_scratch) out.scratch.resize(f.begin + n);
-  f.length = n;
+  f.length = static_cast<std::uint32_t>(n);
 }
 
 template <class CharT>
@@ -91,7 +92,7 @@ typename record_scanner<CharT>::field_end record_scanner<CharT>::scan_unquoted(v
           pos_ += ending;
           ++line_;
           line_start_ = pos_;
-          out.line_starts.push_back(pos_);
+          out.line_starts.push_back(static_cast<std::uint32_t>(pos_));
         } else {
           ++pos_;
         }
@@ -105,7 +106,21 @@ typename record_scanner<CharT>::field_end record_scanner<CharT>::scan_unquoted(v
 
 template <class CharT>
 scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t first_line, scanned_record<CharT>& out) {
+  // Only a record's first max_record_units units are scanned: one that has
+  // not ended there is too long.
+  if (text.size() <= rules_.max_record_units) return scan_units(text, at_end, first_line, out);
+  const scan_result result = scan_units(text.substr(0, rules_.max_record_units), false, first_line, out);
+  if (result == scan_result::need_more) {
+    throw_msg_id_exception(ZORVEK::textio::reader::RecordTooLong(first_line, rules_.max_record_units));
+  }
+  return result;
+}
+
+template <class CharT>
+scan_result record_scanner<CharT>::scan_units(view text, bool at_end, std::uint64_t first_line,
+                                              scanned_record<CharT>& out) {
   out.fields.clear();
+  out.delimiters.clear();
   out.scratch.clear();
   out.empty = true;
   out.had_comment = false;
@@ -132,8 +147,8 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
       }
       if (pos_ == n && !at_end) return scan_result::need_more;
     }
-    f.start = pos_;
-    f.begin = pos_;
+    f.start = static_cast<std::uint32_t>(pos_);
+    f.begin = f.start;
     if (rules_.quotes && !quotes_as_text_ && pos_ < n && text[pos_] == rules_.quote) {
       f.quoted = true;
       out.empty = false;
@@ -150,7 +165,7 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
           if (rules_.stray_quote_as_text) {
             // The record again, with the quote as text.
             quotes_as_text_ = true;
-            const scan_result again = scan(text, at_end, first_line, out);
+            const scan_result again = scan_units(text, at_end, first_line, out);
             out.stray_quote = opening;
             return again;
           }
@@ -187,12 +202,12 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
           pos_ += ending;
           ++line_;
           line_start_ = pos_;
-          out.line_starts.push_back(pos_);
+          out.line_starts.push_back(static_cast<std::uint32_t>(pos_));
         } else {
           ++pos_;
         }
       }
-      if (f.length == 0) f.begin = pos_;
+      if (f.length == 0) f.begin = static_cast<std::uint32_t>(pos_);
     }
     std::size_t match = 0;
     const field_end end = scan_unquoted(text, at_end, out, f, match);
@@ -215,7 +230,7 @@ scan_result record_scanner<CharT>::scan(view text, bool at_end, std::uint64_t fi
       }
     }
     if (end == field_end::delimiter) {
-      f.delimiter = pos_;
+      if (rules_.record_delimiters) out.delimiters.push_back(static_cast<std::uint32_t>(pos_));
       out.fields.push_back(f);
       pos_ += match;
       continue;

@@ -12,10 +12,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <vector>
 
 #include "import/string_matcher.hpp"
 
@@ -29,29 +30,40 @@ struct window_position {
   std::size_t pos = 0;
 };
 
-// A field of a scanned record: a few words, as a record may have millions.
-// Its places are window offsets; the record turns them into lines and line
-// starts (scanned_record::position) when an error is reported.
+// A field of a scanned record: four 32-bit words, as a record may have
+// millions. Its offsets count from the record's first unit (the start of the
+// window it was scanned in), so a record is at most scan_rules::
+// max_record_units long. The record turns offsets into lines and line starts
+// (scanned_record::position) when an error is reported.
 struct raw_field {
-  std::size_t begin = 0;             // first unit, in the window or in scratch
-  std::uint64_t length : 62 = 0;     // after trimming
-  std::uint64_t in_scratch : 1 = 0;  // begin is in the record's scratch
-  std::uint64_t quoted : 1 = 0;
-  std::size_t start = 0;      // where the field's text starts
-  std::size_t delimiter = 0;  // the delimiter that ends it (when one does)
+  std::uint32_t begin = 0;   // first unit, in the window or in scratch
+  std::uint32_t length = 0;  // after trimming
+  std::uint32_t start = 0;   // where the field's text starts in the window
+  std::uint32_t in_scratch : 1 = 0;  // begin is in the record's scratch
+  std::uint32_t quoted : 1 = 0;
+  // Text that is not the record's: a field its reader adds, whose begin
+  // indexes what that reader keeps.
+  std::uint32_t external : 1 = 0;
 };
-static_assert(sizeof(raw_field) == 4 * sizeof(std::uint64_t));
+static_assert(sizeof(raw_field) == 4 * sizeof(std::uint32_t));
+
+// The fields of a record in chunks, so that a record of millions of fields
+// grows without copying the ones it has.
+using field_list = std::deque<raw_field>;
 
 template <class CharT>
 struct scanned_record {
-  std::vector<raw_field> fields;
+  field_list fields;
+  // Where the delimiter after each field but the last is, when the rules ask
+  // for it (scan_rules::record_delimiters).
+  std::deque<std::uint32_t> delimiters;
   std::basic_string<CharT> scratch;
   std::size_t consumed = 0;      // units of the window that the record took
   std::uint64_t first_line = 0;  // physical line of the record's first unit
   std::uint64_t next_line = 0;   // physical line after the record
   // Where each physical line after the first starts in the window (line
   // endings inside quotes and block comments), once per line.
-  std::vector<std::size_t> line_starts;
+  std::deque<std::uint32_t> line_starts;
   window_position end;  // where the record's text ends
   // No units but whitespace (and delimiters made of whitespace), no quote.
   bool empty = true;
@@ -97,6 +109,10 @@ struct scan_rules {
   bool stray_quote_as_text = false;
   bool trim = false;  // trim whitespace at both ends of unquoted fields
   std::u16string whitespace;
+  bool record_delimiters = false;  // fill scanned_record::delimiters
+  // The longest record, in units: field offsets are 32-bit. A longer record
+  // fails with RecordTooLong.
+  std::size_t max_record_units = std::numeric_limits<std::uint32_t>::max();
 
   static constexpr std::size_t table_size = std::size_t{1} << (8 * sizeof(CharT));
   std::array<std::uint8_t, table_size> table{};
@@ -140,16 +156,18 @@ class record_scanner {
   // line `first_line`. need_more: the window ends before the record is known
   // to end and the input has not ended; the caller appends and scans again.
   // Throws UnterminatedQuote for a quoted field open at the end of the input
-  // (unless the rules read such a quote as text).
+  // (unless the rules read such a quote as text), and RecordTooLong for a
+  // record that does not end within max_record_units.
   scan_result scan(view text, bool at_end, std::uint64_t first_line, scanned_record<CharT>& out);
 
  private:
+  scan_result scan_units(view text, bool at_end, std::uint64_t first_line, scanned_record<CharT>& out);
   enum class field_end { delimiter, line_ending, end_of_input, need_more };
 
   void append(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to) {
     if (!f.in_scratch && f.length == 0) [[likely]] {
-      f.begin = from;
-      f.length = to - from;
+      f.begin = static_cast<std::uint32_t>(from);
+      f.length = static_cast<std::uint32_t>(to - from);
       return;
     }
     append_slow(text, out, f, from, to);

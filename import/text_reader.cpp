@@ -26,11 +26,14 @@ namespace textio::import {
 namespace {
 
 using textio::enums::BadDataRule;
+using textio::enums::ConsecutiveDelimitersRule;
 using textio::enums::EmptyLineRule;
 using textio::enums::ExtraColumnsRule;
+using textio::enums::LeadingDelimiterRule;
 using textio::enums::OutputBuilderType;
 using textio::enums::ParserType;
 using textio::enums::PartialFieldRule;
+using textio::enums::TrailingDelimiterRule;
 namespace reader_error = ZORVEK::textio::reader;
 
 template <class CharT>
@@ -165,17 +168,15 @@ class table_reader {
     return "the record's length and field count";
   }
 
-  // A field of the record being shaped, with where it came from: a window
-  // offset of the scanned record, or (resolved) an index into resolved_ for
-  // a field that no longer is in the window.
-  struct cell {
+  // The fields of the record being shaped (cells_) are the scanned record's
+  // own entries, plus external ones for text that is not in the window (cut
+  // fixed-width fields, wrapped extra fields): their begin indexes
+  // external_, which holds their text and place.
+  struct external_text {
     view text;
-    std::uint64_t at : 61 = 0;
-    std::uint64_t quoted : 1 = 0;
-    std::uint64_t missing : 1 = 0;  // already known to be missing (padding, a filled partial field)
-    std::uint64_t resolved : 1 = 0;
+    source_position where;
+    bool missing = false;  // already known to be missing (a filled partial field)
   };
-  static_assert(sizeof(cell) == sizeof(view) + sizeof(std::uint64_t));
   // A field kept beyond its record (wrapped extra columns).
   struct owned_cell {
     string content;
@@ -210,10 +211,10 @@ class table_reader {
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
-    // A long record goes to the sink in parts where no rule can drop or
-    // fail it after its start is written.
-    parts_ = sink_.takes_parts() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
-             (opts_.output_type() != OutputBuilderType::Matrix || opts_.import_error_rule() == BadDataRule::Fill);
+    // A long record goes to the sink in parts (see emit).
+    parts_ = sink_.takes_parts() && !buffering_;
+    rules_may_drop_ = opts_.missing_rule() != BadDataRule::Fill ||
+                      (converts_ && opts_.import_error_rule() != BadDataRule::Fill);
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     const textio::parser::LineRecordReader line_reader(opts_);
@@ -234,6 +235,10 @@ class table_reader {
         data_rules_.backslash_escape = text_.escape == escape_style::backslash;
         data_rules_.stray_quote_as_text = text_.quote_detected;
         data_rules_.trim = true;
+        // The places of delimiters are needed only to report a fault.
+        data_rules_.record_delimiters = opts_.leading_delim_rule() == LeadingDelimiterRule::Error ||
+                                        opts_.trailing_delim_rule() == TrailingDelimiterRule::Error ||
+                                        opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Error;
         add_comments_and_finish(data_rules_);
         data_rules_.mark_stop_characters(reader.quoted_delimiters.delimiters.stop_chars,
                                          starts_field_delimiter | starts_line_ending);
@@ -296,29 +301,25 @@ class table_reader {
     if constexpr (sizeof(CharT) == 1) column = utf16_length(w.substr(at.line_start, at.pos - at.line_start));
     return {at.line, column + 1};
   }
-  source_position where(const cell& c) const { return c.resolved ? resolved_[c.at] : resolve(rec_.position(c.at)); }
-
-  // A cell whose place is known already.
-  cell resolved_cell(view text, source_position where) {
-    cell c;
-    c.text = text;
-    c.resolved = 1;
-    c.at = resolved_.size();
-    resolved_.push_back(where);
-    return c;
+  source_position where(const raw_field& c) const {
+    return c.external ? external_[c.begin].where : resolve(rec_.position(c.start));
+  }
+  view text_of(view window, const raw_field& c) const {
+    return c.external ? external_[c.begin].text : rec_.text(window, c);
   }
 
-  // Frees the entries of a long record once they are used, so that they do
-  // not add to the memory of what follows it.
-  template <class T>
-  static void release_if_long(std::vector<T>& entries) {
-    constexpr std::size_t long_record = std::size_t{1} << 16;
-    if (entries.capacity() > long_record) std::vector<T>().swap(entries);
+  // A cell of text outside the window, whose place is known already.
+  raw_field external_cell(view text, source_position where, bool missing = false) {
+    raw_field c;
+    c.external = 1;
+    c.begin = static_cast<std::uint32_t>(external_.size());
+    external_.push_back({text, where, missing});
+    return c;
   }
 
   void clear_cells() {
     cells_.clear();
-    resolved_.clear();
+    external_.clear();
   }
 
   template <class Tag>
@@ -333,30 +334,14 @@ class table_reader {
     const view w = window_.view();
     switch (opts_.parser_type()) {
       case ParserType::Delimited:
-      case ParserType::Tabular: {
-        const std::size_t count = keep_delimited_fields();
-        const bool every = keeps_every_field(delimiter_rules_);
-        cells_.reserve(count);
-        for (std::size_t k = 0; k < count; ++k) {
-          const std::size_t i = every ? k : kept_[k];
-          cell c;
-          c.text = rec_.text(w, rec_.fields[i]);
-          c.quoted = rec_.fields[i].quoted;
-          c.at = rec_.fields[i].start;
-          cells_.push_back(c);
-        }
-        // The cells hold all that is needed of a long record's fields.
-        release_if_long(rec_.fields);
-        release_if_long(kept_);
+      case ParserType::Tabular:
+        // The kept fields become the cells as they are, without a copy.
+        keep_delimited_fields();
+        cells_.swap(rec_.fields);
         return true;
-      }
-      case ParserType::Line: {
-        cell c;
-        c.text = rec_.text(w, rec_.fields[0]);
-        c.at = rec_.fields[0].start;
-        cells_.push_back(c);
+      case ParserType::Line:
+        cells_.push_back(rec_.fields[0]);
         return true;
-      }
       case ParserType::FixedWidth:
         if constexpr (sizeof(CharT) == 2) {
           return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.position(rec_.fields[0].start).line, false);
@@ -388,18 +373,18 @@ class table_reader {
     return true;
   }
 
-  // The number of fields of a delimited record that its delimiter rules
-  // keep; kept_ gives them unless the rules keep every field.
+  // Leaves in rec_.fields the fields of a delimited record that its
+  // delimiter rules keep; gives their number.
   std::size_t keep_delimited_fields() {
     if (keeps_every_field(delimiter_rules_)) return rec_.fields.size();
-    const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_, kept_);
+    const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_);
     if (outcome.fault != delimiter_fault::none) {
-      const source_position p = resolve(rec_.position(rec_.fields[outcome.field].delimiter));
+      const source_position p = resolve(rec_.position(rec_.delimiters[outcome.field]));
       if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
       if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
       fail<reader_error::ConsecutiveDelimiters>(p);
     }
-    return kept_.size();
+    return rec_.fields.size();
   }
 
   // The field count of a record that is only counted (see counting_).
@@ -445,10 +430,8 @@ class table_reader {
         }
       }
       for (std::size_t i = 0; i < cut.fields.size(); ++i) {
-        cell c =
-            resolved_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length), column(cut.fields[i].offset));
-        c.missing = filled && *filled == i;
-        cells_.push_back(c);
+        cells_.push_back(external_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length),
+                                       column(cut.fields[i].offset), filled && *filled == i));
       }
       if (cut.has_extra) {
         switch (opts_.extra_columns_rule()) {
@@ -458,7 +441,7 @@ class table_reader {
             const std::u16string_view ws = opts_.whitespace();
             while (b < e && ws.find(record_text[b]) != std::u16string_view::npos) ++b;
             while (e > b && ws.find(record_text[e - 1]) != std::u16string_view::npos) --e;
-            cells_.push_back(resolved_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
+            cells_.push_back(external_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
             break;
           }
           case ExtraColumnsRule::Ignore:
@@ -506,7 +489,9 @@ class table_reader {
       const std::size_t count = std::max({typing_.size(), names_.size(), variables_.value_or(0)});
       for (std::size_t i = 0; i < count; ++i) {
         if (i < omitted.size() && omitted[i]) continue;
-        h.types.push_back(type_name(i < typing_.size() ? typing_[i].type : value_type::string));
+        const std::string_view name = type_name(i < typing_.size() ? typing_[i].type : value_type::string);
+        if (h.types.empty() || h.types.back().name != name) h.types.push_back({name, 0});
+        ++h.types.back().count;
       }
     }
     return h;
@@ -527,7 +512,8 @@ class table_reader {
   void take_meta_line(std::uint64_t line) {
     std::vector<string> texts;
     if (!rec_.empty && record_cells()) {
-      for (const cell& c : cells_) texts.emplace_back(c.text);
+      const view w = window_.view();
+      for (const raw_field& c : cells_) texts.emplace_back(text_of(w, c));
     }
     pending_units_.clear();
     next_pending_.clear();
@@ -574,15 +560,10 @@ class table_reader {
     // Wrapped extra fields of the previous record come first.
     current_carry_ = std::move(carry_);
     carry_.clear();
-    if (!current_carry_.empty()) {
-      std::vector<cell> joined;
-      for (const owned_cell& o : current_carry_) {
-        cell c = resolved_cell(o.content, o.where);
-        c.quoted = o.quoted;
-        joined.push_back(c);
-      }
-      joined.insert(joined.end(), cells_.begin(), cells_.end());
-      cells_ = std::move(joined);
+    for (auto o = current_carry_.rbegin(); o != current_carry_.rend(); ++o) {
+      raw_field c = external_cell(o->content, o->where);
+      c.quoted = o->quoted;
+      cells_.push_front(c);
     }
     if (!variables_) variables_ = cells_.size();
     if (cells_.size() > *variables_) {
@@ -596,7 +577,7 @@ class table_reader {
         case ExtraColumnsRule::Wrap:
           // With no variables no record could ever take them.
           for (std::size_t i = *variables_; *variables_ > 0 && i < cells_.size(); ++i) {
-            carry_.push_back({string(cells_[i].text), cells_[i].quoted != 0, where(cells_[i])});
+            carry_.push_back({string(text_of(window_.view(), cells_[i])), cells_[i].quoted != 0, where(cells_[i])});
           }
           cells_.resize(*variables_);
           break;
@@ -608,10 +589,9 @@ class table_reader {
     emit(cells_.size() < *variables_ ? *variables_ - cells_.size() : 0);
   }
 
-  bool is_missing(const cell& c) const {
-    if (c.missing) return true;
+  bool is_missing(const raw_field& c, view t) const {
+    if (c.external && external_[c.begin].missing) return true;
     if (c.quoted) return false;
-    view t = c.text;
     if (!data_rules_.trim) {
       while (!t.empty() && (data_rules_.classes(t.front()) & is_whitespace) != 0) t.remove_prefix(1);
       while (!t.empty() && (data_rules_.classes(t.back()) & is_whitespace) != 0) t.remove_suffix(1);
@@ -635,7 +615,7 @@ class table_reader {
   // Applies a missing or import-error rule to field i: Fill keeps the field
   // as it is, OmitVar marks its variable, Error fails; false for OmitRow.
   template <class ErrorTag>
-  bool keep_row_under(BadDataRule rule, std::size_t i, const cell& c) {
+  bool keep_row_under(BadDataRule rule, std::size_t i, const raw_field& c) {
     switch (rule) {
       case BadDataRule::Fill:
         return true;
@@ -650,37 +630,62 @@ class table_reader {
     return true;
   }
 
-  // Hands on the record's cells followed by `padding` missing values.
+  // Hands on the record's cells followed by `padding` missing values. A
+  // record longer than a part goes to a sink that takes parts as its values
+  // are made; where a rule could still drop or fail it, a first pass applies
+  // the rules alone, so that no part of a dropped record is written and its
+  // values are never held whole.
   void emit(std::size_t padding) {
+    const bool in_parts = parts_ && cells_.size() > record_part_size;
+    if (in_parts && rules_may_drop_ && !make_values(padding, values_use::check)) return;
+    if (!make_values(padding, in_parts ? values_use::parts : values_use::whole)) return;
+    if (!buffering_) {
+      sink_.padded_record(values_, padding);
+      return;
+    }
+    table_.add_row(values_, padding);
+  }
+
+  // check: the rules only, no values; parts: values_ is handed to the sink
+  // whenever it holds a part, and keeps the rest; whole: values_ takes all.
+  enum class values_use { check, parts, whole };
+
+  // The record's values under the missing and import-error rules; false when
+  // a rule drops the record.
+  bool make_values(std::size_t padding, values_use use) {
     values_.clear();
-    values_.reserve(std::min(cells_.size(), parts_ ? record_part_size : cells_.size()));
+    if (use != values_use::check) values_.reserve(std::min(cells_.size(), record_part_size));
     const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
-    for (std::size_t i = 0; i < cells_.size(); ++i) {
-      const cell& c = cells_[i];
+    const view w = window_.view();
+    std::size_t i = 0;
+    for (const raw_field& c : cells_) {
+      const view text = text_of(w, c);
       output_value v;
-      if (is_missing(c)) {
-        if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return;
+      if (is_missing(c, text)) {
+        if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
       } else if (matrix) {
         v.kind = value_kind::number;
-        if (const auto number = to_number(c.text, format_)) {
+        if (const auto number = to_number(text, format_)) {
           v.number = *number;
         } else {
           v.number = std::numeric_limits<double>::quiet_NaN();
-          if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return;
+          if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return false;
         }
       } else if (i < typing_.size() && typing_[i].type != value_type::string) {
-        if (!convert_value(c.text, typing_[i].type, conversions_[i], v, canonical_[i])) {
+        if (!convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) {
           v = output_value{};
-          if (is_typed_marker(i, c.text)) {
-            if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return;
+          if (is_typed_marker(i, text)) {
+            if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
           } else if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) {
-            return;
+            return false;
           }
         }
-      } else {
-        v = text_value(c.text);
+      } else if (use != values_use::check) {
+        v = text_value(text);
       }
-      if (parts_ && values_.size() == record_part_size) {
+      ++i;
+      if (use == values_use::check) continue;
+      if (use == values_use::parts && values_.size() == record_part_size) {
         sink_.record_part(values_);
         values_.clear();
       }
@@ -688,22 +693,17 @@ class table_reader {
     }
     if (padding > 0) {
       // Where the record ends (no place for one made of waiting fields).
-      cell first = record_in_window_ ? cell{} : resolved_cell({}, {});
-      first.missing = 1;
-      if (!first.resolved) first.at = rec_.end.pos;
+      raw_field first = record_in_window_ ? raw_field{} : external_cell({}, {}, true);
+      if (!first.external) first.start = static_cast<std::uint32_t>(rec_.end.pos);
       if (opts_.missing_rule() == BadDataRule::OmitVar) {
         mark_omitted(cells_.size() + padding - 1);
         std::fill(omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size()),
                   omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size() + padding), true);
       } else if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), cells_.size(), first)) {
-        return;
+        return false;
       }
     }
-    if (!buffering_) {
-      sink_.padded_record(values_, padding);
-      return;
-    }
-    table_.add_row(values_, padding);
+    return true;
   }
 
   // The physical lines left in the input, counted by their line endings
@@ -798,6 +798,7 @@ class table_reader {
   bool buffering_ = false;
   bool counting_ = false;
   bool parts_ = false;  // values handed on in parts of record_part_size
+  bool rules_may_drop_ = false;  // a missing or import-error rule may drop or fail a record
   static constexpr std::size_t record_part_size = 4096;
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
   std::uint64_t first_counted_line_ = 0;       // after header and meta lines
@@ -810,9 +811,8 @@ class table_reader {
   std::vector<string> units_;
   std::vector<string> descriptions_;
 
-  std::vector<std::size_t> kept_;
-  std::vector<cell> cells_;
-  std::vector<source_position> resolved_;  // places of resolved cells
+  field_list cells_;
+  std::vector<external_text> external_;
   bool record_in_window_ = true;           // false for fields still waiting at the end
   std::vector<output_value> values_;
   std::vector<owned_cell> carry_;

@@ -50,6 +50,14 @@ bool fits_type(value_type type, std::int64_t v) {
   }
 }
 
+// Whether all of `d` is one number of type T.
+template <class T>
+bool whole_number(std::string_view d, T& v) {
+  const char* end = d.data() + d.size();
+  const auto r = std::from_chars(d.data(), end, v);
+  return r.ec == std::errc() && r.ptr == end;
+}
+
 // An exact integer: optional sign, digits, thousands separators dropped.
 bool integer_value(std::string_view s, value_type type, const number_format& format, output_value& out) {
   char digits[64];
@@ -61,20 +69,16 @@ bool integer_value(std::string_view s, value_type type, const number_format& for
   std::string_view d(digits, n);
   if (!d.empty() && d[0] == '+') d.remove_prefix(1);
   if (d.empty() || d[0] == '+') return false;
-  const char* end = d.data() + d.size();
   if (type == value_type::uint64) {
     std::uint64_t v = 0;
-    const auto r = std::from_chars(d.data(), end, v);
-    if (r.ec != std::errc() || r.ptr != end) return false;
+    if (!whole_number(d, v)) return false;
     out.kind = value_kind::unsigned_integer;
     out.integer = static_cast<std::int64_t>(v);
     out.number = static_cast<double>(v);
     return true;
   }
   std::int64_t v = 0;
-  const auto r = std::from_chars(d.data(), end, v);
-  if (r.ec != std::errc() || r.ptr != end) return false;
-  if (!fits_type(type, v)) return false;
+  if (!whole_number(d, v) || !fits_type(type, v)) return false;
   out.kind = value_kind::integer;
   out.integer = v;
   out.number = static_cast<double>(v);

@@ -1,30 +1,37 @@
+// Matching of texts against flags: the ASCII fold under it, the comparison,
+// the search and its failures, every rule option against a reference, and
+// the tool's key help against the option table.
 #include "name_value/flag_matching.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <map>
 #include <optional>
 #include <random>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <typeinfo>
 #include <vector>
 
 #include "errors/tags.hpp"
 #include "name_value/ascii_tables.hpp"
+#include "name_value/option_table.hpp"
 #include "name_value/option_vocabulary.hpp"
 #include "support/expect_message.hpp"
-#include "support/host_controls.hpp"
 #include "support/record_fields.hpp"
-#include "support/setter_calls.hpp"
 #include "support/reference_flag_matcher.hpp"
+#include "tools/help_text.hpp"
 #include "zvarray/matrix.hpp"
 #include "zvarray/value.hpp"
+#include "zvcore/exceptions.hpp"
 
 namespace {
 
@@ -33,33 +40,81 @@ using matrix::detail::char_exception_mode;
 using test_support::text_arg;
 using textio::options::compare_text_to_flag;
 
-struct compare_case {
-  hv::Value text;
-  const char* flag;
-  std::size_t flag_length;
-  std::int32_t expected;
-  const char* why;
+// Sets how the host stand-in's char_exception_dispatcher treats the active
+// failure for the guard's life, so that no test leaks its setting.
+struct mode_guard {
+  explicit mode_guard(char_exception_mode mode) : previous(matrix::detail::get_char_exception_mode()) {
+    matrix::detail::set_char_exception_mode(mode);
+  }
+  ~mode_guard() { matrix::detail::set_char_exception_mode(previous); }
+  char_exception_mode previous;
 };
 
+const char* mode_name(char_exception_mode mode) {
+  return std::array{"rethrow", "throw_another", "return_normally"}.at(static_cast<std::size_t>(mode));
+}
+
+using thrown_type = boost::exception_detail::clone_impl<foundation::ustring::CtypeInvalidCharacter>;
+
+// What the fold must give: lower case for "A" to "Z", the code itself below
+// 128, and a refusal from 128 up.
+std::optional<int> reference_lower(std::uint32_t code) {
+  if (code >= 128) return std::nullopt;
+  if (code >= 'A' && code <= 'Z') return static_cast<int>(code + 32);
+  return static_cast<int>(code);
+}
+
+// The fold of one character; a refusal only counts if it is the wrapped
+// CtypeInvalidCharacter (anything else escapes and fails the test).
+template <class Char>
+std::optional<int> fold(Char c) {
+  try {
+    return textio::options::ascii_to_lower(c);
+  } catch (const thrown_type&) {
+    return std::nullopt;
+  }
+}
+
+// Every char16_t and every char (0x80 to 0xFF refused whether char is signed
+// or not); the table agrees with the fold below 128. A refusal is the wrapped
+// CtypeInvalidCharacter, which is no host message and never reaches the host.
+TEST(AsciiTables, EveryUnitFoldsAsTheReference) {
+  static_assert(!std::is_base_of_v<foundation::core::except::IUserException, thrown_type>);
+  const auto host_errors = matrix::detail::legacy_hv_error_count();
+  int mismatches = 0;
+  for (std::uint32_t code = 0; code <= 0xFFFF; ++code) {
+    if (fold(static_cast<char16_t>(code)) != reference_lower(code) && ++mismatches <= 10) ADD_FAILURE() << "U+" << code;
+  }
+  for (int byte = 0; byte <= 0xFF; ++byte) {
+    const auto want = reference_lower(static_cast<std::uint32_t>(byte));
+    EXPECT_EQ(fold(static_cast<char>(static_cast<unsigned char>(byte))), want) << "byte " << byte;
+    if (byte < 128) {
+      EXPECT_EQ(textio::options::ascii_lower_table[static_cast<std::size_t>(byte)], *want) << "entry " << byte;
+    }
+  }
+  EXPECT_EQ(matrix::detail::legacy_hv_error_count(), host_errors);
+}
+
+// Zero for equal texts (most cases are in the differential test below); units
+// from 128 up that the walk does not reach are never looked at.
 TEST(CompareTextToFlag, GivesTheFoldedDifferenceOrTheLengthOrder) {
-  const compare_case cases[] = {
-      {hv::Value::text(u"abc"), "abc", 3, 0, "equal"},
+  const struct {
+    hv::Value text;
+    const char* flag;
+    std::size_t flag_length;
+    std::int32_t expected;
+    const char* why;
+  } cases[] = {
       {hv::Value::text(u"AbC"), "abc", 3, 0, "case is folded"},
-      {hv::Value::text(u"b"), "a", 1, 1, "text character minus flag character"},
       {hv::Value::text(u"["), "a", 1, '[' - 'a', "91 is no letter and stays"},
-      {hv::Value::text(u"abc"), "ab", 2, 1, "text longer"},
       {hv::Value::text(u"abx"), "abc", 2, 1, "only flag_length characters of the flag count"},
-      {hv::Value::text(u""), "a", 1, -1, "empty text"},
       {hv::Value::none(), "a", 1, -1, "no value is the empty text"},
-      {hv::Value::scalar(97), "a", 1, -1, "a number has no characters"},
-      {hv::Value::chars({3, 1}, u"abc"), "abc", 3, 0, "a column reads in storage order"},
       {hv::Value::text(std::u16string_view(u"a\0", 2)), "a", 1, 1, "a NUL unit counts as a character"},
-      // Units from 128 up that the walk does not reach are never looked at.
       {hv::Value::text(u"b\u0141"), "ab", 2, 1, "first place differs"},
       {hv::Value::text(u"keep\u0141"), "keep", 4, 1, "behind the whole flag"},
       {hv::Value::text(u"k"), "k\xFF", 2, -1, "behind the whole text"},
   };
-  const test_support::char_exception_mode_guard guard(char_exception_mode::rethrow);
+  const mode_guard guard(char_exception_mode::rethrow);
   const auto dispatched = matrix::detail::char_exception_dispatch_count();
   for (const auto& c : cases) {
     EXPECT_EQ(compare_text_to_flag(c.text.get(), c.flag, c.flag_length), c.expected) << c.why;
@@ -81,18 +136,18 @@ TEST(CompareTextToFlag, NonAsciiCharacterGoesToTheDispatcherInEveryMode) {
       {hv::Value::text(u"aA"), "a\xC3\x81"},  // the flag side is folded and checked as well
   };
   for (const auto& [mode, expected] : modes) {
-    const test_support::char_exception_mode_guard guard(mode);
+    const mode_guard guard(mode);
     for (const auto& [text, flag] : reached) {
       const auto dispatched = matrix::detail::char_exception_dispatch_count();
       std::string outcome;
       try {
         outcome = std::to_string(compare_text_to_flag(text.get(), flag, std::strlen(flag)));
-      } catch (const boost::exception_detail::clone_impl<foundation::ustring::CtypeInvalidCharacter>&) {
+      } catch (const thrown_type&) {
         outcome = "CtypeInvalidCharacter";
       } catch (const std::runtime_error&) {
         outcome = "runtime_error";
       }
-      EXPECT_EQ(outcome, expected) << test_support::mode_name(mode) << " flag " << flag;
+      EXPECT_EQ(outcome, expected) << mode_name(mode) << " flag " << flag;
       EXPECT_EQ(matrix::detail::char_exception_dispatch_count(), dispatched + 1);
     }
   }
@@ -106,10 +161,8 @@ TEST(FlagMatching, TheEarliestMatchingFlagWinsAndTheEndOfTheListThrowsAPlainExce
   EXPECT_EQ(textio::options::parse_abbreviated_flag(ab.get(), "a", "b", "c", "d", "e", "abc"), 5);
   for (const bool abbreviated : {false, true}) {
     try {
-      if (abbreviated)
-        textio::options::match_abbreviated_flags(ab.get(), "a", "b", "c");
-      else
-        textio::options::match_exact_flags(ab.get(), "a", "b", "c");
+      abbreviated ? textio::options::match_abbreviated_flags(ab.get(), "a")
+                  : textio::options::match_exact_flags(ab.get(), "a");
       ADD_FAILURE() << "matched";
     } catch (const std::exception& e) {
       EXPECT_EQ(typeid(e), typeid(std::exception));
@@ -121,42 +174,38 @@ TEST(FlagMatching, TheEarliestMatchingFlagWinsAndTheEndOfTheListThrowsAPlainExce
 // the host once; the inner failure never reaches the host. With the
 // dispatcher returning, the search goes on to the next flag.
 TEST(FlagMatching, ParseTurnsEveryFailureIntoOneBadTextFlag) {
-  struct case_ {
+  const struct {
     char_exception_mode mode;
     hv::Value text;
     std::uint64_t dispatches;
-  };
-  const case_ cases[] = {
+  } cases[] = {
       {char_exception_mode::rethrow, hv::Value::text(u"\u00E9"), 1},
       {char_exception_mode::throw_another, hv::Value::text(u"\u00E9"), 1},
       {char_exception_mode::return_normally, hv::Value::text(u"\u00E9"), 3},
       {char_exception_mode::rethrow, hv::Value::text(u"zzz"), 0},
   };
   std::vector<std::string> seen;
-  const test_support::legacy_hv_error_hook_guard hook([&seen](const foundation::core::except::IUserException& e) {
-    const auto* id = dynamic_cast<const foundation::core::except::IMsgIDException*>(&e);
-    seen.push_back(id != nullptr ? id->GetBaseMsgID().key : "not a message");
-  });
+  auto previous_hook =
+      matrix::detail::set_legacy_hv_error_hook([&seen](const foundation::core::except::IUserException& e) {
+        const auto* id = dynamic_cast<const foundation::core::except::IMsgIDException*>(&e);
+        seen.push_back(id != nullptr ? id->GetBaseMsgID().key : "not a message");
+      });
   for (const auto& c : cases) {
-    const test_support::char_exception_mode_guard guard(c.mode);
+    const mode_guard guard(c.mode);
     for (const bool abbreviated : {false, true}) {
       const auto dispatched = matrix::detail::char_exception_dispatch_count();
       seen.clear();
       EXPECT_MESSAGE(abbreviated ? textio::options::parse_abbreviated_flag(c.text.get(), "eins", "zwei", "drei")
                                  : textio::options::parse_exact_flag(c.text.get(), "eins", "zwei", "drei"),
                      msg::BadTextFlag, text_arg("'eins', 'zwei', 'drei'\n"));
-      EXPECT_EQ(matrix::detail::char_exception_dispatch_count() - dispatched, c.dispatches)
-          << test_support::mode_name(c.mode);
-      EXPECT_EQ(seen, std::vector<std::string>{"BadTextFlag"}) << test_support::mode_name(c.mode);
+      EXPECT_EQ(matrix::detail::char_exception_dispatch_count() - dispatched, c.dispatches) << mode_name(c.mode);
+      EXPECT_EQ(seen, std::vector<std::string>{"BadTextFlag"}) << mode_name(c.mode);
     }
   }
+  matrix::detail::set_legacy_hv_error_hook(std::move(previous_hook));
 }
 
-// ---- Differential check of every rule option against a plain reference ----
-
-using test_support::reference_position;
-
-// Every beginning of every flag, in lower, upper and mixed case, with a unit
+// Every beginning of every flag, in lower and mixed case, with a unit
 // added, its last unit given a high byte, or its first swapped for a
 // look-alike; then random texts over the letters of the flags, a few others
 // and a few non-ASCII units.
@@ -166,14 +215,10 @@ std::set<::ustring> differential_inputs() {
   for (const auto& option : textio::options::rule_options) {
     for (const std::string_view flag : option.flags) {
       for (std::size_t length = 1; length <= flag.size(); ++length) {
-        ::ustring lower(flag.begin(), flag.begin() + static_cast<std::ptrdiff_t>(length));
-        ::ustring upper = lower;
+        const ::ustring lower(flag.begin(), flag.begin() + static_cast<std::ptrdiff_t>(length));
         ::ustring mixed = lower;
-        for (std::size_t i = 0; i < length; ++i) {
-          upper[i] = static_cast<char16_t>(upper[i] - 32);
-          if (i % 2 == 1) mixed[i] = upper[i];
-        }
-        for (const auto& base : {lower, upper, mixed}) {
+        for (std::size_t i = 0; i < length; i += 2) mixed[i] = static_cast<char16_t>(mixed[i] - 32);
+        for (const auto& base : {lower, mixed}) {
           ::ustring high_byte = base;
           high_byte.back() = static_cast<char16_t>(0x0100 | base.back());
           ::ustring look_alike = base;
@@ -195,10 +240,6 @@ std::set<::ustring> differential_inputs() {
   return inputs;
 }
 
-bool is_ascii(const ::ustring& text) {
-  return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
-}
-
 // The argument of BadTextFlag per option, byte for byte; the flags in it, in
 // this order, are the positions the option stores. Written out here, not taken
 // from the vocabulary, so that a change of order or of match kind is seen.
@@ -217,17 +258,6 @@ const std::map<std::string_view, std::string> list_texts = {
 };
 const std::set<std::string_view> abbreviating = {"ConsecutiveDelimitersRule", "FileType", "LeadingDelimitersRule",
                                                  "TrailingDelimitersRule"};
-
-TEST(FlagMatching, RuleOptionsHaveTheirListsAndMatchKinds) {
-  ASSERT_EQ(std::size(textio::options::rule_options), list_texts.size());
-  for (const auto& option : textio::options::rule_options) {
-    std::string list;
-    for (const std::string_view flag : option.flags) list += (list.empty() ? "'" : ", '") + std::string(flag) + "'";
-    EXPECT_EQ(list + "\n", list_texts.at(option.key));
-    EXPECT_EQ(option.match == textio::options::flag_match::abbreviated, abbreviating.contains(option.key))
-        << option.key;
-  }
-}
 
 // A record with other fields away from their defaults and every rule field on
 // a position that no list gives, so that any write shows.
@@ -253,8 +283,7 @@ std::string check_rule_option(const textio::options::rule_option_flags& option, 
   if (expected) {
     test_support::apply_option(record, option.key, value);
   } else if (!test_support::throws_message<msg::BadTextFlag>(
-                 [&] { test_support::apply_option(record, option.key, value); },
-                 text_arg(list_texts.at(option.key)))) {
+                 [&] { test_support::apply_option(record, option.key, value); }, text_arg(list_texts.at(option.key)))) {
     outcome += " no BadTextFlag with the list;";
   }
   if (!test_support::same_record(record, want)) {
@@ -268,31 +297,62 @@ std::string check_rule_option(const textio::options::rule_option_flags& option, 
 // other two modes are run on those texts alone.
 TEST(FlagMatching, EveryRuleOptionAgreesWithTheReference) {
   const auto inputs = differential_inputs();
-  for (const auto mode : test_support::all_char_exception_modes) {
-    const test_support::char_exception_mode_guard guard(mode);
+  for (const auto mode :
+       {char_exception_mode::rethrow, char_exception_mode::throw_another, char_exception_mode::return_normally}) {
+    const mode_guard guard(mode);
     int failures = 0;
     for (const auto& text : inputs) {
-      if (mode != char_exception_mode::rethrow && is_ascii(text)) continue;
+      if (mode != char_exception_mode::rethrow &&
+          std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; }))
+        continue;
       const auto value = hv::Value::text(text);
       for (const auto& option : textio::options::rule_options) {
-        const std::string outcome = check_rule_option(option, value, reference_position(text, option));
+        const std::string outcome = check_rule_option(option, value, test_support::reference_position(text, option));
         if (!outcome.empty() && ++failures <= 10) {
-          ADD_FAILURE() << option.key << " " << test_support::describe_text(text) << " in mode "
-                        << test_support::mode_name(mode) << ":" << outcome;
+          ADD_FAILURE() << option.key << " " << test_support::describe_text(text) << " in mode " << mode_name(mode)
+                        << ":" << outcome;
         }
       }
     }
-    EXPECT_EQ(failures, 0) << test_support::mode_name(mode);
+    EXPECT_EQ(failures, 0) << mode_name(mode);
   }
   // Values that are no text, or a column of the flag's characters.
+  ASSERT_EQ(std::size(textio::options::rule_options), list_texts.size());
   for (const auto& option : textio::options::rule_options) {
+    EXPECT_EQ(option.match == textio::options::flag_match::abbreviated, abbreviating.contains(option.key))
+        << option.key;
     const std::string_view flag = option.flags[0];
     const std::u16string first(flag.begin(), flag.end());
-    for (const auto& value : {hv::Value::none(), hv::Value::logical(true), hv::Value::cell_row({hv::Value::text(first)})}) {
+    for (const auto& value :
+         {hv::Value::none(), hv::Value::logical(true), hv::Value::cell_row({hv::Value::text(first)})}) {
       EXPECT_EQ(check_rule_option(option, value, std::nullopt), "") << option.key;
     }
     EXPECT_EQ(check_rule_option(option, hv::Value::chars({first.size(), 1}, first), 0), "") << option.key;
   }
+}
+
+// The tool's key help lists the option table's keys, and for each rule option
+// the flags of its list, in position order, and whether it abbreviates.
+TEST(OptionHelp, ListsTheTablesKeysAndEachRulesFlagsInPositionOrder) {
+  std::set<std::string> help_keys;
+  std::istringstream lines(zvtool::option_keys_help());
+  std::string line;
+  std::getline(lines, line);  // the title
+  while (std::getline(lines, line)) {
+    ASSERT_TRUE(line.starts_with("  ")) << line;
+    const std::string key = line.substr(2, line.find(' ', 2) - 2);
+    EXPECT_TRUE(help_keys.insert(key).second) << "listed twice: " << key;
+    std::string list;
+    for (auto open = line.find('\''); open != std::string::npos;
+         open = line.find('\'', line.find('\'', open + 1) + 1)) {
+      list += (list.empty() ? "" : ", ") + line.substr(open, line.find('\'', open + 1) - open + 1);
+    }
+    EXPECT_EQ(list.empty() ? "" : list + "\n", list_texts.contains(key) ? list_texts.at(key) : "") << key;
+    EXPECT_EQ(line.find("(abbreviations accepted)") != std::string::npos, abbreviating.contains(key)) << key;
+  }
+  std::set<std::string> table_keys;
+  for (const auto& [key, setter] : textio::options::option_table) table_keys.insert(key);
+  EXPECT_EQ(help_keys, table_keys);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// The options record (its defaults are checked through the tool's options
+// output) and the readers built from records.
 #include "parser/record_readers.hpp"
 
 #include <gtest/gtest.h>
@@ -9,7 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include "parser/stop_characters.hpp"
 #include "support/delim_call_log.hpp"
+#include "support/record_equality.hpp"
 
 namespace {
 
@@ -22,111 +26,207 @@ using text_list = std::vector<ustring>;
 using width_list = std::vector<std::uint64_t>;
 namespace enums = textio::enums;
 
-// What a case changes in a default record.
-struct record_setup {
-  std::optional<text_list> delimiter{};
-  std::optional<text_list> line_ending{};
-  width_list widths{};
-  enums::EmptyLineRule empty_lines = enums::EmptyLineRule::Skip;
-  bool detect_delimiter = false;  // unset_delimiter after setting it
-};
-
-options make_record(const record_setup& s) {
+TEST(OptionsRecord, SettersAndTheirDetectionFlags) {
   options o;
-  if (s.delimiter) o.delimiter(*s.delimiter);
-  if (s.detect_delimiter) o.unset_delimiter();
-  if (s.line_ending) o.line_ending(*s.line_ending);
-  o.field_widths(s.widths);
-  o.empty_line_rule(s.empty_lines);
+  o.delimiter(text_list{u",", u";"});
+  o.unset_delimiter();
+  EXPECT_TRUE(o.detecting_delimiter());
+  EXPECT_EQ(o.delimiter(), (text_list{u",", u";"}));  // unset keeps the list
+  o.delimiter(o.delimiter());                         // from its own getter
+  EXPECT_FALSE(o.detecting_delimiter());
+  EXPECT_EQ(o.delimiter(), (text_list{u",", u";"}));
+
+  o.num_header_lines(0);
+  EXPECT_FALSE(o.detecting_num_header_lines());
+  o.unset_num_header_lines();
+  EXPECT_TRUE(o.detecting_num_header_lines());
+  EXPECT_EQ(o.num_header_lines(), 0u);
+  o.num_variables(5);
+  EXPECT_TRUE(o.detecting_num_variables());  // the accessor does not clear it
+
+  // The setters that take an rvalue copy it: the caller's object stays whole.
+  text_list styles{u"%", u"#"};
+  o.comment_style(std::move(styles));
+  EXPECT_EQ(styles, (text_list{u"%", u"#"}));  // NOLINT(bugprone-use-after-move): the setter copies
+  ustring ws = u"\t";
+  o.whitespace(std::move(ws));
+  EXPECT_EQ(ws, u"\t");  // NOLINT(bugprone-use-after-move)
+  EXPECT_EQ(o.whitespace(), u"\t");
+}
+
+options changed_record() {
+  options o;
+  o.delimiter(text_list{u","});
+  o.missing_placeholders(text_list{u"NA"});
+  o.comment_style(text_list{u"#"});
+  o.thousands_separator(u",");
+  o.date_locale(u"en_US");
+  o.field_widths({3, 5});
+  o.num_variables(7);
+  o.decimal_separator(u',');
+  o.parser_type(textio::enums::ParserType::Line);
+  o.trim_non_numeric(true);
   return o;
 }
 
-// Each reader asks for its lists in a fixed order (seen through the call log)
-// and shares the cache's objects.
-TEST(LineRecordReader, BuiltFromRecords) {
-  const struct {
-    const char* what;
-    record_setup setup;
-    ustring stop_chars;
-    bool reads_empty_lines;
-  } cases[] = {
-      {"defaults", {}, u"\n\r", false},
-      {"empty lines read", {.empty_lines = enums::EmptyLineRule::Read}, u"\n\r", true},
-      {"empty lines an error", {.empty_lines = enums::EmptyLineRule::Error}, u"\n\r", false},
-      {"an empty line ending", {.line_ending = text_list{u""}}, ustring(1, u'\0'), false},
-      {"custom endings, first units only, delimiters play no part",
-       {.delimiter = text_list{u","}, .line_ending = text_list{u"<EOR>", u"\n", u"<EOF>"}},
-       u"\n<",
-       false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    const options record = make_record(c.setup);
-    test_support::delim_call_log log;
-    const LineRecordReader reader(record);
-    const text_list& endings = record.line_ending();
-    EXPECT_EQ(log.calls(), (std::vector<text_list>{endings, {}, endings}));
-    EXPECT_EQ(reader.delimiters.stop_chars, c.stop_chars);
-    EXPECT_EQ(reader.reads_empty_lines, c.reads_empty_lines);
-    EXPECT_EQ(reader.whitespace, &record.whitespace());
-    EXPECT_EQ(reader.delimiters.primary, get_or_create_delim(endings));
-    EXPECT_EQ(reader.line_delimiter, get_or_create_delim(endings));
+// Copies leave their source alone. A move leaves the source with empty lists
+// and strings and every scalar and flag kept; the target is what the source
+// was; a self-move changes nothing.
+TEST(OptionsRecord, CopiesKeepTheSourceAndMovesEmptyItsListsAndStrings) {
+  const options source = changed_record();
+  options copy(source);
+  options assigned;
+  assigned = source;
+  EXPECT_EQ(test_support::first_difference(copy, source), "");
+  EXPECT_EQ(test_support::first_difference(assigned, source), "");
+  EXPECT_EQ(test_support::first_difference(source, changed_record()), "");
+
+  options emptied = changed_record();
+  emptied.line_ending(text_list{});
+  emptied.missing_placeholders(text_list{});
+  emptied.comment_style(text_list{});
+  emptied.whitespace(ustring{});
+  emptied.thousands_separator(ustring{});
+  emptied.date_locale(ustring{});
+  emptied.exp_chars(ustring{});
+  emptied.delimiter(text_list{});
+  emptied.field_widths({});
+  for (const bool by_assignment : {false, true}) {
+    SCOPED_TRACE(by_assignment ? "move assignment" : "move construction");
+    options moved = changed_record();
+    options target;
+    if (by_assignment) {
+      target = std::move(moved);
+    } else {
+      options constructed(std::move(moved));
+      target = constructed;
+    }
+    EXPECT_EQ(test_support::first_difference(moved, emptied), "");  // NOLINT(bugprone-use-after-move): specified state
+    EXPECT_EQ(test_support::first_difference(target, changed_record()), "");
+    options& alias = target;
+    target = std::move(alias);
+    EXPECT_EQ(test_support::first_difference(target, changed_record()), "");
   }
 }
 
-TEST(DelimitedRecordReader, BuiltFromRecords) {
+TEST(StopCharacters, SortedUnionOfFirstUnits) {
   const struct {
     const char* what;
-    record_setup setup;
-    ustring stop_chars;
+    text_list first, second;
+    ustring expected;
   } cases[] = {
-      {"defaults: the empty delimiter list", {}, u"\n\r"},
-      {"comma and tab", {.delimiter = text_list{u",", u"\t"}}, u"\t\n\r,"},
-      {"a delimiter to be detected is still used", {.delimiter = text_list{u"|"}, .detect_delimiter = true}, u"\n\r|"},
-      {"no line endings", {.delimiter = text_list{u"::", u";"}, .line_ending = text_list{}}, u":;"},
+      {"comma and tab with the default line endings", {u",", u"\t"}, options{}.line_ending(), u"\t\n\r,"},
+      {"only first units count, once each", {u"abc", u"ab", u"x"}, {}, u"ax"},
+      {"an empty string gives U+0000 at the front", {u",", u""}, {u"\n"}, ustring(u"\0\n,", 3)},
+      {"a unit in both lists stands once", {u";"}, {u";;", u"\n"}, u"\n;"},
+      {"unsigned order: 0x8000 and 0xFFFF after 0x7FFF", {u"\uFFFF", u"\u8000x"}, {u"\u7FFF"}, u"\u7FFF\u8000\uFFFF"},
+      {"a surrogate sorts between 0xD7FF and 0xE000", {u"\uE000", u"\xDC00\xD800"}, {u"\uD7FF"}, u"\uD7FF\xDC00\uE000"},
+      {"empty strings in both lists", {u""}, {u"", u"z"}, ustring(u"\0z", 2)},
+  };
+  for (const auto& c : cases) {
+    // Neither the order of the lists nor the order within them matters.
+    const text_list reversed(c.first.rbegin(), c.first.rend());
+    EXPECT_EQ(textio::parser::stop_characters(c.first, c.second), c.expected) << c.what;
+    EXPECT_EQ(textio::parser::stop_characters(c.second, c.first), c.expected) << c.what << " (lists swapped)";
+    EXPECT_EQ(textio::parser::stop_characters(reversed, c.second), c.expected) << c.what << " (first list reversed)";
+  }
+}
+
+// Each reader asks for its lists in a fixed order (seen through the call log)
+// and shares the cache's objects. The line reader's stop characters come from
+// the line endings alone, the delimited reader's from both lists, and the
+// fixed-width reader's are the first unit of each ending, in list order.
+TEST(RecordReaders, BuiltFromRecords) {
+  const struct {
+    const char* what;
+    std::optional<text_list> delimiter, line_ending;
+    width_list widths;
+    enums::EmptyLineRule empty_lines;
+    ustring line_stops, delimited_stops, fixed_stops;
+    bool reads_empty_lines = false;
+    std::uint64_t record_width = 0;
+    bool detect_delimiter = false;  // a delimiter to be detected is still used
+  } cases[] = {
+      {"defaults", {}, {}, {}, enums::EmptyLineRule::Skip, u"\n\r", u"\n\r", u"\r\n\r"},
+      {"empty lines read", {}, {}, {}, enums::EmptyLineRule::Read, u"\n\r", u"\n\r", u"\r\n\r", true},
+      {"empty lines an error", {}, {}, {}, enums::EmptyLineRule::Error, u"\n\r", u"\n\r", u"\r\n\r"},
+      {"comma and tab, widths with zeros",
+       text_list{u",", u"\t"},
+       {},
+       {3, 0, 5, 2},
+       enums::EmptyLineRule::Skip,
+       u"\n\r",
+       u"\t\n\r,",
+       u"\r\n\r",
+       false,
+       10},
+      {"a sum of widths past 2^64 wraps",
+       {},
+       {},
+       {UINT64_MAX, 2},
+       enums::EmptyLineRule::Skip,
+       u"\n\r",
+       u"\n\r",
+       u"\r\n\r",
+       false,
+       1},
+      {"an empty line ending",
+       {},
+       text_list{u""},
+       {},
+       enums::EmptyLineRule::Skip,
+       ustring(1, u'\0'),
+       ustring(1, u'\0'),
+       ustring(1, u'\0')},
+      {"custom endings",
+       text_list{u"::", u";"},
+       text_list{u"<EOR>", u"\n", u"<EOF>", u"\n"},
+       {},
+       enums::EmptyLineRule::Skip,
+       u"\n<",
+       u"\n:;<",
+       u"<\n<\n"},
+      {"no line endings", text_list{u"|"}, text_list{}, {}, enums::EmptyLineRule::Skip, u"", u"|", u"", false, 0, true},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    const options record = make_record(c.setup);
-    test_support::delim_call_log log;
-    const DelimitedRecordReader reader(record);
+    options record;
+    if (c.delimiter) record.delimiter(*c.delimiter);
+    if (c.detect_delimiter) record.unset_delimiter();
+    if (c.line_ending) record.line_ending(*c.line_ending);
+    record.field_widths(c.widths);
+    record.empty_line_rule(c.empty_lines);
     const text_list& fields = record.delimiter();
     const text_list& lines = record.line_ending();
-    EXPECT_EQ(log.calls(), (std::vector<text_list>{fields, lines, lines, fields}));
-    EXPECT_EQ(reader.opts, &record);
-    EXPECT_EQ(reader.quoted_delimiters.quote, u'"');
-    EXPECT_EQ(reader.quoted_delimiters.delimiters.stop_chars, c.stop_chars);
-    EXPECT_EQ(reader.quoted_delimiters.delimiters.primary, get_or_create_delim(fields));
-    EXPECT_EQ(reader.quoted_delimiters.delimiters.secondary, get_or_create_delim(lines));
-    EXPECT_EQ(reader.line_delimiter, get_or_create_delim(lines));
-    EXPECT_EQ(reader.field_delimiter, get_or_create_delim(fields));
-  }
-}
 
-TEST(FixedWidthRecordReader, BuiltFromRecords) {
-  const struct {
-    const char* what;
-    record_setup setup;
-    ustring stop_chars;
-    std::uint64_t record_width;
-  } cases[] = {
-      {"defaults: one unit per ending, duplicates kept", {}, u"\r\n\r", 0},
-      {"widths 3, 5, 2, zero widths", {.widths = {3, 0, 5, 2}}, u"\r\n\r", 10},
-      {"a sum past 2^64 wraps", {.widths = {UINT64_MAX, 2}}, u"\r\n\r", 1},
-      {"list order, not sorted", {.line_ending = text_list{u"z", u"\n", u"ab", u"\n", u""}}, ustring(u"z\na\n\0", 5), 0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    options record = make_record(c.setup);
-    record.delimiter(text_list{u"never-asked-for"});
-    test_support::delim_call_log log;
-    const FixedWidthRecordReader reader(record);
-    EXPECT_EQ(log.calls(), std::vector<text_list>{record.line_ending()});
-    EXPECT_EQ(reader.opts, &record);
-    EXPECT_EQ(reader.field_widths, record.field_widths());
-    EXPECT_EQ(reader.stop_chars, c.stop_chars);
-    EXPECT_EQ(reader.record_width, c.record_width);
-    EXPECT_EQ(reader.line_delimiter, get_or_create_delim(record.line_ending()));
+    test_support::delim_call_log line_log;
+    const LineRecordReader line(record);
+    EXPECT_EQ(line_log.calls(), (std::vector<text_list>{lines, {}, lines}));
+    EXPECT_EQ(line.delimiters.stop_chars, c.line_stops);
+    EXPECT_EQ(line.reads_empty_lines, c.reads_empty_lines);
+    EXPECT_EQ(line.whitespace, &record.whitespace());
+    EXPECT_EQ(line.delimiters.primary, get_or_create_delim(lines));
+    EXPECT_EQ(line.line_delimiter, get_or_create_delim(lines));
+
+    test_support::delim_call_log delimited_log;
+    const DelimitedRecordReader delimited(record);
+    EXPECT_EQ(delimited_log.calls(), (std::vector<text_list>{fields, lines, lines, fields}));
+    EXPECT_EQ(delimited.opts, &record);
+    EXPECT_EQ(delimited.quoted_delimiters.quote, u'"');
+    EXPECT_EQ(delimited.quoted_delimiters.delimiters.stop_chars, c.delimited_stops);
+    EXPECT_EQ(delimited.quoted_delimiters.delimiters.primary, get_or_create_delim(fields));
+    EXPECT_EQ(delimited.quoted_delimiters.delimiters.secondary, get_or_create_delim(lines));
+    EXPECT_EQ(delimited.line_delimiter, get_or_create_delim(lines));
+    EXPECT_EQ(delimited.field_delimiter, get_or_create_delim(fields));
+
+    test_support::delim_call_log fixed_log;
+    const FixedWidthRecordReader fixed(record);
+    EXPECT_EQ(fixed_log.calls(), std::vector<text_list>{lines});
+    EXPECT_EQ(fixed.opts, &record);
+    EXPECT_EQ(fixed.field_widths, record.field_widths());
+    EXPECT_EQ(fixed.stop_chars, c.fixed_stops);
+    EXPECT_EQ(fixed.record_width, c.record_width);
+    EXPECT_EQ(fixed.line_delimiter, get_or_create_delim(lines));
   }
 }
 
@@ -161,11 +261,7 @@ TEST(RecordReaders, MoveTakesOnlyTheReadersOwnParts) {
   EXPECT_EQ(line.line_delimiter, nullptr);
   EXPECT_EQ(moved_line.line_delimiter, line_object);
   EXPECT_EQ(line.delimiters.primary, line_object);
-  EXPECT_EQ(line.delimiters.stop_chars, u"\n");
-  EXPECT_EQ(moved_line.delimiters.stop_chars, u"\n");
-  EXPECT_EQ(line.whitespace, &o.whitespace());
-  EXPECT_TRUE(line.reads_empty_lines);
-  EXPECT_TRUE(moved_line.reads_empty_lines);
+  EXPECT_TRUE(line.reads_empty_lines && moved_line.reads_empty_lines);
 
   DelimitedRecordReader delimited(o);
   const DelimitedRecordReader moved_delimited(std::move(delimited));
@@ -173,24 +269,19 @@ TEST(RecordReaders, MoveTakesOnlyTheReadersOwnParts) {
   EXPECT_EQ(delimited.field_delimiter, nullptr);
   EXPECT_EQ(moved_delimited.line_delimiter, line_object);
   EXPECT_EQ(moved_delimited.field_delimiter, field_object);
-  EXPECT_EQ(delimited.opts, &o);
-  EXPECT_EQ(moved_delimited.opts, &o);
   EXPECT_EQ(delimited.quoted_delimiters.delimiters.stop_chars, u"\n,");
   EXPECT_EQ(moved_delimited.quoted_delimiters.delimiters.stop_chars, u"\n,");
-  EXPECT_EQ(delimited.quoted_delimiters.delimiters.primary, field_object);
   EXPECT_EQ(delimited.quoted_delimiters.delimiters.secondary, line_object);
 
   FixedWidthRecordReader fixed(o);
   const FixedWidthRecordReader moved_fixed(std::move(fixed));
-  EXPECT_TRUE(fixed.field_widths.empty());
-  EXPECT_TRUE(fixed.stop_chars.empty());
+  EXPECT_TRUE(fixed.field_widths.empty() && fixed.stop_chars.empty());
   EXPECT_EQ(fixed.line_delimiter, nullptr);
   EXPECT_EQ(fixed.record_width, 10u);
   EXPECT_EQ(moved_fixed.field_widths, (width_list{3, 5, 2}));
   EXPECT_EQ(moved_fixed.stop_chars, u"\n");
   EXPECT_EQ(moved_fixed.line_delimiter, line_object);
   EXPECT_EQ(moved_fixed.record_width, 10u);
-  EXPECT_EQ(moved_fixed.opts, &o);
   static_assert(std::is_nothrow_move_constructible_v<FixedWidthRecordReader>);
 }
 // NOLINTEND(bugprone-use-after-move)

@@ -86,12 +86,6 @@ const tool_case cases[] = {
      1,
      R"({"/error/key": "ExpectedNonNegativeScalarInt", "/options/num_variables": 4,
          "/options/num_header_lines": 2, "/options/trim_non_numeric": false})"},
-    {{"options",
-      "Gr\xC3\xB6\xC3\x9F"
-      "e",
-      "1"},
-     1,
-     R"({"/error/arguments": ["Gr\u00f6\u00dfe"]})"},
     {{"options", "--", "--struct", "1"}, 1, R"({"/error/arguments": ["--struct"]})"},
     {{"options", "--struct", R"({"DataLine": 5, "foo": 1, "NumHeaderLines": 1, "TrimNonNumeric": true})"},
      0,

@@ -167,10 +167,14 @@ void jsonl_writer::header(const textio::import::table_header& header) {
   append_json_array(out, header.descriptions);
   if (!header.types.empty()) {
     out += ", \"types\": [";
-    for (std::size_t i = 0; i < header.types.size(); ++i) {
-      out += i > 0 ? ", \"" : "\"";
-      out += header.types[i];
-      out += '"';
+    bool first = true;
+    for (const textio::import::type_run& run : header.types) {
+      for (std::size_t i = 0; i < run.count; ++i) {
+        out += std::exchange(first, false) ? "\"" : ", \"";
+        out += run.name;
+        out += '"';
+        out_.maybe_flush();  // a wide table's list is long
+      }
     }
     out += ']';
   }

@@ -3,6 +3,7 @@
 // then the error that stops reading, if any, with the physical line and column
 // (or the byte offset) where it is; and what --count says of them. Then the
 // header lines, typed reading, and round trips through the CSV output.
+#include <algorithm>
 #include <random>
 #include <sstream>
 #include <string>
@@ -314,6 +315,42 @@ TEST(Streaming, RecordLongerThanAPartIsWrittenWhole) {
   for (int i = 1; i < 9000; ++i) line += ",v" + std::to_string(i);
   const auto out = read_text(line + "\nz\n", {"NumVariables", "9002", "--format", "csv"});
   EXPECT_EQ(out.raw, line + ",,\r\nz" + std::string(9001, ',') + "\r\n");
+}
+
+// A rule that drops or fails a long record for a field after its first part
+// leaves no part of it written.
+TEST(Streaming, LongRecordDroppedAfterItsFirstPartLeavesNoPart) {
+  const auto line = [](const std::string& at_8000) {
+    std::string text = "1";
+    for (int i = 1; i < 9000; ++i) text += "," + (i == 8000 ? at_8000 : std::to_string(i));
+    return text + "\n";
+  };
+  std::string types = "[\"double\"";
+  for (int i = 1; i < 9000; ++i) types += ", \"double\"";
+  types += "]";
+  const struct {
+    std::string at_8000;
+    std::vector<std::string> args;
+    std::string error;
+  } cases[] = {
+      {"", {"MissingRule", "omitrow"}, ""},
+      {"", {"MissingRule", "error"}, "MissingValue"},
+      {"x", {"OutputBuilderType", "matrix", "ImportErrorRule", "omitrow"}, ""},
+      {"x", {"OutputBuilderType", "table", "--types", types, "ImportErrorRule", "omitrow"}, ""},
+      {"x", {"OutputBuilderType", "table", "--types", types, "ImportErrorRule", "error"}, "ImportError"},
+  };
+  for (const auto& c : cases) {
+    const auto out = read_text(line("1") + line(c.at_8000) + line("2"), c.args);
+    const std::size_t records = c.error.empty() ? 2 : 1;
+    ASSERT_EQ(out.records.size(), records) << c.args[1];
+    for (const std::string& record : out.records) {
+      EXPECT_EQ(std::count(record.begin(), record.end(), ','), 8999) << c.args[1];
+      EXPECT_TRUE(record.ends_with(" 8999]") || record.ends_with("\"8999\"]")) << c.args[1];
+    }
+    EXPECT_EQ(out.error.find("{\"error\": {\"identifier\": \"ZORVEK:textio:reader:" + c.error),
+              c.error.empty() ? std::string::npos : 0u)
+        << out.error;
+  }
 }
 
 }  // namespace

@@ -14,59 +14,44 @@ namespace test_support {
 // A text for a test trace: printable ASCII as is, other units as \u and their number.
 inline std::string describe_text(const ::ustring& text) {
   std::string out = "\"";
-  for (const char16_t c : text) {
-    if (c >= 0x20 && c < 0x7F)
-      out += static_cast<char>(c);
-    else
-      out += "\\u" + std::to_string(static_cast<unsigned>(c));
-  }
+  for (const char16_t c : text)
+    out +=
+        c >= 0x20 && c < 0x7F ? std::string(1, static_cast<char>(c)) : "\\u" + std::to_string(static_cast<unsigned>(c));
   return out + "\"";
 }
 
+// Each rule option's key, the record's accessor and the accessor's type.
+#define ZVTP_RULE_FIELDS(X)                                                         \
+  X("ConsecutiveDelimitersRule", consecutive_delim_rule, ConsecutiveDelimitersRule) \
+  X("FileType", file_type, FileType)                                                \
+  X("LeadingDelimitersRule", leading_delim_rule, LeadingDelimiterRule)              \
+  X("TrailingDelimitersRule", trailing_delim_rule, TrailingDelimiterRule)           \
+  X("EmptyLineRule", empty_line_rule, EmptyLineRule)                                \
+  X("OutputBuilderType", output_type, OutputBuilderType)                            \
+  X("ExtraColumnsRule", extra_columns_rule, ExtraColumnsRule)                       \
+  X("ImportErrorRule", import_error_rule, BadDataRule)                              \
+  X("MissingRule", missing_rule, BadDataRule)                                       \
+  X("ParserType", parser_type, ParserType)                                          \
+  X("PartialFieldRule", partial_field_rule, PartialFieldRule)
+
 // The field that a rule option writes, as a number.
 inline int rule_field(const textio::parser::options& o, std::string_view key) {
-  if (key == "ConsecutiveDelimitersRule") return static_cast<int>(o.consecutive_delim_rule());
-  if (key == "FileType") return static_cast<int>(o.file_type());
-  if (key == "LeadingDelimitersRule") return static_cast<int>(o.leading_delim_rule());
-  if (key == "TrailingDelimitersRule") return static_cast<int>(o.trailing_delim_rule());
-  if (key == "EmptyLineRule") return static_cast<int>(o.empty_line_rule());
-  if (key == "OutputBuilderType") return static_cast<int>(o.output_type());
-  if (key == "ExtraColumnsRule") return static_cast<int>(o.extra_columns_rule());
-  if (key == "ImportErrorRule") return static_cast<int>(o.import_error_rule());
-  if (key == "MissingRule") return static_cast<int>(o.missing_rule());
-  if (key == "ParserType") return static_cast<int>(o.parser_type());
-  if (key == "PartialFieldRule") return static_cast<int>(o.partial_field_rule());
+#define ZVTP_GET(name, field, type) \
+  if (key == name) return static_cast<int>(o.field());
+  ZVTP_RULE_FIELDS(ZVTP_GET)
+#undef ZVTP_GET
   throw std::invalid_argument("no rule option " + std::string(key));
 }
 
 // Writes a rule field directly through the record's accessor.
 inline void set_rule_field(textio::parser::options& o, std::string_view key, int position) {
-  namespace enums = textio::enums;
-  const auto p = static_cast<std::uint8_t>(position);
-  if (key == "ConsecutiveDelimitersRule")
-    o.consecutive_delim_rule(enums::ConsecutiveDelimitersRule{p});
-  else if (key == "FileType")
-    o.file_type(enums::FileType{p});
-  else if (key == "LeadingDelimitersRule")
-    o.leading_delim_rule(enums::LeadingDelimiterRule{p});
-  else if (key == "TrailingDelimitersRule")
-    o.trailing_delim_rule(enums::TrailingDelimiterRule{p});
-  else if (key == "EmptyLineRule")
-    o.empty_line_rule(enums::EmptyLineRule{p});
-  else if (key == "OutputBuilderType")
-    o.output_type(enums::OutputBuilderType{p});
-  else if (key == "ExtraColumnsRule")
-    o.extra_columns_rule(enums::ExtraColumnsRule{p});
-  else if (key == "ImportErrorRule")
-    o.import_error_rule(enums::BadDataRule{p});
-  else if (key == "MissingRule")
-    o.missing_rule(enums::BadDataRule{p});
-  else if (key == "ParserType")
-    o.parser_type(enums::ParserType{p});
-  else if (key == "PartialFieldRule")
-    o.partial_field_rule(enums::PartialFieldRule{p});
-  else
-    throw std::invalid_argument("no rule option " + std::string(key));
+#define ZVTP_SET(name, field, type) \
+  if (key == name) return o.field(textio::enums::type{static_cast<std::uint8_t>(position)});
+  ZVTP_RULE_FIELDS(ZVTP_SET)
+#undef ZVTP_SET
+  throw std::invalid_argument("no rule option " + std::string(key));
 }
+
+#undef ZVTP_RULE_FIELDS
 
 }  // namespace test_support

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "zvcore/ustring.hpp"
 
@@ -12,38 +13,17 @@ namespace test_support {
 // sequence (erase or replace, moving the tail each time). Slow, but easy to
 // check by eye; the fast decoder must agree with it on every input.
 inline bool reference_decode(ustring& text) noexcept {
+  constexpr std::u16string_view letters = u"\\bnrt";
+  constexpr std::u16string_view decoded = u"\\\b\n\r\t";
   bool result = true;
-  std::size_t position = 0;
-  while (position < text.size()) {
-    const std::size_t i = text.find(u'\\', position);
-    if (i == ustring::npos || i + 1 >= text.size()) break;
-    char16_t decoded = 0;
-    switch (text[i + 1]) {
-      case u'\\':
-        decoded = u'\\';
-        break;
-      case u'b':
-        decoded = u'\b';
-        break;
-      case u'n':
-        decoded = u'\n';
-        break;
-      case u'r':
-        decoded = u'\r';
-        break;
-      case u't':
-        decoded = u'\t';
-        break;
-      default:
-        break;
-    }
-    if (decoded != 0) {
-      text.replace(i, 2, 1, decoded);
-      position = i + 1;
+  for (std::size_t i = text.find(u'\\'); i != ustring::npos && i + 1 < text.size(); i = text.find(u'\\', i)) {
+    const std::size_t known = letters.find(text[i + 1]);
+    if (known != std::u16string_view::npos) {
+      text.replace(i, 2, 1, decoded[known]);
+      ++i;
     } else {
       result = false;
       text.erase(i, 2);
-      position = i;
     }
   }
   return result;
