@@ -1,8 +1,6 @@
 // The record scanner's limit on a record's length, which reading a file does
 // not reach in a test.
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -31,18 +29,16 @@ TEST(RecordScanner, RefusesARecordLongerThanItsLimit) {
   ASSERT_EQ(scanner.scan("abc,def\nrest of the input", false, 5, rec), scan_result::record);
   EXPECT_EQ(rec.fields.size(), 2u);
   EXPECT_EQ(rec.consumed, 8u);
-  const struct {
-    std::string_view text;
-    bool at_end;
-  } too_long[] = {
+  const std::pair<std::string_view, bool> too_long[] = {
+      // text, whether the input ends there
       {"abcd,efgh,ij\n", false},
       {"abcd,efgh,ij", true},        // the input ends after the limit
       {"\"abc,\n,defgh\"\n", true},  // a quoted field, not an open quote
   };
   for (const auto& c : too_long) {
     EXPECT_TRUE(test_support::throws_message<ZORVEK::textio::reader::RecordTooLong>(
-        [&] { scanner.scan(c.text, c.at_end, 5, rec); }, {std::uint64_t{5}, std::uint64_t{8}}))
-        << c.text;
+        [&] { scanner.scan(c.first, c.second, 5, rec); }, {std::uint64_t{5}, std::uint64_t{8}}))
+        << c.first;
   }
 }
 
