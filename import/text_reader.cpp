@@ -12,10 +12,13 @@
 #include "import/compact_table.hpp"
 #include "import/delimiter_rules.hpp"
 #include "import/fixed_width_cutter.hpp"
+#include "import/header_lines.hpp"
+#include "import/lines_left.hpp"
 #include "import/number_conversion.hpp"
 #include "import/reader_errors.hpp"
 #include "import/reader_settings.hpp"
 #include "import/record_scanner.hpp"
+#include "import/scan_setup.hpp"
 #include "import/structural_scan.hpp"
 #include "import/unit_window.hpp"
 #include "import/utf8_text.hpp"
@@ -35,12 +38,6 @@ using textio::enums::ParserType;
 using textio::enums::PartialFieldRule;
 using textio::enums::TrailingDelimiterRule;
 namespace reader_error = ZORVEK::textio::reader;
-
-template <class CharT>
-string_matcher<CharT> comment_matcher(const std::vector<ustring>& style, std::size_t index) {
-  if (style.size() <= index || style[index].empty()) return {};
-  return string_matcher<CharT>(textio::get_or_create_delim({style[index]}));
-}
 
 template <class CharT>
 std::basic_string<CharT> encode(const ustring& text) {
@@ -86,7 +83,9 @@ class table_reader {
         sink_(sink),
         progress_(progress),
         text_(text),
-        stray_quote_(stray_quote) {
+        stray_quote_(stray_quote),
+        rules_(scan_rules_for<CharT>(opts_, text)),
+        header_(opts_, text) {
     if (opts_.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
     set_up();
   }
@@ -108,11 +107,11 @@ class table_reader {
     for (;;) {
       if (text_.table_end_line && line >= *text_.table_end_line) {
         finish();
-        summary_.lines_left_unread = count_lines_left();
+        summary_.lines_left_unread = count_lines_left(window_, raw_rules_);
         return;
       }
       const bool header_line = line <= header_lines_;
-      const bool meta = !header_sent_ && is_meta_line(line);
+      const bool meta = !header_sent_ && header_.is_meta_line(line);
       if constexpr (sizeof(CharT) == 1) {
         if (counter_ && line >= first_counted_line_) {
           const auto r = counter_->scan(window_.view(), window_.at_end(), line,
@@ -187,8 +186,7 @@ class table_reader {
   void set_up() {
     header_lines_ = opts_.num_header_lines();
     if (!opts_.detecting_num_variables()) variables_ = opts_.num_variables();
-    for (const std::string& name : text_.variable_names) names_.push_back(from_utf8<CharT>(name));
-    if (!variables_ && !names_.empty()) variables_ = names_.size();
+    if (!variables_ && !header_.names().empty()) variables_ = header_.names().size();
     format_ = number_format_of(opts_);
     for (const auto& p : opts_.missing_placeholders()) {
       if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
@@ -213,54 +211,16 @@ class table_reader {
                 opts_.parser_type() != ParserType::FixedWidth;
     // A long record goes to the sink in parts (see emit).
     parts_ = sink_.takes_parts() && !buffering_;
-    rules_may_drop_ = opts_.missing_rule() != BadDataRule::Fill ||
-                      (converts_ && opts_.import_error_rule() != BadDataRule::Fill);
+    rules_may_drop_ =
+        opts_.missing_rule() != BadDataRule::Fill || (converts_ && opts_.import_error_rule() != BadDataRule::Fill);
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
-    const textio::parser::LineRecordReader line_reader(opts_);
-    raw_rules_.line_endings = string_matcher<CharT>(line_reader.line_delimiter);
-    raw_rules_.whitespace = *line_reader.whitespace;
-    raw_rules_.finish();
-    raw_rules_.mark_stop_characters(line_reader.delimiters.stop_chars, starts_line_ending);
-    reads_empty_lines_ = line_reader.reads_empty_lines;
-
-    switch (opts_.parser_type()) {
-      case ParserType::Delimited:
-      case ParserType::Tabular: {
-        const textio::parser::DelimitedRecordReader reader(opts_);
-        data_rules_.field_delimiters = string_matcher<CharT>(reader.field_delimiter);
-        data_rules_.line_endings = string_matcher<CharT>(reader.line_delimiter);
-        data_rules_.quotes = text_.quote != '\0';
-        data_rules_.quote = static_cast<CharT>(static_cast<unsigned char>(text_.quote));
-        data_rules_.backslash_escape = text_.escape == escape_style::backslash;
-        data_rules_.stray_quote_as_text = text_.quote_detected;
-        data_rules_.trim = true;
-        // The places of delimiters are needed only to report a fault.
-        data_rules_.record_delimiters = opts_.leading_delim_rule() == LeadingDelimiterRule::Error ||
-                                        opts_.trailing_delim_rule() == TrailingDelimiterRule::Error ||
-                                        opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Error;
-        add_comments_and_finish(data_rules_);
-        data_rules_.mark_stop_characters(reader.quoted_delimiters.delimiters.stop_chars,
-                                         starts_field_delimiter | starts_line_ending);
-        break;
-      }
-      case ParserType::FixedWidth: {
-        const textio::parser::FixedWidthRecordReader reader(opts_);
-        data_rules_.line_endings = string_matcher<CharT>(reader.line_delimiter);
-        add_comments_and_finish(data_rules_);
-        data_rules_.mark_stop_characters(reader.stop_chars, starts_line_ending);
-        widths_ = reader.field_widths;
-        // Without a given count, a fixed-width record has a variable per width.
-        if (!variables_ && !widths_.empty() && opts_.variable_names_line() == 0) variables_ = widths_.size();
-        break;
-      }
-      case ParserType::Line:
-        data_rules_.line_endings = raw_rules_.line_endings;
-        data_rules_.whitespace = raw_rules_.whitespace;
-        data_rules_.finish();
-        data_rules_.mark_stop_characters(line_reader.delimiters.stop_chars, starts_line_ending);
-        break;
-    }
+    reads_empty_lines_ = rules_.reads_empty_lines;
+    widths_ = rules_.widths;
+    // Without a given count, a fixed-width record has a variable per width.
+    if (opts_.parser_type() == ParserType::FixedWidth && !variables_ && !widths_.empty() &&
+        opts_.variable_names_line() == 0)
+      variables_ = widths_.size();
     if constexpr (sizeof(CharT) == 1) {
       // Plain delimited records are counted by the structural scan, whose
       // field count is the delimiter count plus one. It knows doubled quotes
@@ -281,18 +241,6 @@ class table_reader {
         }
       }
     }
-  }
-
-  void add_comments_and_finish(scan_rules<CharT>& rules) {
-    rules.comment_open = comment_matcher<CharT>(opts_.comment_style(), 0);
-    if (!rules.comment_open.empty()) rules.comment_close = comment_matcher<CharT>(opts_.comment_style(), 1);
-    rules.whitespace = opts_.whitespace();
-    rules.finish();
-  }
-
-  bool is_meta_line(std::uint64_t line) const noexcept {
-    return line == opts_.variable_names_line() || line == opts_.variable_units_line() ||
-           line == opts_.variable_descriptions_line();
   }
 
   source_position resolve(const window_position& at) const {
@@ -471,42 +419,7 @@ class table_reader {
   void send_header() {
     if (header_sent_) return;
     header_sent_ = true;
-    if (!buffering_) sink_.header(header_values({}));
-  }
-
-  table_header header_values(const std::vector<bool>& omitted) const {
-    table_header h;
-    const auto fill = [&](const std::vector<string>& texts, std::vector<output_value>& out) {
-      for (std::size_t i = 0; i < texts.size(); ++i) {
-        if (i < omitted.size() && omitted[i]) continue;
-        out.push_back(text_value(texts[i]));
-      }
-    };
-    fill(names_, h.names);
-    fill(units_, h.units);
-    fill(descriptions_, h.descriptions);
-    if (!typing_.empty()) {
-      const std::size_t count = std::max({typing_.size(), names_.size(), variables_.value_or(0)});
-      for (std::size_t i = 0; i < count; ++i) {
-        if (i < omitted.size() && omitted[i]) continue;
-        const std::string_view name = type_name(i < typing_.size() ? typing_[i].type : value_type::string);
-        if (h.types.empty() || h.types.back().name != name) h.types.push_back({name, 0});
-        ++h.types.back().count;
-      }
-    }
-    return h;
-  }
-
-  static output_value text_value(view t) {
-    output_value v;
-    v.kind = value_kind::text;
-    if constexpr (sizeof(CharT) == 1) {
-      v.bytes = t;
-    } else {
-      v.utf16 = true;
-      v.units = t;
-    }
-    return v;
+    if (!buffering_) sink_.header(header_.values({}, typing_, variables_));
   }
 
   void take_meta_line(std::uint64_t line) {
@@ -517,12 +430,7 @@ class table_reader {
     }
     pending_units_.clear();
     next_pending_.clear();
-    if (line == opts_.variable_names_line() && text_.variable_names.empty()) {
-      names_ = texts;
-      if (!variables_) variables_ = names_.size();
-    }
-    if (line == opts_.variable_units_line()) units_ = texts;
-    if (line == opts_.variable_descriptions_line()) descriptions_ = std::move(texts);
+    header_.take(line, std::move(texts), variables_);
   }
 
   void data_record() {
@@ -681,7 +589,7 @@ class table_reader {
           }
         }
       } else if (use != values_use::check) {
-        v = text_value(text);
+        v = text_value<CharT>(text);
       }
       ++i;
       if (use == values_use::check) continue;
@@ -706,40 +614,6 @@ class table_reader {
     return true;
   }
 
-  // The physical lines left in the input, counted by their line endings
-  // without scanning records.
-  std::uint64_t count_lines_left() {
-    const scan_rules<CharT>& rules = raw_rules_;
-    std::uint64_t lines = 0;
-    bool open_line = false;  // units after the last line ending
-    for (;;) {
-      const view w = window_.view();
-      std::size_t pos = 0;
-      while (pos < w.size()) {
-        if ((rules.classes(w[pos]) & starts_line_ending) == 0) {
-          open_line = true;
-          ++pos;
-          continue;
-        }
-        if (!window_.at_end() && pos + rules.lookahead > w.size()) break;
-        const std::size_t ending = rules.line_endings.match(w, pos);
-        if (ending == 0) {
-          open_line = true;
-          ++pos;
-          continue;
-        }
-        ++lines;
-        open_line = false;
-        pos += ending;
-      }
-      window_.consume(pos);
-      if (!window_.at_end() && window_.more()) continue;
-      if (!window_.view().empty() && window_.at_end()) continue;
-      break;
-    }
-    return lines + (open_line ? 1 : 0);
-  }
-
   void finish() {
     // Units or fields still waiting for a line that never came.
     if constexpr (sizeof(CharT) == 2) {
@@ -760,7 +634,7 @@ class table_reader {
     }
     send_header();
     if (!buffering_) return;
-    sink_.header(header_values(omitted_));
+    sink_.header(header_.values(omitted_, typing_, variables_));
     std::vector<output_value> out;
     table_.for_each_row([&](std::span<const output_value> row, std::size_t padding) {
       out.clear();
@@ -785,8 +659,9 @@ class table_reader {
   const stray_quote_callback& stray_quote_;
   read_summary summary_;
 
-  scan_rules<CharT> raw_rules_;
-  scan_rules<CharT> data_rules_;
+  reader_scan_rules<CharT> rules_;
+  const scan_rules<CharT>& raw_rules_ = rules_.lines;
+  const scan_rules<CharT>& data_rules_ = rules_.data;
   record_scanner<CharT> raw_scanner_{raw_rules_};
   record_scanner<CharT> data_scanner_{data_rules_};
   scanned_record<CharT> rec_;
@@ -797,7 +672,7 @@ class table_reader {
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
-  bool parts_ = false;  // values handed on in parts of record_part_size
+  bool parts_ = false;           // values handed on in parts of record_part_size
   bool rules_may_drop_ = false;  // a missing or import-error rule may drop or fail a record
   static constexpr std::size_t record_part_size = 4096;
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
@@ -807,13 +682,11 @@ class table_reader {
   std::vector<string> placeholders_;
   std::vector<std::uint64_t> widths_;
 
-  std::vector<string> names_;
-  std::vector<string> units_;
-  std::vector<string> descriptions_;
+  header_lines<CharT> header_;
 
   field_list cells_;
   std::vector<external_text> external_;
-  bool record_in_window_ = true;           // false for fields still waiting at the end
+  bool record_in_window_ = true;  // false for fields still waiting at the end
   std::vector<output_value> values_;
   std::vector<owned_cell> carry_;
   std::vector<owned_cell> current_carry_;
