@@ -9,7 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "import/compact_table.hpp"
+#include "import/omitted_variables.hpp"
+#include "import/record_cells.hpp"
 #include "import/delimiter_rules.hpp"
 #include "import/fixed_width_cutter.hpp"
 #include "import/header_lines.hpp"
@@ -22,6 +23,7 @@
 #include "import/structural_scan.hpp"
 #include "import/unit_window.hpp"
 #include "import/utf8_text.hpp"
+#include "import/value_stage.hpp"
 #include "parser/record_readers.hpp"
 #include "zvcore/ustring.hpp"
 
@@ -40,35 +42,6 @@ using textio::enums::TrailingDelimiterRule;
 namespace reader_error = ZORVEK::textio::reader;
 
 template <class CharT>
-std::basic_string<CharT> encode(const ustring& text) {
-  if constexpr (sizeof(CharT) == 1) {
-    return foundation::core::unicode::to_utf8(text);
-  } else {
-    return text;
-  }
-}
-
-// A UTF-8 text in the reader's units.
-template <class CharT>
-std::basic_string<CharT> from_utf8(const std::string& text) {
-  if constexpr (sizeof(CharT) == 1) {
-    return text;
-  } else {
-    return foundation::core::unicode::to_utf16(text);
-  }
-}
-
-// Whether a text has a UTF-8 form (no lone surrogate).
-bool has_utf8_form(const ustring& text) {
-  return foundation::core::unicode::to_utf16(foundation::core::unicode::to_utf8(text)) == text;
-}
-
-struct source_position {
-  std::uint64_t line = 0;
-  std::uint64_t column = 0;
-};
-
-template <class CharT>
 class table_reader {
  public:
   using view = std::basic_string_view<CharT>;
@@ -85,8 +58,8 @@ class table_reader {
         text_(text),
         stray_quote_(stray_quote),
         rules_(scan_rules_for<CharT>(opts_, text)),
-        header_(opts_, text) {
-    if (opts_.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
+        header_(opts_, text),
+        values_(opts_, rules_.data, types, omitted_) {
     set_up();
   }
 
@@ -139,7 +112,7 @@ class table_reader {
         // know: the full scanner counts the rest.
         counter_.reset();
         if (stray_quote_) {
-          const source_position p = resolve(rec_.stray_quote);
+          const source_position p = resolve(window_.view(), rec_.stray_quote);
           stray_quote_(p.line, p.column);
         }
       }
@@ -167,15 +140,6 @@ class table_reader {
     return "the record's length and field count";
   }
 
-  // The fields of the record being shaped (cells_) are the scanned record's
-  // own entries, plus external ones for text that is not in the window (cut
-  // fixed-width fields, wrapped extra fields): their begin indexes
-  // external_, which holds their text and place.
-  struct external_text {
-    view text;
-    source_position where;
-    bool missing = false;  // already known to be missing (a filled partial field)
-  };
   // A field kept beyond its record (wrapped extra columns).
   struct owned_cell {
     string content;
@@ -187,32 +151,21 @@ class table_reader {
     header_lines_ = opts_.num_header_lines();
     if (!opts_.detecting_num_variables()) variables_ = opts_.num_variables();
     if (!variables_ && !header_.names().empty()) variables_ = header_.names().size();
-    format_ = number_format_of(opts_);
-    for (const auto& p : opts_.missing_placeholders()) {
-      if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
-    }
-    converts_ = opts_.output_type() == OutputBuilderType::Matrix || !typing_.empty();
-    conversions_.resize(typing_.size());
-    canonical_.resize(typing_.size());
-    for (std::size_t i = 0; i < typing_.size(); ++i) {
-      conversions_[i].numbers = format_;
-      conversions_[i].dates = typing_[i].dates;
-      for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
-    }
+    const bool converts = values_.converts();
     buffering_ =
         opts_.missing_rule() == BadDataRule::OmitVar ||
-        (converts_ && opts_.import_error_rule() == BadDataRule::OmitVar) ||
+        (converts && opts_.import_error_rule() == BadDataRule::OmitVar) ||
         (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar);
     // Counting needs no values when no rule looks at them.
     counting_ = sink_.counts_only() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
-                (!converts_ || opts_.import_error_rule() == BadDataRule::Fill) &&
+                (!converts || opts_.import_error_rule() == BadDataRule::Fill) &&
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
     // A long record goes to the sink in parts (see emit).
     parts_ = sink_.takes_parts() && !buffering_;
     rules_may_drop_ =
-        opts_.missing_rule() != BadDataRule::Fill || (converts_ && opts_.import_error_rule() != BadDataRule::Fill);
+        opts_.missing_rule() != BadDataRule::Fill || (converts && opts_.import_error_rule() != BadDataRule::Fill);
     delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
     reads_empty_lines_ = rules_.reads_empty_lines;
@@ -243,33 +196,6 @@ class table_reader {
     }
   }
 
-  source_position resolve(const window_position& at) const {
-    const view w = window_.view();
-    std::uint64_t column = at.pos - at.line_start;
-    if constexpr (sizeof(CharT) == 1) column = utf16_length(w.substr(at.line_start, at.pos - at.line_start));
-    return {at.line, column + 1};
-  }
-  source_position where(const raw_field& c) const {
-    return c.external ? external_[c.begin].where : resolve(rec_.position(c.start));
-  }
-  view text_of(view window, const raw_field& c) const {
-    return c.external ? external_[c.begin].text : rec_.text(window, c);
-  }
-
-  // A cell of text outside the window, whose place is known already.
-  raw_field external_cell(view text, source_position where, bool missing = false) {
-    raw_field c;
-    c.external = 1;
-    c.begin = static_cast<std::uint32_t>(external_.size());
-    external_.push_back({text, where, missing});
-    return c;
-  }
-
-  void clear_cells() {
-    cells_.clear();
-    external_.clear();
-  }
-
   template <class Tag>
   [[noreturn]] void fail(source_position p) const {
     throw_msg_id_exception(Tag(p.line, p.column));
@@ -277,18 +203,18 @@ class table_reader {
 
   // The fields of the scanned record as cells, by the parser's rules. False
   // when the record gives no row.
-  bool record_cells() {
-    clear_cells();
+  bool cells_of_record() {
+    record_.clear();
     const view w = window_.view();
     switch (opts_.parser_type()) {
       case ParserType::Delimited:
       case ParserType::Tabular:
         // The kept fields become the cells as they are, without a copy.
         keep_delimited_fields();
-        cells_.swap(rec_.fields);
+        record_.cells.swap(rec_.fields);
         return true;
       case ParserType::Line:
-        cells_.push_back(rec_.fields[0]);
+        record_.cells.push_back(rec_.fields[0]);
         return true;
       case ParserType::FixedWidth:
         if constexpr (sizeof(CharT) == 2) {
@@ -327,7 +253,7 @@ class table_reader {
     if (keeps_every_field(delimiter_rules_)) return rec_.fields.size();
     const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_);
     if (outcome.fault != delimiter_fault::none) {
-      const source_position p = resolve(rec_.position(rec_.delimiters[outcome.field]));
+      const source_position p = resolve(window_.view(), rec_.position(rec_.delimiters[outcome.field]));
       if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
       if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
       fail<reader_error::ConsecutiveDelimiters>(p);
@@ -364,7 +290,7 @@ class table_reader {
           case PartialFieldRule::OmitRow:
             return false;
           case PartialFieldRule::OmitVar:
-            mark_omitted(cut.incomplete);
+            omitted_.mark(cut.incomplete);
             break;
           case PartialFieldRule::Fill:
             filled = cut.incomplete;
@@ -378,8 +304,8 @@ class table_reader {
         }
       }
       for (std::size_t i = 0; i < cut.fields.size(); ++i) {
-        cells_.push_back(external_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length),
-                                       column(cut.fields[i].offset), filled && *filled == i));
+        record_.cells.push_back(record_.external_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length),
+                                                      column(cut.fields[i].offset), filled && *filled == i));
       }
       if (cut.has_extra) {
         switch (opts_.extra_columns_rule()) {
@@ -389,7 +315,7 @@ class table_reader {
             const std::u16string_view ws = opts_.whitespace();
             while (b < e && ws.find(record_text[b]) != std::u16string_view::npos) ++b;
             while (e > b && ws.find(record_text[e - 1]) != std::u16string_view::npos) --e;
-            cells_.push_back(external_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
+            record_.cells.push_back(record_.external_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
             break;
           }
           case ExtraColumnsRule::Ignore:
@@ -411,22 +337,17 @@ class table_reader {
     }
   }
 
-  void mark_omitted(std::size_t variable) {
-    if (omitted_.size() <= variable) omitted_.resize(variable + 1, false);
-    omitted_[variable] = true;
-  }
-
   void send_header() {
     if (header_sent_) return;
     header_sent_ = true;
-    if (!buffering_) sink_.header(header_.values({}, typing_, variables_));
+    if (!buffering_) sink_.header(header_.values({}, values_.typing(), variables_));
   }
 
   void take_meta_line(std::uint64_t line) {
     std::vector<string> texts;
-    if (!rec_.empty && record_cells()) {
+    if (!rec_.empty && cells_of_record()) {
       const view w = window_.view();
-      for (const raw_field& c : cells_) texts.emplace_back(text_of(w, c));
+      for (const raw_field& c : record_.cells) texts.emplace_back(record_.text_of(w, c));
     }
     pending_units_.clear();
     next_pending_.clear();
@@ -447,7 +368,7 @@ class table_reader {
           case EmptyLineRule::Read:
             send_header();
             if (counting_) return count_record(variables_ ? *variables_ : 1);
-            clear_cells();
+            record_.clear();
             if (!variables_) variables_ = 1;
             shape_and_emit();
             return;
@@ -459,7 +380,7 @@ class table_reader {
       if (opts_.parser_type() == ParserType::Line) return count_record(1);
       return count_record(keep_delimited_fields());
     }
-    if (!record_cells()) return;
+    if (!cells_of_record()) return;
     shape_and_emit();
     if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
   }
@@ -469,73 +390,33 @@ class table_reader {
     current_carry_ = std::move(carry_);
     carry_.clear();
     for (auto o = current_carry_.rbegin(); o != current_carry_.rend(); ++o) {
-      raw_field c = external_cell(o->content, o->where);
+      raw_field c = record_.external_cell(o->content, o->where);
       c.quoted = o->quoted;
-      cells_.push_front(c);
+      record_.cells.push_front(c);
     }
-    if (!variables_) variables_ = cells_.size();
-    if (cells_.size() > *variables_) {
+    if (!variables_) variables_ = record_.cells.size();
+    if (record_.cells.size() > *variables_) {
       switch (opts_.extra_columns_rule()) {
         case ExtraColumnsRule::AddVars:
-          variables_ = cells_.size();
+          variables_ = record_.cells.size();
           break;
         case ExtraColumnsRule::Ignore:
-          cells_.resize(*variables_);
+          record_.cells.resize(*variables_);
           break;
         case ExtraColumnsRule::Wrap:
           // With no variables no record could ever take them.
-          for (std::size_t i = *variables_; *variables_ > 0 && i < cells_.size(); ++i) {
-            carry_.push_back({string(text_of(window_.view(), cells_[i])), cells_[i].quoted != 0, where(cells_[i])});
+          for (std::size_t i = *variables_; *variables_ > 0 && i < record_.cells.size(); ++i) {
+            carry_.push_back({string(record_.text_of(window_.view(), record_.cells[i])), record_.cells[i].quoted != 0,
+                              record_.where(window_.view(), record_.cells[i])});
           }
-          cells_.resize(*variables_);
+          record_.cells.resize(*variables_);
           break;
         case ExtraColumnsRule::Error:
-          fail<reader_error::ExtraColumns>(where(cells_[*variables_]));
+          fail<reader_error::ExtraColumns>(record_.where(window_.view(), record_.cells[*variables_]));
       }
     }
     // Fields the record lacks are missing; they are a count, not cells.
-    emit(cells_.size() < *variables_ ? *variables_ - cells_.size() : 0);
-  }
-
-  bool is_missing(const raw_field& c, view t) const {
-    if (c.external && external_[c.begin].missing) return true;
-    if (c.quoted) return false;
-    if (!data_rules_.trim) {
-      while (!t.empty() && (data_rules_.classes(t.front()) & is_whitespace) != 0) t.remove_prefix(1);
-      while (!t.empty() && (data_rules_.classes(t.back()) & is_whitespace) != 0) t.remove_suffix(1);
-    }
-    if (t.empty()) return true;
-    for (const string& p : placeholders_) {
-      if (t == p) return true;
-    }
-    return false;
-  }
-
-  // Whether a field that did not convert is a missing marker detected for
-  // its variable.
-  bool is_typed_marker(std::size_t i, view text) const {
-    for (const auto& [variable, marker] : typed_markers_) {
-      if (variable == i && text == marker) return true;
-    }
-    return false;
-  }
-
-  // Applies a missing or import-error rule to field i: Fill keeps the field
-  // as it is, OmitVar marks its variable, Error fails; false for OmitRow.
-  template <class ErrorTag>
-  bool keep_row_under(BadDataRule rule, std::size_t i, const raw_field& c) {
-    switch (rule) {
-      case BadDataRule::Fill:
-        return true;
-      case BadDataRule::OmitRow:
-        return false;
-      case BadDataRule::OmitVar:
-        mark_omitted(i);
-        return true;
-      case BadDataRule::Error:
-        fail<ErrorTag>(where(c));
-    }
-    return true;
+    emit(record_.cells.size() < *variables_ ? *variables_ - record_.cells.size() : 0);
   }
 
   // Hands on the record's cells followed by `padding` missing values. A
@@ -544,74 +425,16 @@ class table_reader {
   // the rules alone, so that no part of a dropped record is written and its
   // values are never held whole.
   void emit(std::size_t padding) {
-    const bool in_parts = parts_ && cells_.size() > record_part_size;
-    if (in_parts && rules_may_drop_ && !make_values(padding, values_use::check)) return;
-    if (!make_values(padding, in_parts ? values_use::parts : values_use::whole)) return;
+    using use = typename value_stage<CharT>::use;
+    const view w = window_.view();
+    const bool in_parts = parts_ && record_.cells.size() > value_stage<CharT>::record_part_size;
+    if (in_parts && rules_may_drop_ && !values_.make(record_, w, padding, use::check, sink_)) return;
+    if (!values_.make(record_, w, padding, in_parts ? use::parts : use::whole, sink_)) return;
     if (!buffering_) {
-      sink_.padded_record(values_, padding);
+      sink_.padded_record(values_.values(), padding);
       return;
     }
-    table_.add_row(values_, padding);
-  }
-
-  // check: the rules only, no values; parts: values_ is handed to the sink
-  // whenever it holds a part, and keeps the rest; whole: values_ takes all.
-  enum class values_use { check, parts, whole };
-
-  // The record's values under the missing and import-error rules; false when
-  // a rule drops the record.
-  bool make_values(std::size_t padding, values_use use) {
-    values_.clear();
-    if (use != values_use::check) values_.reserve(std::min(cells_.size(), record_part_size));
-    const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
-    const view w = window_.view();
-    std::size_t i = 0;
-    for (const raw_field& c : cells_) {
-      const view text = text_of(w, c);
-      output_value v;
-      if (is_missing(c, text)) {
-        if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
-      } else if (matrix) {
-        v.kind = value_kind::number;
-        if (const auto number = to_number(text, format_)) {
-          v.number = *number;
-        } else {
-          v.number = std::numeric_limits<double>::quiet_NaN();
-          if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return false;
-        }
-      } else if (i < typing_.size() && typing_[i].type != value_type::string) {
-        if (!convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) {
-          v = output_value{};
-          if (is_typed_marker(i, text)) {
-            if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
-          } else if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) {
-            return false;
-          }
-        }
-      } else if (use != values_use::check) {
-        v = text_value<CharT>(text);
-      }
-      ++i;
-      if (use == values_use::check) continue;
-      if (use == values_use::parts && values_.size() == record_part_size) {
-        sink_.record_part(values_);
-        values_.clear();
-      }
-      values_.push_back(v);
-    }
-    if (padding > 0) {
-      // Where the record ends (no place for one made of waiting fields).
-      raw_field first = record_in_window_ ? raw_field{} : external_cell({}, {}, true);
-      if (!first.external) first.start = static_cast<std::uint32_t>(rec_.end.pos);
-      if (opts_.missing_rule() == BadDataRule::OmitVar) {
-        mark_omitted(cells_.size() + padding - 1);
-        std::fill(omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size()),
-                  omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size() + padding), true);
-      } else if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), cells_.size(), first)) {
-        return false;
-      }
-    }
-    return true;
+    omitted_.keep_row(values_.values(), padding);
   }
 
   void finish() {
@@ -620,34 +443,22 @@ class table_reader {
       while (!pending_units_.empty()) {
         send_header();
         const std::u16string waiting = std::exchange(pending_units_, {});
-        clear_cells();
-        record_in_window_ = false;
+        record_.clear();
+        record_.in_window = false;
         if (fixed_width_cells(waiting, 0, true)) shape_and_emit();
         if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
       }
     }
     while (!carry_.empty()) {
       send_header();
-      clear_cells();
-      record_in_window_ = false;
+      record_.clear();
+      record_.in_window = false;
       shape_and_emit();
     }
     send_header();
     if (!buffering_) return;
-    sink_.header(header_.values(omitted_, typing_, variables_));
-    std::vector<output_value> out;
-    table_.for_each_row([&](std::span<const output_value> row, std::size_t padding) {
-      out.clear();
-      for (std::size_t i = 0; i < row.size(); ++i) {
-        if (i < omitted_.size() && omitted_[i]) continue;
-        out.push_back(row[i]);
-      }
-      std::size_t kept_padding = 0;
-      for (std::size_t i = row.size(); i < row.size() + padding; ++i) {
-        if (i >= omitted_.size() || !omitted_[i]) ++kept_padding;
-      }
-      sink_.padded_record(out, kept_padding);
-    });
+    sink_.header(header_.values(omitted_.marks(), values_.typing(), variables_));
+    omitted_.send_rows(sink_);
   }
 
   textio::parser::options opts_;
@@ -672,36 +483,24 @@ class table_reader {
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
-  bool parts_ = false;           // values handed on in parts of record_part_size
-  bool rules_may_drop_ = false;  // a missing or import-error rule may drop or fail a record
-  static constexpr std::size_t record_part_size = 4096;
+  bool parts_ = false;                         // values handed on in parts of record_part_size
+  bool rules_may_drop_ = false;                // a missing or import-error rule may drop or fail a record
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
   std::uint64_t first_counted_line_ = 0;       // after header and meta lines
   delimiter_rule_set delimiter_rules_;
-  number_format format_;
-  std::vector<string> placeholders_;
   std::vector<std::uint64_t> widths_;
 
   header_lines<CharT> header_;
 
-  field_list cells_;
-  std::vector<external_text> external_;
-  bool record_in_window_ = true;  // false for fields still waiting at the end
-  std::vector<output_value> values_;
+  record_cells<CharT> record_{rec_};
   std::vector<owned_cell> carry_;
   std::vector<owned_cell> current_carry_;
   std::u16string pending_units_;
   std::u16string next_pending_;
   std::u16string fixed_text_;
-  std::vector<bool> omitted_;
-  compact_table<CharT> table_;
   std::uint64_t line_ = 1;  // the physical line of the record being read
-
-  std::vector<variable_typing> typing_;  // Table: the type of each variable by position
-  std::vector<conversion_settings> conversions_;
-  std::vector<std::string> canonical_;  // per variable: the text of its datetime or duration value
-  std::vector<std::pair<std::size_t, string>> typed_markers_;
-  bool converts_ = false;  // Matrix, or Table with types
+  omitted_variables<CharT> omitted_;
+  value_stage<CharT> values_;
 };
 
 }  // namespace
