@@ -1,3 +1,11 @@
+// The reader's driver: it wires the stages together. Input comes through a
+// window of units (unit_window); the record scanner (or, for plain counting,
+// the structural scan) finds each record by the rules of scan_setup; header
+// and names, units and descriptions lines go to header_lines; data records
+// are shaped into cells (record_shaping), turned into values (value_stage)
+// and handed to the sink, or held while OmitVar rules may still drop a
+// variable (omitted_variables); what follows the table's end is counted
+// (lines_left).
 #include "import/text_reader.hpp"
 
 #include <algorithm>
@@ -9,23 +17,18 @@
 #include <utility>
 #include <vector>
 
-#include "import/omitted_variables.hpp"
-#include "import/record_cells.hpp"
-#include "import/delimiter_rules.hpp"
-#include "import/fixed_width_cutter.hpp"
 #include "import/header_lines.hpp"
 #include "import/lines_left.hpp"
-#include "import/number_conversion.hpp"
+#include "import/omitted_variables.hpp"
 #include "import/reader_errors.hpp"
 #include "import/reader_settings.hpp"
+#include "import/record_cells.hpp"
 #include "import/record_scanner.hpp"
+#include "import/record_shaping.hpp"
 #include "import/scan_setup.hpp"
 #include "import/structural_scan.hpp"
 #include "import/unit_window.hpp"
-#include "import/utf8_text.hpp"
 #include "import/value_stage.hpp"
-#include "parser/record_readers.hpp"
-#include "zvcore/ustring.hpp"
 
 namespace textio::import {
 namespace {
@@ -35,7 +38,6 @@ using textio::enums::ConsecutiveDelimitersRule;
 using textio::enums::EmptyLineRule;
 using textio::enums::ExtraColumnsRule;
 using textio::enums::LeadingDelimiterRule;
-using textio::enums::OutputBuilderType;
 using textio::enums::ParserType;
 using textio::enums::PartialFieldRule;
 using textio::enums::TrailingDelimiterRule;
@@ -59,6 +61,7 @@ class table_reader {
         stray_quote_(stray_quote),
         rules_(scan_rules_for<CharT>(opts_, text)),
         header_(opts_, text),
+        shaper_(opts_, rules_.widths, rules_.reads_empty_lines, rec_, omitted_),
         values_(opts_, rules_.data, types, omitted_) {
     set_up();
   }
@@ -140,13 +143,6 @@ class table_reader {
     return "the record's length and field count";
   }
 
-  // A field kept beyond its record (wrapped extra columns).
-  struct owned_cell {
-    string content;
-    bool quoted = false;
-    source_position where;
-  };
-
   void set_up() {
     header_lines_ = opts_.num_header_lines();
     if (!opts_.detecting_num_variables()) variables_ = opts_.num_variables();
@@ -166,14 +162,12 @@ class table_reader {
     parts_ = sink_.takes_parts() && !buffering_;
     rules_may_drop_ =
         opts_.missing_rule() != BadDataRule::Fill || (converts && opts_.import_error_rule() != BadDataRule::Fill);
-    delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
 
-    reads_empty_lines_ = rules_.reads_empty_lines;
-    widths_ = rules_.widths;
     // Without a given count, a fixed-width record has a variable per width.
-    if (opts_.parser_type() == ParserType::FixedWidth && !variables_ && !widths_.empty() &&
+    const std::vector<std::uint64_t>& widths = rules_.widths;
+    if (opts_.parser_type() == ParserType::FixedWidth && !variables_ && !widths.empty() &&
         opts_.variable_names_line() == 0)
-      variables_ = widths_.size();
+      variables_ = widths.size();
     if constexpr (sizeof(CharT) == 1) {
       // Plain delimited records are counted by the structural scan, whose
       // field count is the delimiter count plus one. It knows doubled quotes
@@ -194,35 +188,6 @@ class table_reader {
         }
       }
     }
-  }
-
-  template <class Tag>
-  [[noreturn]] void fail(source_position p) const {
-    throw_msg_id_exception(Tag(p.line, p.column));
-  }
-
-  // The fields of the scanned record as cells, by the parser's rules. False
-  // when the record gives no row.
-  bool cells_of_record() {
-    record_.clear();
-    const view w = window_.view();
-    switch (opts_.parser_type()) {
-      case ParserType::Delimited:
-      case ParserType::Tabular:
-        // The kept fields become the cells as they are, without a copy.
-        keep_delimited_fields();
-        record_.cells.swap(rec_.fields);
-        return true;
-      case ParserType::Line:
-        record_.cells.push_back(rec_.fields[0]);
-        return true;
-      case ParserType::FixedWidth:
-        if constexpr (sizeof(CharT) == 2) {
-          return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.position(rec_.fields[0].start).line, false);
-        }
-        return false;
-    }
-    return false;
   }
 
   void more() {
@@ -247,94 +212,12 @@ class table_reader {
     return true;
   }
 
-  // Leaves in rec_.fields the fields of a delimited record that its
-  // delimiter rules keep; gives their number.
-  std::size_t keep_delimited_fields() {
-    if (keeps_every_field(delimiter_rules_)) return rec_.fields.size();
-    const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_);
-    if (outcome.fault != delimiter_fault::none) {
-      const source_position p = resolve(window_.view(), rec_.position(rec_.delimiters[outcome.field]));
-      if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
-      if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
-      fail<reader_error::ConsecutiveDelimiters>(p);
-    }
-    return rec_.fields.size();
-  }
-
   // The field count of a record that is only counted (see counting_).
   void count_record(std::size_t fields) {
     if (!variables_) variables_ = fields;
     // Extra fields are kept (AddVars) or dropped (Ignore), missing ones filled.
     if (fields > *variables_ && opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
     sink_.record_count(*variables_);
-  }
-
-  // Cuts a fixed-width record (the pending units of an earlier line first).
-  // `final`: no line follows, so a record to be wrapped is kept as it is.
-  bool fixed_width_cells(std::u16string_view line_text, std::uint64_t line, bool final) {
-    if constexpr (sizeof(CharT) == 2) {
-      std::u16string_view record_text = line_text;
-      if (!pending_units_.empty()) {
-        fixed_text_ = pending_units_;
-        fixed_text_ += line_text;
-        pending_units_.clear();
-        record_text = fixed_text_;
-      }
-      const fixed_width_cut cut = cut_fixed_width(record_text, widths_, opts_.whitespace());
-      const auto column = [&](std::size_t offset) { return source_position{line, offset + 1}; };
-      std::optional<std::size_t> filled;
-      if (cut.short_record) {
-        switch (opts_.partial_field_rule()) {
-          case PartialFieldRule::Keep:
-            break;
-          case PartialFieldRule::OmitRow:
-            return false;
-          case PartialFieldRule::OmitVar:
-            omitted_.mark(cut.incomplete);
-            break;
-          case PartialFieldRule::Fill:
-            filled = cut.incomplete;
-            break;
-          case PartialFieldRule::Wrap:
-            if (final) break;
-            pending_units_.assign(record_text);
-            return false;
-          case PartialFieldRule::Error:
-            fail<reader_error::PartialField>(column(record_text.size()));
-        }
-      }
-      for (std::size_t i = 0; i < cut.fields.size(); ++i) {
-        record_.cells.push_back(record_.external_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length),
-                                                      column(cut.fields[i].offset), filled && *filled == i));
-      }
-      if (cut.has_extra) {
-        switch (opts_.extra_columns_rule()) {
-          case ExtraColumnsRule::AddVars: {
-            std::size_t b = cut.extra_begin;
-            std::size_t e = record_text.size();
-            const std::u16string_view ws = opts_.whitespace();
-            while (b < e && ws.find(record_text[b]) != std::u16string_view::npos) ++b;
-            while (e > b && ws.find(record_text[e - 1]) != std::u16string_view::npos) --e;
-            record_.cells.push_back(record_.external_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
-            break;
-          }
-          case ExtraColumnsRule::Ignore:
-            break;
-          case ExtraColumnsRule::Wrap:
-            // With a record width of 0 no record could ever take them.
-            if (cut.extra_begin > 0) next_pending_.assign(record_text.substr(cut.extra_begin));
-            break;
-          case ExtraColumnsRule::Error:
-            fail<reader_error::ExtraColumns>(column(cut.extra_begin));
-        }
-      }
-      return true;
-    } else {
-      (void)line_text;
-      (void)line;
-      (void) final;
-      return false;
-    }
   }
 
   void send_header() {
@@ -345,79 +228,41 @@ class table_reader {
 
   void take_meta_line(std::uint64_t line) {
     std::vector<string> texts;
-    if (!rec_.empty && cells_of_record()) {
-      const view w = window_.view();
-      for (const raw_field& c : record_.cells) texts.emplace_back(record_.text_of(w, c));
+    const view w = window_.view();
+    if (!rec_.empty && shaper_.take_cells(rec_, w)) {
+      for (const raw_field& c : shaper_.cells().cells) texts.emplace_back(shaper_.cells().text_of(w, c));
     }
-    pending_units_.clear();
-    next_pending_.clear();
+    shaper_.drop_waiting_units();
     header_.take(line, std::move(texts), variables_);
   }
 
   void data_record() {
     if (rec_.empty) {
-      if (rec_.had_comment) return;
-      if (opts_.parser_type() == ParserType::Line) {
-        if (!reads_empty_lines_) return;
-      } else {
-        switch (opts_.empty_line_rule()) {
-          case EmptyLineRule::Skip:
-            return;
-          case EmptyLineRule::Error:
-            fail<reader_error::EmptyLine>({rec_.position(rec_.fields.front().start).line, 1});
-          case EmptyLineRule::Read:
-            send_header();
-            if (counting_) return count_record(variables_ ? *variables_ : 1);
-            record_.clear();
-            if (!variables_) variables_ = 1;
-            shape_and_emit();
-            return;
-        }
+      switch (shaper_.on_empty(rec_)) {
+        case empty_record::skip:
+          return;
+        case empty_record::empty_row:
+          send_header();
+          if (counting_) return count_record(variables_ ? *variables_ : 1);
+          shaper_.start_empty();
+          if (!variables_) variables_ = 1;
+          shape_and_emit();
+          return;
+        case empty_record::as_record:
+          break;
       }
     }
     send_header();
     if (counting_) {
       if (opts_.parser_type() == ParserType::Line) return count_record(1);
-      return count_record(keep_delimited_fields());
+      return count_record(shaper_.keep_delimited_fields(rec_, window_.view()));
     }
-    if (!cells_of_record()) return;
+    if (!shaper_.take_cells(rec_, window_.view())) return;
     shape_and_emit();
-    if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
+    shaper_.end_record();
   }
 
-  void shape_and_emit() {
-    // Wrapped extra fields of the previous record come first.
-    current_carry_ = std::move(carry_);
-    carry_.clear();
-    for (auto o = current_carry_.rbegin(); o != current_carry_.rend(); ++o) {
-      raw_field c = record_.external_cell(o->content, o->where);
-      c.quoted = o->quoted;
-      record_.cells.push_front(c);
-    }
-    if (!variables_) variables_ = record_.cells.size();
-    if (record_.cells.size() > *variables_) {
-      switch (opts_.extra_columns_rule()) {
-        case ExtraColumnsRule::AddVars:
-          variables_ = record_.cells.size();
-          break;
-        case ExtraColumnsRule::Ignore:
-          record_.cells.resize(*variables_);
-          break;
-        case ExtraColumnsRule::Wrap:
-          // With no variables no record could ever take them.
-          for (std::size_t i = *variables_; *variables_ > 0 && i < record_.cells.size(); ++i) {
-            carry_.push_back({string(record_.text_of(window_.view(), record_.cells[i])), record_.cells[i].quoted != 0,
-                              record_.where(window_.view(), record_.cells[i])});
-          }
-          record_.cells.resize(*variables_);
-          break;
-        case ExtraColumnsRule::Error:
-          fail<reader_error::ExtraColumns>(record_.where(window_.view(), record_.cells[*variables_]));
-      }
-    }
-    // Fields the record lacks are missing; they are a count, not cells.
-    emit(record_.cells.size() < *variables_ ? *variables_ - record_.cells.size() : 0);
-  }
+  void shape_and_emit() { emit(shaper_.shape(window_.view(), variables_)); }
 
   // Hands on the record's cells followed by `padding` missing values. A
   // record longer than a part goes to a sink that takes parts as its values
@@ -427,9 +272,10 @@ class table_reader {
   void emit(std::size_t padding) {
     using use = typename value_stage<CharT>::use;
     const view w = window_.view();
-    const bool in_parts = parts_ && record_.cells.size() > value_stage<CharT>::record_part_size;
-    if (in_parts && rules_may_drop_ && !values_.make(record_, w, padding, use::check, sink_)) return;
-    if (!values_.make(record_, w, padding, in_parts ? use::parts : use::whole, sink_)) return;
+    const record_cells<CharT>& record = shaper_.cells();
+    const bool in_parts = parts_ && record.cells.size() > value_stage<CharT>::record_part_size;
+    if (in_parts && rules_may_drop_ && !values_.make(record, w, padding, use::check, sink_)) return;
+    if (!values_.make(record, w, padding, in_parts ? use::parts : use::whole, sink_)) return;
     if (!buffering_) {
       sink_.padded_record(values_.values(), padding);
       return;
@@ -439,20 +285,14 @@ class table_reader {
 
   void finish() {
     // Units or fields still waiting for a line that never came.
-    if constexpr (sizeof(CharT) == 2) {
-      while (!pending_units_.empty()) {
-        send_header();
-        const std::u16string waiting = std::exchange(pending_units_, {});
-        record_.clear();
-        record_.in_window = false;
-        if (fixed_width_cells(waiting, 0, true)) shape_and_emit();
-        if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
-      }
-    }
-    while (!carry_.empty()) {
+    while (shaper_.has_waiting_units()) {
       send_header();
-      record_.clear();
-      record_.in_window = false;
+      if (shaper_.cut_waiting_units()) shape_and_emit();
+      shaper_.end_record();
+    }
+    while (shaper_.has_waiting_fields()) {
+      send_header();
+      shaper_.start_waiting_fields();
       shape_and_emit();
     }
     send_header();
@@ -479,7 +319,6 @@ class table_reader {
 
   std::uint64_t header_lines_ = 0;
   std::optional<std::size_t> variables_;
-  bool reads_empty_lines_ = false;
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
@@ -487,19 +326,12 @@ class table_reader {
   bool rules_may_drop_ = false;                // a missing or import-error rule may drop or fail a record
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
   std::uint64_t first_counted_line_ = 0;       // after header and meta lines
-  delimiter_rule_set delimiter_rules_;
-  std::vector<std::uint64_t> widths_;
 
   header_lines<CharT> header_;
 
-  record_cells<CharT> record_{rec_};
-  std::vector<owned_cell> carry_;
-  std::vector<owned_cell> current_carry_;
-  std::u16string pending_units_;
-  std::u16string next_pending_;
-  std::u16string fixed_text_;
   std::uint64_t line_ = 1;  // the physical line of the record being read
   omitted_variables<CharT> omitted_;
+  record_shaper<CharT> shaper_;
   value_stage<CharT> values_;
 };
 
