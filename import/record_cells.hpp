@@ -20,6 +20,7 @@ struct source_position {
   std::uint64_t column = 0;
 };
 
+// The source position of a place in the window.
 template <class CharT>
 source_position resolve(std::basic_string_view<CharT> window, const window_position& at) {
   std::uint64_t column = at.pos - at.line_start;
@@ -52,7 +53,8 @@ class record_cells {
     return resolve(window, scanned_.position(static_cast<std::uint32_t>(scanned_.end.pos)));
   }
 
-  // A cell of text outside the window, whose place is known already.
+  // A cell of text outside the window, whose place is known already; the
+  // text must stay valid until the cells are cleared.
   raw_field external_cell(view text, source_position where, bool missing = false) {
     raw_field c;
     c.external = 1;
