@@ -1,3 +1,11 @@
+// The reader's driver: it wires the stages together. Input comes through a
+// window of units (unit_window); the record scanner (or, for plain counting,
+// the structural scan) finds each record by the rules of scan_setup; header
+// and names, units and descriptions lines go to header_lines; data records
+// are shaped into cells (record_shaping), turned into values (value_stage)
+// and handed to the sink, or held while OmitVar rules may still drop a
+// variable (omitted_variables); what follows the table's end is counted
+// (lines_left).
 #include "import/text_reader.hpp"
 
 #include <algorithm>
@@ -9,18 +17,18 @@
 #include <utility>
 #include <vector>
 
-#include "import/compact_table.hpp"
-#include "import/delimiter_rules.hpp"
-#include "import/fixed_width_cutter.hpp"
-#include "import/number_conversion.hpp"
+#include "import/header_lines.hpp"
+#include "import/lines_left.hpp"
+#include "import/omitted_variables.hpp"
 #include "import/reader_errors.hpp"
 #include "import/reader_settings.hpp"
+#include "import/record_cells.hpp"
 #include "import/record_scanner.hpp"
+#include "import/record_shaping.hpp"
+#include "import/scan_setup.hpp"
 #include "import/structural_scan.hpp"
 #include "import/unit_window.hpp"
-#include "import/utf8_text.hpp"
-#include "parser/record_readers.hpp"
-#include "zvcore/ustring.hpp"
+#include "import/value_stage.hpp"
 
 namespace textio::import {
 namespace {
@@ -30,46 +38,10 @@ using textio::enums::ConsecutiveDelimitersRule;
 using textio::enums::EmptyLineRule;
 using textio::enums::ExtraColumnsRule;
 using textio::enums::LeadingDelimiterRule;
-using textio::enums::OutputBuilderType;
 using textio::enums::ParserType;
 using textio::enums::PartialFieldRule;
 using textio::enums::TrailingDelimiterRule;
 namespace reader_error = ZORVEK::textio::reader;
-
-template <class CharT>
-string_matcher<CharT> comment_matcher(const std::vector<ustring>& style, std::size_t index) {
-  if (style.size() <= index || style[index].empty()) return {};
-  return string_matcher<CharT>(textio::get_or_create_delim({style[index]}));
-}
-
-template <class CharT>
-std::basic_string<CharT> encode(const ustring& text) {
-  if constexpr (sizeof(CharT) == 1) {
-    return foundation::core::unicode::to_utf8(text);
-  } else {
-    return text;
-  }
-}
-
-// A UTF-8 text in the reader's units.
-template <class CharT>
-std::basic_string<CharT> from_utf8(const std::string& text) {
-  if constexpr (sizeof(CharT) == 1) {
-    return text;
-  } else {
-    return foundation::core::unicode::to_utf16(text);
-  }
-}
-
-// Whether a text has a UTF-8 form (no lone surrogate).
-bool has_utf8_form(const ustring& text) {
-  return foundation::core::unicode::to_utf16(foundation::core::unicode::to_utf8(text)) == text;
-}
-
-struct source_position {
-  std::uint64_t line = 0;
-  std::uint64_t column = 0;
-};
 
 template <class CharT>
 class table_reader {
@@ -86,8 +58,11 @@ class table_reader {
         sink_(sink),
         progress_(progress),
         text_(text),
-        stray_quote_(stray_quote) {
-    if (opts_.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
+        stray_quote_(stray_quote),
+        rules_(scan_rules_for<CharT>(opts_, text)),
+        header_(opts_, text),
+        shaper_(opts_, rules_.widths, rules_.reads_empty_lines, rec_, omitted_),
+        values_(opts_, rules_.data, types, omitted_) {
     set_up();
   }
 
@@ -108,11 +83,11 @@ class table_reader {
     for (;;) {
       if (text_.table_end_line && line >= *text_.table_end_line) {
         finish();
-        summary_.lines_left_unread = count_lines_left();
+        summary_.lines_left_unread = count_lines_left(window_, raw_rules_);
         return;
       }
       const bool header_line = line <= header_lines_;
-      const bool meta = !header_sent_ && is_meta_line(line);
+      const bool meta = !header_sent_ && header_.is_meta_line(line);
       if constexpr (sizeof(CharT) == 1) {
         if (counter_ && line >= first_counted_line_) {
           const auto r = counter_->scan(window_.view(), window_.at_end(), line,
@@ -140,7 +115,7 @@ class table_reader {
         // know: the full scanner counts the rest.
         counter_.reset();
         if (stray_quote_) {
-          const source_position p = resolve(rec_.stray_quote);
+          const source_position p = resolve(window_.view(), rec_.stray_quote);
           stray_quote_(p.line, p.column);
         }
       }
@@ -168,99 +143,31 @@ class table_reader {
     return "the record's length and field count";
   }
 
-  // The fields of the record being shaped (cells_) are the scanned record's
-  // own entries, plus external ones for text that is not in the window (cut
-  // fixed-width fields, wrapped extra fields): their begin indexes
-  // external_, which holds their text and place.
-  struct external_text {
-    view text;
-    source_position where;
-    bool missing = false;  // already known to be missing (a filled partial field)
-  };
-  // A field kept beyond its record (wrapped extra columns).
-  struct owned_cell {
-    string content;
-    bool quoted = false;
-    source_position where;
-  };
-
   void set_up() {
     header_lines_ = opts_.num_header_lines();
     if (!opts_.detecting_num_variables()) variables_ = opts_.num_variables();
-    for (const std::string& name : text_.variable_names) names_.push_back(from_utf8<CharT>(name));
-    if (!variables_ && !names_.empty()) variables_ = names_.size();
-    format_ = number_format_of(opts_);
-    for (const auto& p : opts_.missing_placeholders()) {
-      if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
-    }
-    converts_ = opts_.output_type() == OutputBuilderType::Matrix || !typing_.empty();
-    conversions_.resize(typing_.size());
-    canonical_.resize(typing_.size());
-    for (std::size_t i = 0; i < typing_.size(); ++i) {
-      conversions_[i].numbers = format_;
-      conversions_[i].dates = typing_[i].dates;
-      for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
-    }
+    if (!variables_ && !header_.names().empty()) variables_ = header_.names().size();
+    const bool converts = values_.converts();
     buffering_ =
         opts_.missing_rule() == BadDataRule::OmitVar ||
-        (converts_ && opts_.import_error_rule() == BadDataRule::OmitVar) ||
+        (converts && opts_.import_error_rule() == BadDataRule::OmitVar) ||
         (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar);
     // Counting needs no values when no rule looks at them.
     counting_ = sink_.counts_only() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
-                (!converts_ || opts_.import_error_rule() == BadDataRule::Fill) &&
+                (!converts || opts_.import_error_rule() == BadDataRule::Fill) &&
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
     // A long record goes to the sink in parts (see emit).
     parts_ = sink_.takes_parts() && !buffering_;
-    rules_may_drop_ = opts_.missing_rule() != BadDataRule::Fill ||
-                      (converts_ && opts_.import_error_rule() != BadDataRule::Fill);
-    delimiter_rules_ = {opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()};
+    rules_may_drop_ =
+        opts_.missing_rule() != BadDataRule::Fill || (converts && opts_.import_error_rule() != BadDataRule::Fill);
 
-    const textio::parser::LineRecordReader line_reader(opts_);
-    raw_rules_.line_endings = string_matcher<CharT>(line_reader.line_delimiter);
-    raw_rules_.whitespace = *line_reader.whitespace;
-    raw_rules_.finish();
-    raw_rules_.mark_stop_characters(line_reader.delimiters.stop_chars, starts_line_ending);
-    reads_empty_lines_ = line_reader.reads_empty_lines;
-
-    switch (opts_.parser_type()) {
-      case ParserType::Delimited:
-      case ParserType::Tabular: {
-        const textio::parser::DelimitedRecordReader reader(opts_);
-        data_rules_.field_delimiters = string_matcher<CharT>(reader.field_delimiter);
-        data_rules_.line_endings = string_matcher<CharT>(reader.line_delimiter);
-        data_rules_.quotes = text_.quote != '\0';
-        data_rules_.quote = static_cast<CharT>(static_cast<unsigned char>(text_.quote));
-        data_rules_.backslash_escape = text_.escape == escape_style::backslash;
-        data_rules_.stray_quote_as_text = text_.quote_detected;
-        data_rules_.trim = true;
-        // The places of delimiters are needed only to report a fault.
-        data_rules_.record_delimiters = opts_.leading_delim_rule() == LeadingDelimiterRule::Error ||
-                                        opts_.trailing_delim_rule() == TrailingDelimiterRule::Error ||
-                                        opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Error;
-        add_comments_and_finish(data_rules_);
-        data_rules_.mark_stop_characters(reader.quoted_delimiters.delimiters.stop_chars,
-                                         starts_field_delimiter | starts_line_ending);
-        break;
-      }
-      case ParserType::FixedWidth: {
-        const textio::parser::FixedWidthRecordReader reader(opts_);
-        data_rules_.line_endings = string_matcher<CharT>(reader.line_delimiter);
-        add_comments_and_finish(data_rules_);
-        data_rules_.mark_stop_characters(reader.stop_chars, starts_line_ending);
-        widths_ = reader.field_widths;
-        // Without a given count, a fixed-width record has a variable per width.
-        if (!variables_ && !widths_.empty() && opts_.variable_names_line() == 0) variables_ = widths_.size();
-        break;
-      }
-      case ParserType::Line:
-        data_rules_.line_endings = raw_rules_.line_endings;
-        data_rules_.whitespace = raw_rules_.whitespace;
-        data_rules_.finish();
-        data_rules_.mark_stop_characters(line_reader.delimiters.stop_chars, starts_line_ending);
-        break;
-    }
+    // Without a given count, a fixed-width record has a variable per width.
+    const std::vector<std::uint64_t>& widths = rules_.widths;
+    if (opts_.parser_type() == ParserType::FixedWidth && !variables_ && !widths.empty() &&
+        opts_.variable_names_line() == 0)
+      variables_ = widths.size();
     if constexpr (sizeof(CharT) == 1) {
       // Plain delimited records are counted by the structural scan, whose
       // field count is the delimiter count plus one. It knows doubled quotes
@@ -281,74 +188,6 @@ class table_reader {
         }
       }
     }
-  }
-
-  void add_comments_and_finish(scan_rules<CharT>& rules) {
-    rules.comment_open = comment_matcher<CharT>(opts_.comment_style(), 0);
-    if (!rules.comment_open.empty()) rules.comment_close = comment_matcher<CharT>(opts_.comment_style(), 1);
-    rules.whitespace = opts_.whitespace();
-    rules.finish();
-  }
-
-  bool is_meta_line(std::uint64_t line) const noexcept {
-    return line == opts_.variable_names_line() || line == opts_.variable_units_line() ||
-           line == opts_.variable_descriptions_line();
-  }
-
-  source_position resolve(const window_position& at) const {
-    const view w = window_.view();
-    std::uint64_t column = at.pos - at.line_start;
-    if constexpr (sizeof(CharT) == 1) column = utf16_length(w.substr(at.line_start, at.pos - at.line_start));
-    return {at.line, column + 1};
-  }
-  source_position where(const raw_field& c) const {
-    return c.external ? external_[c.begin].where : resolve(rec_.position(c.start));
-  }
-  view text_of(view window, const raw_field& c) const {
-    return c.external ? external_[c.begin].text : rec_.text(window, c);
-  }
-
-  // A cell of text outside the window, whose place is known already.
-  raw_field external_cell(view text, source_position where, bool missing = false) {
-    raw_field c;
-    c.external = 1;
-    c.begin = static_cast<std::uint32_t>(external_.size());
-    external_.push_back({text, where, missing});
-    return c;
-  }
-
-  void clear_cells() {
-    cells_.clear();
-    external_.clear();
-  }
-
-  template <class Tag>
-  [[noreturn]] void fail(source_position p) const {
-    throw_msg_id_exception(Tag(p.line, p.column));
-  }
-
-  // The fields of the scanned record as cells, by the parser's rules. False
-  // when the record gives no row.
-  bool record_cells() {
-    clear_cells();
-    const view w = window_.view();
-    switch (opts_.parser_type()) {
-      case ParserType::Delimited:
-      case ParserType::Tabular:
-        // The kept fields become the cells as they are, without a copy.
-        keep_delimited_fields();
-        cells_.swap(rec_.fields);
-        return true;
-      case ParserType::Line:
-        cells_.push_back(rec_.fields[0]);
-        return true;
-      case ParserType::FixedWidth:
-        if constexpr (sizeof(CharT) == 2) {
-          return fixed_width_cells(rec_.text(w, rec_.fields[0]), rec_.position(rec_.fields[0].start).line, false);
-        }
-        return false;
-    }
-    return false;
   }
 
   void more() {
@@ -373,20 +212,6 @@ class table_reader {
     return true;
   }
 
-  // Leaves in rec_.fields the fields of a delimited record that its
-  // delimiter rules keep; gives their number.
-  std::size_t keep_delimited_fields() {
-    if (keeps_every_field(delimiter_rules_)) return rec_.fields.size();
-    const delimiter_outcome outcome = apply_delimiter_rules(rec_.fields, delimiter_rules_);
-    if (outcome.fault != delimiter_fault::none) {
-      const source_position p = resolve(rec_.position(rec_.delimiters[outcome.field]));
-      if (outcome.fault == delimiter_fault::leading) fail<reader_error::LeadingDelimiter>(p);
-      if (outcome.fault == delimiter_fault::trailing) fail<reader_error::TrailingDelimiter>(p);
-      fail<reader_error::ConsecutiveDelimiters>(p);
-    }
-    return rec_.fields.size();
-  }
-
   // The field count of a record that is only counted (see counting_).
   void count_record(std::size_t fields) {
     if (!variables_) variables_ = fields;
@@ -395,240 +220,49 @@ class table_reader {
     sink_.record_count(*variables_);
   }
 
-  // Cuts a fixed-width record (the pending units of an earlier line first).
-  // `final`: no line follows, so a record to be wrapped is kept as it is.
-  bool fixed_width_cells(std::u16string_view line_text, std::uint64_t line, bool final) {
-    if constexpr (sizeof(CharT) == 2) {
-      std::u16string_view record_text = line_text;
-      if (!pending_units_.empty()) {
-        fixed_text_ = pending_units_;
-        fixed_text_ += line_text;
-        pending_units_.clear();
-        record_text = fixed_text_;
-      }
-      const fixed_width_cut cut = cut_fixed_width(record_text, widths_, opts_.whitespace());
-      const auto column = [&](std::size_t offset) { return source_position{line, offset + 1}; };
-      std::optional<std::size_t> filled;
-      if (cut.short_record) {
-        switch (opts_.partial_field_rule()) {
-          case PartialFieldRule::Keep:
-            break;
-          case PartialFieldRule::OmitRow:
-            return false;
-          case PartialFieldRule::OmitVar:
-            mark_omitted(cut.incomplete);
-            break;
-          case PartialFieldRule::Fill:
-            filled = cut.incomplete;
-            break;
-          case PartialFieldRule::Wrap:
-            if (final) break;
-            pending_units_.assign(record_text);
-            return false;
-          case PartialFieldRule::Error:
-            fail<reader_error::PartialField>(column(record_text.size()));
-        }
-      }
-      for (std::size_t i = 0; i < cut.fields.size(); ++i) {
-        cells_.push_back(external_cell(record_text.substr(cut.fields[i].begin, cut.fields[i].length),
-                                       column(cut.fields[i].offset), filled && *filled == i));
-      }
-      if (cut.has_extra) {
-        switch (opts_.extra_columns_rule()) {
-          case ExtraColumnsRule::AddVars: {
-            std::size_t b = cut.extra_begin;
-            std::size_t e = record_text.size();
-            const std::u16string_view ws = opts_.whitespace();
-            while (b < e && ws.find(record_text[b]) != std::u16string_view::npos) ++b;
-            while (e > b && ws.find(record_text[e - 1]) != std::u16string_view::npos) --e;
-            cells_.push_back(external_cell(record_text.substr(b, e - b), column(cut.extra_begin)));
-            break;
-          }
-          case ExtraColumnsRule::Ignore:
-            break;
-          case ExtraColumnsRule::Wrap:
-            // With a record width of 0 no record could ever take them.
-            if (cut.extra_begin > 0) next_pending_.assign(record_text.substr(cut.extra_begin));
-            break;
-          case ExtraColumnsRule::Error:
-            fail<reader_error::ExtraColumns>(column(cut.extra_begin));
-        }
-      }
-      return true;
-    } else {
-      (void)line_text;
-      (void)line;
-      (void) final;
-      return false;
-    }
-  }
-
-  void mark_omitted(std::size_t variable) {
-    if (omitted_.size() <= variable) omitted_.resize(variable + 1, false);
-    omitted_[variable] = true;
-  }
-
   void send_header() {
     if (header_sent_) return;
     header_sent_ = true;
-    if (!buffering_) sink_.header(header_values({}));
-  }
-
-  table_header header_values(const std::vector<bool>& omitted) const {
-    table_header h;
-    const auto fill = [&](const std::vector<string>& texts, std::vector<output_value>& out) {
-      for (std::size_t i = 0; i < texts.size(); ++i) {
-        if (i < omitted.size() && omitted[i]) continue;
-        out.push_back(text_value(texts[i]));
-      }
-    };
-    fill(names_, h.names);
-    fill(units_, h.units);
-    fill(descriptions_, h.descriptions);
-    if (!typing_.empty()) {
-      const std::size_t count = std::max({typing_.size(), names_.size(), variables_.value_or(0)});
-      for (std::size_t i = 0; i < count; ++i) {
-        if (i < omitted.size() && omitted[i]) continue;
-        const std::string_view name = type_name(i < typing_.size() ? typing_[i].type : value_type::string);
-        if (h.types.empty() || h.types.back().name != name) h.types.push_back({name, 0});
-        ++h.types.back().count;
-      }
-    }
-    return h;
-  }
-
-  static output_value text_value(view t) {
-    output_value v;
-    v.kind = value_kind::text;
-    if constexpr (sizeof(CharT) == 1) {
-      v.bytes = t;
-    } else {
-      v.utf16 = true;
-      v.units = t;
-    }
-    return v;
+    if (!buffering_) sink_.header(header_.values({}, values_.typing(), variables_));
   }
 
   void take_meta_line(std::uint64_t line) {
     std::vector<string> texts;
-    if (!rec_.empty && record_cells()) {
-      const view w = window_.view();
-      for (const raw_field& c : cells_) texts.emplace_back(text_of(w, c));
+    const view w = window_.view();
+    if (!rec_.empty && shaper_.take_cells(rec_, w)) {
+      for (const raw_field& c : shaper_.cells().cells) texts.emplace_back(shaper_.cells().text_of(w, c));
     }
-    pending_units_.clear();
-    next_pending_.clear();
-    if (line == opts_.variable_names_line() && text_.variable_names.empty()) {
-      names_ = texts;
-      if (!variables_) variables_ = names_.size();
-    }
-    if (line == opts_.variable_units_line()) units_ = texts;
-    if (line == opts_.variable_descriptions_line()) descriptions_ = std::move(texts);
+    shaper_.drop_waiting_units();
+    header_.take(line, std::move(texts), variables_);
   }
 
   void data_record() {
     if (rec_.empty) {
-      if (rec_.had_comment) return;
-      if (opts_.parser_type() == ParserType::Line) {
-        if (!reads_empty_lines_) return;
-      } else {
-        switch (opts_.empty_line_rule()) {
-          case EmptyLineRule::Skip:
-            return;
-          case EmptyLineRule::Error:
-            fail<reader_error::EmptyLine>({rec_.position(rec_.fields.front().start).line, 1});
-          case EmptyLineRule::Read:
-            send_header();
-            if (counting_) return count_record(variables_ ? *variables_ : 1);
-            clear_cells();
-            if (!variables_) variables_ = 1;
-            shape_and_emit();
-            return;
-        }
+      switch (shaper_.on_empty(rec_)) {
+        case empty_record::skip:
+          return;
+        case empty_record::empty_row:
+          send_header();
+          if (counting_) return count_record(variables_ ? *variables_ : 1);
+          shaper_.start_empty();
+          if (!variables_) variables_ = 1;
+          shape_and_emit();
+          return;
+        case empty_record::as_record:
+          break;
       }
     }
     send_header();
     if (counting_) {
       if (opts_.parser_type() == ParserType::Line) return count_record(1);
-      return count_record(keep_delimited_fields());
+      return count_record(shaper_.keep_delimited_fields(rec_, window_.view()));
     }
-    if (!record_cells()) return;
+    if (!shaper_.take_cells(rec_, window_.view())) return;
     shape_and_emit();
-    if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
+    shaper_.end_record();
   }
 
-  void shape_and_emit() {
-    // Wrapped extra fields of the previous record come first.
-    current_carry_ = std::move(carry_);
-    carry_.clear();
-    for (auto o = current_carry_.rbegin(); o != current_carry_.rend(); ++o) {
-      raw_field c = external_cell(o->content, o->where);
-      c.quoted = o->quoted;
-      cells_.push_front(c);
-    }
-    if (!variables_) variables_ = cells_.size();
-    if (cells_.size() > *variables_) {
-      switch (opts_.extra_columns_rule()) {
-        case ExtraColumnsRule::AddVars:
-          variables_ = cells_.size();
-          break;
-        case ExtraColumnsRule::Ignore:
-          cells_.resize(*variables_);
-          break;
-        case ExtraColumnsRule::Wrap:
-          // With no variables no record could ever take them.
-          for (std::size_t i = *variables_; *variables_ > 0 && i < cells_.size(); ++i) {
-            carry_.push_back({string(text_of(window_.view(), cells_[i])), cells_[i].quoted != 0, where(cells_[i])});
-          }
-          cells_.resize(*variables_);
-          break;
-        case ExtraColumnsRule::Error:
-          fail<reader_error::ExtraColumns>(where(cells_[*variables_]));
-      }
-    }
-    // Fields the record lacks are missing; they are a count, not cells.
-    emit(cells_.size() < *variables_ ? *variables_ - cells_.size() : 0);
-  }
-
-  bool is_missing(const raw_field& c, view t) const {
-    if (c.external && external_[c.begin].missing) return true;
-    if (c.quoted) return false;
-    if (!data_rules_.trim) {
-      while (!t.empty() && (data_rules_.classes(t.front()) & is_whitespace) != 0) t.remove_prefix(1);
-      while (!t.empty() && (data_rules_.classes(t.back()) & is_whitespace) != 0) t.remove_suffix(1);
-    }
-    if (t.empty()) return true;
-    for (const string& p : placeholders_) {
-      if (t == p) return true;
-    }
-    return false;
-  }
-
-  // Whether a field that did not convert is a missing marker detected for
-  // its variable.
-  bool is_typed_marker(std::size_t i, view text) const {
-    for (const auto& [variable, marker] : typed_markers_) {
-      if (variable == i && text == marker) return true;
-    }
-    return false;
-  }
-
-  // Applies a missing or import-error rule to field i: Fill keeps the field
-  // as it is, OmitVar marks its variable, Error fails; false for OmitRow.
-  template <class ErrorTag>
-  bool keep_row_under(BadDataRule rule, std::size_t i, const raw_field& c) {
-    switch (rule) {
-      case BadDataRule::Fill:
-        return true;
-      case BadDataRule::OmitRow:
-        return false;
-      case BadDataRule::OmitVar:
-        mark_omitted(i);
-        return true;
-      case BadDataRule::Error:
-        fail<ErrorTag>(where(c));
-    }
-    return true;
-  }
+  void shape_and_emit() { emit(shaper_.shape(window_.view(), variables_)); }
 
   // Hands on the record's cells followed by `padding` missing values. A
   // record longer than a part goes to a sink that takes parts as its values
@@ -636,144 +270,35 @@ class table_reader {
   // the rules alone, so that no part of a dropped record is written and its
   // values are never held whole.
   void emit(std::size_t padding) {
-    const bool in_parts = parts_ && cells_.size() > record_part_size;
-    if (in_parts && rules_may_drop_ && !make_values(padding, values_use::check)) return;
-    if (!make_values(padding, in_parts ? values_use::parts : values_use::whole)) return;
+    using use = typename value_stage<CharT>::use;
+    const view w = window_.view();
+    const record_cells<CharT>& record = shaper_.cells();
+    const bool in_parts = parts_ && record.cells.size() > value_stage<CharT>::record_part_size;
+    if (in_parts && rules_may_drop_ && !values_.make(record, w, padding, use::check, sink_)) return;
+    if (!values_.make(record, w, padding, in_parts ? use::parts : use::whole, sink_)) return;
     if (!buffering_) {
-      sink_.padded_record(values_, padding);
+      sink_.padded_record(values_.values(), padding);
       return;
     }
-    table_.add_row(values_, padding);
-  }
-
-  // check: the rules only, no values; parts: values_ is handed to the sink
-  // whenever it holds a part, and keeps the rest; whole: values_ takes all.
-  enum class values_use { check, parts, whole };
-
-  // The record's values under the missing and import-error rules; false when
-  // a rule drops the record.
-  bool make_values(std::size_t padding, values_use use) {
-    values_.clear();
-    if (use != values_use::check) values_.reserve(std::min(cells_.size(), record_part_size));
-    const bool matrix = opts_.output_type() == OutputBuilderType::Matrix;
-    const view w = window_.view();
-    std::size_t i = 0;
-    for (const raw_field& c : cells_) {
-      const view text = text_of(w, c);
-      output_value v;
-      if (is_missing(c, text)) {
-        if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
-      } else if (matrix) {
-        v.kind = value_kind::number;
-        if (const auto number = to_number(text, format_)) {
-          v.number = *number;
-        } else {
-          v.number = std::numeric_limits<double>::quiet_NaN();
-          if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) return false;
-        }
-      } else if (i < typing_.size() && typing_[i].type != value_type::string) {
-        if (!convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) {
-          v = output_value{};
-          if (is_typed_marker(i, text)) {
-            if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), i, c)) return false;
-          } else if (!keep_row_under<reader_error::ImportError>(opts_.import_error_rule(), i, c)) {
-            return false;
-          }
-        }
-      } else if (use != values_use::check) {
-        v = text_value(text);
-      }
-      ++i;
-      if (use == values_use::check) continue;
-      if (use == values_use::parts && values_.size() == record_part_size) {
-        sink_.record_part(values_);
-        values_.clear();
-      }
-      values_.push_back(v);
-    }
-    if (padding > 0) {
-      // Where the record ends (no place for one made of waiting fields).
-      raw_field first = record_in_window_ ? raw_field{} : external_cell({}, {}, true);
-      if (!first.external) first.start = static_cast<std::uint32_t>(rec_.end.pos);
-      if (opts_.missing_rule() == BadDataRule::OmitVar) {
-        mark_omitted(cells_.size() + padding - 1);
-        std::fill(omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size()),
-                  omitted_.begin() + static_cast<std::ptrdiff_t>(cells_.size() + padding), true);
-      } else if (!keep_row_under<reader_error::MissingValue>(opts_.missing_rule(), cells_.size(), first)) {
-        return false;
-      }
-    }
-    return true;
-  }
-
-  // The physical lines left in the input, counted by their line endings
-  // without scanning records.
-  std::uint64_t count_lines_left() {
-    const scan_rules<CharT>& rules = raw_rules_;
-    std::uint64_t lines = 0;
-    bool open_line = false;  // units after the last line ending
-    for (;;) {
-      const view w = window_.view();
-      std::size_t pos = 0;
-      while (pos < w.size()) {
-        if ((rules.classes(w[pos]) & starts_line_ending) == 0) {
-          open_line = true;
-          ++pos;
-          continue;
-        }
-        if (!window_.at_end() && pos + rules.lookahead > w.size()) break;
-        const std::size_t ending = rules.line_endings.match(w, pos);
-        if (ending == 0) {
-          open_line = true;
-          ++pos;
-          continue;
-        }
-        ++lines;
-        open_line = false;
-        pos += ending;
-      }
-      window_.consume(pos);
-      if (!window_.at_end() && window_.more()) continue;
-      if (!window_.view().empty() && window_.at_end()) continue;
-      break;
-    }
-    return lines + (open_line ? 1 : 0);
+    omitted_.keep_row(values_.values(), padding);
   }
 
   void finish() {
     // Units or fields still waiting for a line that never came.
-    if constexpr (sizeof(CharT) == 2) {
-      while (!pending_units_.empty()) {
-        send_header();
-        const std::u16string waiting = std::exchange(pending_units_, {});
-        clear_cells();
-        record_in_window_ = false;
-        if (fixed_width_cells(waiting, 0, true)) shape_and_emit();
-        if (!next_pending_.empty()) pending_units_ = std::exchange(next_pending_, {});
-      }
-    }
-    while (!carry_.empty()) {
+    while (shaper_.has_waiting_units()) {
       send_header();
-      clear_cells();
-      record_in_window_ = false;
+      if (shaper_.cut_waiting_units()) shape_and_emit();
+      shaper_.end_record();
+    }
+    while (shaper_.has_waiting_fields()) {
+      send_header();
+      shaper_.start_waiting_fields();
       shape_and_emit();
     }
     send_header();
     if (!buffering_) return;
-    sink_.header(header_values(omitted_));
-    std::vector<output_value> out;
-    table_.for_each_row([&](std::span<const output_value> row, std::size_t padding) {
-      out.clear();
-      for (std::size_t i = 0; i < row.size(); ++i) {
-        if (i < omitted_.size() && omitted_[i]) continue;
-        out.push_back(row[i]);
-      }
-      std::size_t kept_padding = 0;
-      for (std::size_t i = row.size(); i < row.size() + padding; ++i) {
-        if (i >= omitted_.size() || !omitted_[i]) ++kept_padding;
-      }
-      sink_.padded_record(out, kept_padding);
-    });
+    sink_.header(header_.values(omitted_.marks(), values_.typing(), variables_));
+    omitted_.send_rows(sink_);
   }
 
   textio::parser::options opts_;
@@ -785,50 +310,29 @@ class table_reader {
   const stray_quote_callback& stray_quote_;
   read_summary summary_;
 
-  scan_rules<CharT> raw_rules_;
-  scan_rules<CharT> data_rules_;
+  reader_scan_rules<CharT> rules_;
+  const scan_rules<CharT>& raw_rules_ = rules_.lines;
+  const scan_rules<CharT>& data_rules_ = rules_.data;
   record_scanner<CharT> raw_scanner_{raw_rules_};
   record_scanner<CharT> data_scanner_{data_rules_};
   scanned_record<CharT> rec_;
 
   std::uint64_t header_lines_ = 0;
   std::optional<std::size_t> variables_;
-  bool reads_empty_lines_ = false;
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
-  bool parts_ = false;  // values handed on in parts of record_part_size
-  bool rules_may_drop_ = false;  // a missing or import-error rule may drop or fail a record
-  static constexpr std::size_t record_part_size = 4096;
+  bool parts_ = false;                         // values handed on in parts of record_part_size
+  bool rules_may_drop_ = false;                // a missing or import-error rule may drop or fail a record
   std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
   std::uint64_t first_counted_line_ = 0;       // after header and meta lines
-  delimiter_rule_set delimiter_rules_;
-  number_format format_;
-  std::vector<string> placeholders_;
-  std::vector<std::uint64_t> widths_;
 
-  std::vector<string> names_;
-  std::vector<string> units_;
-  std::vector<string> descriptions_;
+  header_lines<CharT> header_;
 
-  field_list cells_;
-  std::vector<external_text> external_;
-  bool record_in_window_ = true;           // false for fields still waiting at the end
-  std::vector<output_value> values_;
-  std::vector<owned_cell> carry_;
-  std::vector<owned_cell> current_carry_;
-  std::u16string pending_units_;
-  std::u16string next_pending_;
-  std::u16string fixed_text_;
-  std::vector<bool> omitted_;
-  compact_table<CharT> table_;
   std::uint64_t line_ = 1;  // the physical line of the record being read
-
-  std::vector<variable_typing> typing_;  // Table: the type of each variable by position
-  std::vector<conversion_settings> conversions_;
-  std::vector<std::string> canonical_;  // per variable: the text of its datetime or duration value
-  std::vector<std::pair<std::size_t, string>> typed_markers_;
-  bool converts_ = false;  // Matrix, or Table with types
+  omitted_variables<CharT> omitted_;
+  record_shaper<CharT> shaper_;
+  value_stage<CharT> values_;
 };
 
 }  // namespace
