@@ -46,6 +46,16 @@ TEST_P(DetectRoundTrip, ArgumentsReadAsReadDoes) {
   EXPECT_TRUE(d["encoding"].is_string() && d["variable_names"].is_array() && d["reasons"].is_object() &&
               d["confidence"] >= 0 && d["confidence"] <= 1)
       << d.dump();
+  // The record shows the detected delimiter, the one the arguments give.
+  const auto& args = report["arguments"];
+  for (std::size_t i = 0; i + 1 < args.size(); ++i) {
+    if (args[i] != "Delimiter") continue;
+    nlohmann::json given = parse(args[i + 1].get<std::string>());
+    if (given.is_string()) given = nlohmann::json::array({given});
+    if (given.is_array()) {
+      EXPECT_EQ(report["options"]["delimiter"], given);
+    }
+  }
   const auto read = run_tool(joined({"read", path}, c.args));
   const auto again =
       run_tool(joined({"read", path, "--no-detect"}, report["arguments"].get<std::vector<std::string>>()));
