@@ -36,9 +36,9 @@ struct window_position {
 // max_record_units long. The record turns offsets into lines and line starts
 // (scanned_record::position) when an error is reported.
 struct raw_field {
-  std::uint32_t begin = 0;   // first unit, in the window or in scratch
-  std::uint32_t length = 0;  // after trimming
-  std::uint32_t start = 0;   // where the field's text starts in the window
+  std::uint32_t begin = 0;           // first unit, in the window or in scratch
+  std::uint32_t length = 0;          // after trimming
+  std::uint32_t start = 0;           // where the field's text starts in the window
   std::uint32_t in_scratch : 1 = 0;  // begin is in the record's scratch
   std::uint32_t quoted : 1 = 0;
   // Text that is not the record's: a field its reader adds, whose begin
