@@ -59,14 +59,34 @@ raw_field quoted_field(std::string_view t, std::size_t b, std::size_t e, char qu
   return f;
 }
 
+// The line starts of a record whose quoted fields hold line endings, and the
+// line and line start of its end; false unless its last line is `last_line`.
+bool find_line_starts(std::string_view record, const scan_rules<char>& rules, scanned_record<char>& out,
+                      std::uint64_t last_line) {
+  std::uint64_t line = out.first_line;
+  for (std::size_t p = 0; p < record.size();) {
+    const std::size_t ending =
+        (rules.classes(record[p]) & starts_line_ending) != 0 ? rules.line_endings.match(record, p) : 0;
+    if (ending == 0) {
+      ++p;
+      continue;
+    }
+    p += ending;
+    ++line;
+    out.line_starts.push_back(static_cast<std::uint32_t>(p));
+  }
+  if (line != last_line) return false;
+  out.end.line = line;
+  out.end.line_start = out.line_starts.back();
+  return true;
+}
+
 }  // namespace
 
 bool fill_scanned_record(std::string_view text, const structural_record& r, const scan_rules<char>& rules,
                          scanned_record<char>& out) {
-  // A comment after text ends its field where the record scanner removes it;
-  // a line ending inside quotes needs the line starts.
+  // A comment after text ends its field where the record scanner removes it.
   if (r.had_comment && !r.empty) return false;
-  if (r.next_line != r.line + (r.next != r.end ? 1 : 0)) return false;
   if (r.next - r.begin >= rules.max_record_units) return false;
 
   const std::string_view t = text.substr(r.begin);
@@ -81,6 +101,8 @@ bool fill_scanned_record(std::string_view text, const structural_record& r, cons
   out.next_line = r.next_line;
   out.consumed = r.next - r.begin;
   out.end = {r.line, 0, r.end - r.begin};
+  const std::uint64_t last_line = r.next_line - (r.next != r.end ? 1 : 0);
+  if (last_line != r.line && !find_line_starts(t.substr(0, r.end - r.begin), rules, out, last_line)) return false;
   const auto blank = [&rules](char u) { return (rules.classes(u) & is_whitespace) != 0; };
   if (r.had_comment) {
     // Whitespace and a comment: one empty field from the marker on.

@@ -1,9 +1,8 @@
 // The fields of a record that the structural scan found, in the form the
 // record scanner gives them (scanned_record): trimmed unquoted text, quoted
-// text with doubled quotes made single, the flags and places that record
-// shaping and values read. Records it does not settle (a comment after text,
-// a quoted line ending, one longer than the rules allow) stay with the exact
-// scanner.
+// text with doubled quotes made single, the flags, lines and places that
+// record shaping and values read. Records it does not settle (a comment after
+// text, one longer than the rules allow) stay with the exact scanner.
 #pragma once
 
 #include <string_view>
