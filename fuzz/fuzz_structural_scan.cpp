@@ -1,8 +1,8 @@
 // Runs the structural scan and the exact record scanner on fuzzed text under
 // fuzzed delimiters, line endings, comment marker and whitespace, wherever
 // the structural scan covers the settings: both must find the same records
-// and fields, with every kernel the CPU runs, for the whole text and for a
-// window that ends early.
+// and fields (and the same field texts once filled in), with every kernel
+// the CPU runs, for the whole text and for a window that ends early.
 //
 // Input: three bytes of settings and one for the window's end, then the text (bytes outside the alphabet
 // map into it, so seeds can be plain text).
@@ -75,6 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto whole = structural_check::structural_records(rules, *classes, text, true, target);
     if (whole.failed != exact.failed) fail("failure", target);
     if (whole.records != exact.records) fail("records", target);
+    const std::string filled = structural_check::filled_records_disagree(rules, *classes, text, target);
+    if (!filled.empty()) fail(filled.c_str(), target);
     const auto part =
         structural_check::structural_records(rules, *classes, std::string_view(text).substr(0, cut), false, target);
     if (!same_prefix(part, exact)) fail("records of a window that ends early", target);

@@ -1,7 +1,8 @@
 // Reads fuzzed bytes as a text file under a fuzzed set of options: whatever
 // the bytes and options, the reader ends normally or with one of its
 // messages, and what it hands on is well formed (a header first, text that
-// is valid UTF-8 on the byte path). The input is cut into reads of a fuzzed
+// is valid UTF-8 on the byte path) and the same with the structural scan on
+// and off. The input is cut into reads of a fuzzed
 // size, so records break across the window at every place.
 #include <sys/mman.h>
 #include <unistd.h>
@@ -27,6 +28,22 @@ namespace {
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "invariant broken: %s\n", what);
   std::abort();
+}
+
+// A log with its control bytes and non-ASCII bytes as \xNN.
+std::string printable(const std::string& log) {
+  std::string out;
+  for (const char c : log) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte < 0x7f) {
+      out += c;
+    } else {
+      char hex[8];
+      std::snprintf(hex, sizeof hex, "\\x%02x", byte);
+      out += hex;
+    }
+  }
+  return out;
 }
 
 // Units that matter to the reader, and a few that test the encodings.
@@ -104,28 +121,47 @@ hv::Value draw_value(fuzz::FuzzInput& in, const option_kind& kind) {
   return hv::Value::none();
 }
 
-// Checks the order of calls and the values.
+// Checks the order of calls and the values, and writes down what it gets.
 class checking_sink : public textio::import::record_sink {
  public:
   void header(const textio::import::table_header& h) override {
     if (header_seen_) fail("header twice");
     header_seen_ = true;
-    for (const auto* list : {&h.names, &h.units, &h.descriptions}) check(*list);
+    for (const auto* list : {&h.names, &h.units, &h.descriptions}) {
+      check(*list);
+      log += 'H';
+      write_down(*list);
+    }
+    for (const auto& run : h.types) log += std::string(run.name) + "*" + std::to_string(run.count) + ";";
   }
   void record(std::span<const textio::import::output_value> values) override {
     if (!header_seen_) fail("record before header");
     check(values);
     ++records;
     fields += values.size();
+    log += 'R';
+    write_down(values);
   }
   std::uint64_t records = 0;
   std::uint64_t fields = 0;
+  std::string log;  // every value handed on, in order
 
  private:
   static void check(std::span<const textio::import::output_value> values) {
     for (const auto& v : values) {
       if (v.kind != textio::import::value_kind::text) continue;
       if (!v.utf16 && textio::import::check_utf8(v.bytes).valid != v.bytes.size()) fail("text is not UTF-8");
+    }
+  }
+  void write_down(std::span<const textio::import::output_value> values) {
+    for (const auto& v : values) {
+      log += static_cast<char>('0' + static_cast<int>(v.kind));
+      log.append(v.bytes);
+      // As bytes: the units are not always aligned for char16_t.
+      log.append(reinterpret_cast<const char*>(v.units.data()), v.units.size() * sizeof(char16_t));
+      log.append(reinterpret_cast<const char*>(&v.number), sizeof v.number);
+      log.append(reinterpret_cast<const char*>(&v.integer), sizeof v.integer);
+      log += '\x1f';
     }
   }
   bool header_seen_ = false;
@@ -181,30 +217,46 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const int fd = ::memfd_create("fuzz_text_reader", 0);
   if (fd < 0) return 0;
   if (!file.empty() && ::write(fd, file.data(), file.size()) != static_cast<ssize_t>(file.size())) fail("write");
-  ::lseek(fd, 0, SEEK_SET);
+
+  // Reads the file into `sink`: the message that ended reading, empty when
+  // none, then the warnings and what was left unread.
+  const auto read = [&](textio::import::record_sink& sink, bool structural) {
+    ::lseek(fd, 0, SEEK_SET);
+    format.structural_scan = structural;
+    std::string outcome;
+    const auto stray = [&outcome](std::uint64_t line, std::uint64_t column) {
+      outcome += "stray quote " + std::to_string(line) + ":" + std::to_string(column) + ";";
+    };
+    try {
+      textio::import::utf8_input input(fd, "fuzz");
+      input.limit_reads(read_size);
+      const auto summary = textio::import::read_table(record, input, sink, format, {}, stray);
+      outcome = "read all;" + outcome + std::to_string(summary.lines_left_unread);
+    } catch (const foundation::core::except::IMsgIDException& e) {
+      // A reading error is a normal end.
+      outcome = std::string(e.what()) + ";" + outcome;
+    }
+    return outcome;
+  };
   checking_sink sink;
-  bool read_all = false;
-  try {
-    textio::import::utf8_input input(fd, "fuzz");
-    input.limit_reads(read_size);
-    textio::import::read_table(record, input, sink, format);
-    read_all = true;
-  } catch (const foundation::core::except::IMsgIDException&) {
-    // A reading error is a normal end.
+  const std::string outcome = read(sink, true);
+  // The exact scanner alone must read the same.
+  checking_sink exact;
+  const std::string exact_outcome = read(exact, false);
+  if (exact_outcome != outcome || exact.log != sink.log) {
+    std::fprintf(stderr, "with the structural scan: %s\n%s\nwithout: %s\n%s\n", outcome.c_str(),
+                 printable(sink.log).c_str(), exact_outcome.c_str(), printable(exact.log).c_str());
+    fail("the structural scan changes what is read");
   }
   // Counting takes shorter ways; it must come to the same numbers.
-  counting_sink counter;
-  bool counted_all = false;
-  ::lseek(fd, 0, SEEK_SET);
-  try {
-    textio::import::utf8_input input(fd, "fuzz");
-    input.limit_reads(read_size);
-    textio::import::read_table(record, input, counter, format);
-    counted_all = true;
-  } catch (const foundation::core::except::IMsgIDException&) {
+  for (const bool structural : {true, false}) {
+    counting_sink counter;
+    const std::string counted = read(counter, structural);
+    if (counted.starts_with("read all;") != outcome.starts_with("read all;"))
+      fail("counting and reading disagree on failing");
+    if (outcome.starts_with("read all;") && (counter.records != sink.records || counter.fields != sink.fields))
+      fail("count differs");
   }
   ::close(fd);
-  if (read_all != counted_all) fail("counting and reading disagree on failing");
-  if (read_all && (counter.records != sink.records || counter.fields != sink.fields)) fail("count differs");
   return 0;
 }

@@ -1,7 +1,8 @@
 // The records of a text as the exact record scanner finds them and as the
 // structural scan finds them (handing the records it does not cover to the
-// exact scanner, as the reader does), in a form to compare. Shared by the
-// differential fuzz target and the unit tests.
+// exact scanner, as the reader does), in a form to compare; and the fields
+// that fill_scanned_record makes of them against the exact scanner's. Shared
+// by the differential fuzz target and the unit tests.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "import/record_scanner.hpp"
+#include "import/structural_fields.hpp"
 #include "import/structural_scan.hpp"
 #include "zvcore/exceptions.hpp"
 #include "zvdelim/get_or_create_delim.hpp"
@@ -127,6 +129,58 @@ inline found_records structural_records(const scan_rules<char>& rules,
     if (!exact_record(rules, text, at_end, pos, line, out)) break;
   }
   return out;
+}
+
+// Where the fields that fill_scanned_record makes of the structural scan's
+// records of the whole `text` differ from the exact scanner's (their text,
+// start, quotes and delimiters, and the record's lines, end and emptiness);
+// empty when they agree. The records it leaves to the exact scanner are
+// skipped.
+inline std::string filled_records_disagree(const scan_rules<char>& rules,
+                                           const textio::import::structural_classes& classes, std::string_view text,
+                                           std::int64_t target) {
+  using namespace textio::import;
+  structural_scanner scanner(classes, true, target);
+  record_scanner<char> exact_scanner(rules);
+  scanned_record<char> filled;
+  scanned_record<char> exact;
+  std::string problem;
+  std::size_t pos = 0;
+  std::uint64_t line = 1;
+  for (;;) {
+    const std::string_view window = text.substr(pos);
+    const auto r = scanner.scan(window, true, line, [&](const structural_record& s) {
+      if (!problem.empty() || !fill_scanned_record(window, s, rules, filled)) return true;
+      const std::string_view at = window.substr(s.begin);
+      if (exact_scanner.scan(at, true, s.line, exact) != scan_result::record) {
+        problem = "no exact record";
+        return true;
+      }
+      const auto where = [&](const char* what) {
+        return std::string(what) + " of the record at " + std::to_string(pos + s.begin);
+      };
+      if (filled.fields.size() != exact.fields.size()) problem = where("field count");
+      for (std::size_t i = 0; problem.empty() && i < exact.fields.size(); ++i) {
+        const raw_field& a = filled.fields[i];
+        const raw_field& b = exact.fields[i];
+        if (filled.text(at, a) != exact.text(at, b)) problem = where("field text");
+        if (a.start != b.start || a.quoted != b.quoted) problem = where("field start or quote");
+      }
+      if (filled.delimiters != exact.delimiters) problem = where("delimiters");
+      if (filled.consumed != exact.consumed || filled.first_line != exact.first_line ||
+          filled.next_line != exact.next_line || filled.end.pos != exact.end.pos || filled.end.line != exact.end.line ||
+          filled.end.line_start != exact.end.line_start || filled.line_starts != exact.line_starts)
+        problem = where("extent");
+      if (filled.empty != exact.empty || filled.had_comment != exact.had_comment) problem = where("flags");
+      return true;
+    });
+    pos += r.consumed;
+    line = r.next_line;
+    if (r.what != structural_scanner::stop::exact || !problem.empty()) break;
+    found_records ignored;
+    if (!exact_record(rules, text, true, pos, line, ignored)) break;
+  }
+  return problem;
 }
 
 }  // namespace structural_check

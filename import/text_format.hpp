@@ -32,6 +32,10 @@ struct text_format {
   // Names to use instead of those of the options' names line, e.g. a header
   // spread over several lines joined column by column. Empty: none.
   std::vector<std::string> variable_names;
+  // Read the records that the structural scan covers through it (plain
+  // delimited UTF-8 text, quotes doubled); false reads every record with the
+  // exact scanner, which gives the same output more slowly.
+  bool structural_scan = true;
 };
 
 }  // namespace textio::import

@@ -1,11 +1,11 @@
 // The reader's driver: it wires the stages together. Input comes through a
-// window of units (unit_window); the record scanner (or, for plain counting,
-// the structural scan) finds each record by the rules of scan_setup; header
-// and names, units and descriptions lines go to header_lines; data records
-// are shaped into cells (record_shaping), turned into values (value_stage)
-// and handed to the sink, or held while OmitVar rules may still drop a
-// variable (omitted_variables); what follows the table's end is counted
-// (lines_left).
+// window of units (unit_window); the structural scan (plain delimited UTF-8
+// text, with structural_fields) or the exact record scanner finds each record
+// by the rules of scan_setup; header and names, units and descriptions lines
+// go to header_lines; data records are shaped into cells (record_shaping),
+// turned into values (value_stage) and handed to the sink, or held while
+// OmitVar rules may still drop a variable (omitted_variables); what follows
+// the table's end is counted (lines_left).
 #include "import/text_reader.hpp"
 
 #include <algorithm>
@@ -26,6 +26,7 @@
 #include "import/record_scanner.hpp"
 #include "import/record_shaping.hpp"
 #include "import/scan_setup.hpp"
+#include "import/structural_fields.hpp"
 #include "import/structural_scan.hpp"
 #include "import/unit_window.hpp"
 #include "import/value_stage.hpp"
@@ -89,18 +90,28 @@ class table_reader {
       const bool header_line = line <= header_lines_;
       const bool meta = !header_sent_ && header_.is_meta_line(line);
       if constexpr (sizeof(CharT) == 1) {
-        if (counter_ && line >= first_counted_line_) {
-          const auto r = counter_->scan(window_.view(), window_.at_end(), line,
-                                        [this](const structural_record& rec) { return counted_fast(rec); });
-          window_.consume(r.consumed);
+        if (structural_ && line >= first_structural_line_ && window_.view().size() <= data_rules_.max_record_units) {
+          const view w = window_.view();
+          std::size_t taken = 0;  // of the window, up to the record being read
+          const auto r = structural_->scan(w, window_.at_end(), line, [&](const structural_record& rec) {
+            if (counting_) return counted_fast(rec);
+            if (text_.table_end_line && rec.line >= *text_.table_end_line) return false;
+            if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
+            // Shaping and values read the record at the start of the window.
+            window_.consume(rec.begin - taken);
+            taken = rec.begin;
+            line = rec.line;
+            data_record();
+            return true;
+          });
+          window_.consume(r.consumed - taken);
           line = r.next_line;
-          if (r.what == structural_scanner::stop::need_more) {
-            more();
-            continue;
-          }
           if (r.what == structural_scanner::stop::end_of_input) break;
           if (text_.table_end_line && line >= *text_.table_end_line) continue;
-          // Otherwise the full scanner takes the next record.
+          // Otherwise the exact scanner takes the next record: one that the
+          // scan leaves to it, or the one at the window's end, which the
+          // exact scanner may find complete where the scan waits for another
+          // unit (the records before a failure to read on are all read).
         }
       }
       record_scanner<CharT>& scanner = header_line && !meta ? raw_scanner_ : data_scanner_;
@@ -112,8 +123,8 @@ class table_reader {
       if (result == scan_result::end_of_input) break;
       if (rec_.stray_quote.line != 0) {
         // From here on quotes are text, which the structural scan does not
-        // know: the full scanner counts the rest.
-        counter_.reset();
+        // know: the exact scanner reads the rest.
+        structural_.reset();
         if (stray_quote_) {
           const source_position p = resolve(window_.view(), rec_.stray_quote);
           stray_quote_(p.line, p.column);
@@ -169,22 +180,25 @@ class table_reader {
         opts_.variable_names_line() == 0)
       variables_ = widths.size();
     if constexpr (sizeof(CharT) == 1) {
-      // Plain delimited records are counted by the structural scan, whose
-      // field count is the delimiter count plus one. It knows doubled quotes
-      // only. A detected quote that turns into text part-way is no concern:
-      // the scan hands a quote still open at the end to the full scanner,
-      // which then turns quoting off, and the counter with it.
+      // Plain delimited records go through the structural scan: counted,
+      // whose field count is the delimiter count plus one, or read into the
+      // same scanned record as the exact scanner gives. It knows doubled
+      // quotes only. A detected quote that turns into text part-way is no
+      // concern: the scan hands a quote still open at the end to the exact
+      // scanner, which then turns quoting off, and the scan with it.
       using namespace textio::enums;
-      if (counting_ && opts_.parser_type() == ParserType::Delimited && !data_rules_.backslash_escape &&
-          opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
-          opts_.trailing_delim_rule() == TrailingDelimiterRule::Keep &&
-          opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split) {
+      // Counting takes the field count as it stands.
+      const bool covered = !counting_ || (opts_.leading_delim_rule() == LeadingDelimiterRule::Keep &&
+                                          opts_.trailing_delim_rule() == TrailingDelimiterRule::Keep &&
+                                          opts_.consecutive_delim_rule() == ConsecutiveDelimitersRule::Split);
+      if (text_.structural_scan && covered && opts_.parser_type() == ParserType::Delimited &&
+          !data_rules_.backslash_escape && data_rules_.trim) {
         const std::uint64_t last_special = std::max({header_lines_, opts_.variable_names_line(),
                                                      opts_.variable_units_line(), opts_.variable_descriptions_line()});
         const auto classes = structural_classes::for_rules(data_rules_);
         if (classes && last_special < std::numeric_limits<std::uint64_t>::max()) {
-          counter_.emplace(*classes);
-          first_counted_line_ = last_special + 1;
+          structural_.emplace(*classes, !counting_);
+          first_structural_line_ = last_special + 1;
         }
       }
     }
@@ -322,10 +336,10 @@ class table_reader {
   bool header_sent_ = false;
   bool buffering_ = false;
   bool counting_ = false;
-  bool parts_ = false;                         // values handed on in parts of record_part_size
-  bool rules_may_drop_ = false;                // a missing or import-error rule may drop or fail a record
-  std::optional<structural_scanner> counter_;  // UTF-8 counting of plain delimited text
-  std::uint64_t first_counted_line_ = 0;       // after header and meta lines
+  bool parts_ = false;                            // values handed on in parts of record_part_size
+  bool rules_may_drop_ = false;                   // a missing or import-error rule may drop or fail a record
+  std::optional<structural_scanner> structural_;  // plain delimited UTF-8 records
+  std::uint64_t first_structural_line_ = 0;       // after header and meta lines
 
   header_lines<CharT> header_;
 

@@ -1,10 +1,11 @@
 // Reads a text file with the reader configuration that an options record
 // names, and hands the table to a sink record by record. The pieces:
-// utf8_input (bytes), unit_window (units), scan_setup and record_scanner
-// (fields of one record), header_lines (names, units, descriptions),
-// record_shaping with delimiter_rules / fixed_width_cutter (the cells of a
-// record and the variable count), value_stage (missing values, import
-// errors, conversion), omitted_variables (OmitVar), output.hpp (sinks).
+// utf8_input (bytes), unit_window (units), scan_setup with record_scanner or
+// structural_scan and structural_fields (the fields of one record),
+// header_lines (names, units, descriptions), record_shaping with
+// delimiter_rules / fixed_width_cutter (the cells of a record and the
+// variable count), value_stage (missing values, import errors, conversion),
+// omitted_variables (OmitVar), output.hpp (sinks).
 #pragma once
 
 #include <cstdint>

@@ -197,6 +197,7 @@ void apply_table_options(const parsed_arguments& args, textio::import::text_form
     text.variable_names = json->get<std::vector<std::string>>();
   }
   if (args.has("--all-lines")) text.table_end_line.reset();
+  if (args.has("--exact-scan")) text.structural_scan = false;
 }
 
 std::vector<std::string> reproducing_arguments(const textio::parser::options& record,

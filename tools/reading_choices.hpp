@@ -38,7 +38,8 @@ textio::import::text_format given_format(const textio::import::user_choices& cho
 textio::import::detection_result detect_input(textio::import::utf8_input& input, const textio::parser::options& record,
                                               const textio::import::user_choices& choices);
 
-// --table-end, --variable-names and --all-lines (which wins) over `text`.
+// --table-end, --variable-names and --all-lines (which wins) over `text`, and
+// --exact-scan.
 // Throws usage_error for a bad line number or names list.
 void apply_table_options(const parsed_arguments& args, textio::import::text_format& text);
 

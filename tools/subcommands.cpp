@@ -35,6 +35,7 @@ constexpr std::array read_options{
     tool_option{"--all-lines", "", "read on past the detected end of the table"},
     tool_option{"--table-end", "LINE", "stop before this line (1-based), as detect's arguments give it"},
     tool_option{"--variable-names", "JSON", "a JSON array of the variables' names, as detect's arguments give it"},
+    tool_option{"--exact-scan", "", "read every record with the exact scanner (slower, the same output; to compare)"},
 };
 constexpr std::array detect_options{struct_option, encoding_option, quote_option, escape_option};
 constexpr std::array<tool_option, 0> help_options{};

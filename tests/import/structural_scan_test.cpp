@@ -1,6 +1,7 @@
 // The structural scan against the exact record scanner: the same records,
 // fields, line numbers and flags, with every kernel the CPU runs, for the
-// whole text and for every cut of it (a window that ends early).
+// whole text and for every cut of it (a window that ends early); and the
+// same field texts once filled in.
 #include "import/structural_scan.hpp"
 
 #include <string>
@@ -68,6 +69,7 @@ TEST_P(StructuralScan, AgreesWithTheExactScanner) {
     const found_records whole = structural_check::structural_records(plain, *fast, c.text, true, target);
     EXPECT_EQ(whole.failed, exact.failed);
     EXPECT_EQ(whole.handed_over, c.handed_over);
+    EXPECT_EQ(structural_check::filled_records_disagree(plain, *fast, c.text, target), "");
     ASSERT_EQ(whole.records.size(), exact.records.size());
     for (std::size_t i = 0; i < exact.records.size(); ++i)
       EXPECT_EQ(whole.records[i], exact.records[i]) << "record " << i;
