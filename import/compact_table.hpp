@@ -1,6 +1,7 @@
 // The rows that a rule which omits variables must hold until the end of the
 // table, kept compactly: each value is a kind byte, then for text its length
-// (a variable-length number) and its units, for a number its 8 bytes. Rows
+// (a variable-length number) and its units (aligned for their size), for a
+// number its 8 bytes. Rows
 // go into large chunks, so that growth never copies what is held. A record's
 // trailing missing values (padding up to the variable count) are a count.
 #pragma once
@@ -34,6 +35,7 @@ class compact_table {
       } else if (v.kind == value_kind::text) {
         const std::basic_string_view<CharT> t = text_of(v);
         put_count(t.size());
+        pad_row();
         row_.append(reinterpret_cast<const char*>(t.data()), t.size() * sizeof(CharT));
       } else if (v.kind != value_kind::missing) {
         // A typed value: its number, its integer and its canonical text.
@@ -45,6 +47,7 @@ class compact_table {
         row_.append(v.bytes.data(), v.bytes.size());
       }
     }
+    pad_row();
     if (chunks_.empty() || chunks_.back().size - chunks_.back().used < row_.size()) {
       const std::size_t size = row_.size() > chunk_size ? row_.size() : chunk_size;
       chunks_.push_back({std::make_unique_for_overwrite<char[]>(size), size, 0});
@@ -60,7 +63,8 @@ class compact_table {
   void for_each_row(Each each) const {
     std::vector<output_value> values;
     for (const chunk& c : chunks_) {
-      const char* p = c.data.get();
+      const char* const base = c.data.get();
+      const char* p = base;
       const char* end = p + c.used;
       while (p < end) {
         const std::size_t count = get_count(p);
@@ -73,6 +77,7 @@ class compact_table {
             p += sizeof(double);
           } else if (v.kind == value_kind::text) {
             const std::size_t length = get_count(p);
+            skip_padding(p, base);
             set_text(v, std::basic_string_view<CharT>(reinterpret_cast<const CharT*>(p), length));
             p += length * sizeof(CharT);
           } else if (v.kind != value_kind::missing) {
@@ -84,6 +89,7 @@ class compact_table {
             p += length;
           }
         }
+        skip_padding(p, base);
         each(std::span<const output_value>(values), missing_after);
       }
     }
@@ -119,6 +125,14 @@ class compact_table {
       v.utf16 = true;
       v.units = t;
     }
+  }
+
+  // Units wider than a byte start at a multiple of their size from the
+  // chunk's start (chunks are allocated aligned), and so does every row, so
+  // that text views point at aligned units.
+  void pad_row() { row_.append((sizeof(CharT) - row_.size() % sizeof(CharT)) % sizeof(CharT), '\0'); }
+  static void skip_padding(const char*& p, const char* base) {
+    p += (sizeof(CharT) - static_cast<std::size_t>(p - base) % sizeof(CharT)) % sizeof(CharT);
   }
 
   void put_count(std::size_t n) {

@@ -126,6 +126,9 @@ const setting_case setting_cases[] = {
     {"partial_keep", "abcd\nfghij\nab", fixed({}), R"(["abc", "d"] | ["fgh", "ij"] | ["ab", null])"},
     {"partial_omitrow", "abcd\nfghij", fixed({"PartialFieldRule", "omitrow"}), R"(["fgh", "ij"])"},
     {"partial_omitvar", "abcd\nfghij", fixed({"PartialFieldRule", "omitvar"}), R"(["abc"] | ["fgh"])"},
+    // Held rows of UTF-16 units: text after a number's eight bytes.
+    {"held_text_after_a_number", "123ab\n456cd", fixed({"OutputBuilderType", "table", "MissingRule", "omitvar"}),
+     R"([123, "ab"] | [456, "cd"])"},
     {"partial_fill", "abcd\nfghij", fixed({"PartialFieldRule", "fill"}), R"(["abc", null] | ["fgh", "ij"])"},
     {"partial_wrap", "ab\ncde\nfghij\nkl", fixed({"PartialFieldRule", "wrap"}),
      R"(["abc", "de"] | ["fgh", "ij"] | ["kl", null])"},
