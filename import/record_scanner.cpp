@@ -6,8 +6,8 @@
 namespace textio::import {
 
 template <class CharT>
-void record_scanner<CharT>::append_slow(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from,
-                                        std::size_t to) {
+void append_to_field_slow(std::basic_string_view<CharT> text, scanned_record<CharT>& out, raw_field& f,
+                          std::size_t from, std::size_t to) {
   if (from >= to) return;
   if (!f.in_scratch) {
     if (f.length == 0) {
@@ -247,6 +247,9 @@ scan_result record_scanner<CharT>::scan_units(view text, bool at_end, std::uint6
   }
 }
 
+template void append_to_field_slow(std::string_view, scanned_record<char>&, raw_field&, std::size_t, std::size_t);
+template void append_to_field_slow(std::u16string_view, scanned_record<char16_t>&, raw_field&, std::size_t,
+                                   std::size_t);
 template class record_scanner<char>;
 template class record_scanner<char16_t>;
 

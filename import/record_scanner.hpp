@@ -84,6 +84,23 @@ struct scanned_record {
   }
 };
 
+// Adds text[from, to) to a field: its first piece stays in the window, a
+// piece that continues it extends it, and a field in pieces moves to the
+// record's scratch.
+template <class CharT>
+void append_to_field_slow(std::basic_string_view<CharT> text, scanned_record<CharT>& out, raw_field& f,
+                          std::size_t from, std::size_t to);
+template <class CharT>
+void append_to_field(std::basic_string_view<CharT> text, scanned_record<CharT>& out, raw_field& f, std::size_t from,
+                     std::size_t to) {
+  if (!f.in_scratch && f.length == 0) [[likely]] {
+    f.begin = static_cast<std::uint32_t>(from);
+    f.length = static_cast<std::uint32_t>(to - from);
+    return;
+  }
+  append_to_field_slow(text, out, f, from, to);
+}
+
 enum class scan_result { record, need_more, end_of_input };
 
 // Unit classes of the scan table.
@@ -164,15 +181,9 @@ class record_scanner {
   scan_result scan_units(view text, bool at_end, std::uint64_t first_line, scanned_record<CharT>& out);
   enum class field_end { delimiter, line_ending, end_of_input, need_more };
 
-  void append(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to) {
-    if (!f.in_scratch && f.length == 0) [[likely]] {
-      f.begin = static_cast<std::uint32_t>(from);
-      f.length = static_cast<std::uint32_t>(to - from);
-      return;
-    }
-    append_slow(text, out, f, from, to);
+  static void append(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to) {
+    append_to_field(text, out, f, from, to);
   }
-  void append_slow(view text, scanned_record<CharT>& out, raw_field& f, std::size_t from, std::size_t to);
   // Scans unquoted text of a field up to the next delimiter or line ending,
   // removing comments. Leaves pos_ at that delimiter or line ending.
   field_end scan_unquoted(view text, bool at_end, scanned_record<CharT>& out, raw_field& f, std::size_t& match);

@@ -6,30 +6,6 @@
 namespace textio::import {
 namespace {
 
-// Adds text[from, to) to a field as the record scanner does: a field's first
-// piece (or any piece while it is empty) stays in the window, a piece that
-// continues it extends it, and a field in pieces moves to scratch.
-void append(std::string_view text, scanned_record<char>& out, raw_field& f, std::size_t from, std::size_t to) {
-  if (!f.in_scratch && f.length == 0) {
-    f.begin = static_cast<std::uint32_t>(from);
-    f.length = static_cast<std::uint32_t>(to - from);
-    return;
-  }
-  if (from >= to) return;
-  if (!f.in_scratch) {
-    if (f.begin + f.length == from) {
-      f.length += static_cast<std::uint32_t>(to - from);
-      return;
-    }
-    const std::size_t start = out.scratch.size();
-    out.scratch.append(text.substr(f.begin, f.length));
-    f.begin = static_cast<std::uint32_t>(start);
-    f.in_scratch = 1;
-  }
-  out.scratch.append(text.substr(from, to - from));
-  f.length += static_cast<std::uint32_t>(to - from);
-}
-
 // A quoted field from its opening quote at `b` to `e`: on the structural
 // path its quotes are the opening one, doubled ones and the closing one,
 // which only the field's own units (no quote) may follow.
@@ -44,18 +20,18 @@ raw_field quoted_field(std::string_view t, std::size_t b, std::size_t e, char qu
     const void* found = std::memchr(t.data() + pos, quote, e - pos);
     const std::size_t q = found ? static_cast<std::size_t>(static_cast<const char*>(found) - t.data()) : e;
     if (q + 1 < e && t[q + 1] == quote) {
-      append(t, out, f, segment, q + 1);
+      append_to_field(t, out, f, segment, q + 1);
       pos = q + 2;
       segment = pos;
       continue;
     }
-    append(t, out, f, segment, q);
+    append_to_field(t, out, f, segment, q);
     pos = q + 1;
     break;
   }
   if (f.length == 0) f.begin = static_cast<std::uint32_t>(pos);
   // The units after the closing quote, whitespace included.
-  if (pos < e) append(t, out, f, pos, e);
+  if (pos < e) append_to_field(t, out, f, pos, e);
   return f;
 }
 
