@@ -308,6 +308,10 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
     content = content || (m.content & live) != 0;
     comment = comment || (m.comments & live) != 0;
     lines += bit_count(m.lines & live);
+    if (collect && fields > structural_batch::max_collected_fields) {
+      batch.what = structural_stop::exact;
+      return;
+    }
   }
   if (begin == n) return;
   if (!at_end) {

@@ -123,6 +123,9 @@ enum class structural_stop {
 // The records of one step of the scan.
 struct structural_batch {
   static constexpr std::size_t capacity = 128;  // a few KiB: stays in the first-level cache
+  // With collection, a record of more fields goes to the exact scanner,
+  // whose 16-byte fields cost less than a delimiter position here plus them.
+  static constexpr std::size_t max_collected_fields = std::size_t{1} << 16;
   std::vector<structural_record> records;
   std::vector<std::size_t> delimiters;  // with collection: each record's from first_delimiter
   std::vector<std::size_t> first_delimiter;

@@ -99,4 +99,20 @@ TEST(StructuralScan, LeavesUncoveredRulesToTheExactScanner) {
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u",", u";", u"|", u":", u"!"}, lf, 0, u" ")));
 }
 
+// Collecting the delimiters of a record with more fields than that would
+// cost more than the exact scanner's fields: such a record is handed over.
+TEST(StructuralScan, HandsOverRecordsOfVeryManyFieldsWhenCollecting) {
+  using textio::import::structural_batch;
+  const auto rules = structural_check::make_rules({u","}, {u"\n"}, 0, u" ");
+  const auto classes = textio::import::structural_classes::for_rules(rules);
+  ASSERT_TRUE(classes.has_value());
+  const std::string text = "a\n" + std::string(2 * structural_batch::max_collected_fields, ',') + "\nb\n";
+  structural_batch batch;
+  textio::import::walk_records(*classes, text, 0, true, 1, true, 0, batch);
+  EXPECT_EQ(batch.what, textio::import::structural_stop::exact);
+  EXPECT_EQ(batch.records.size(), 1u);
+  textio::import::walk_records(*classes, text, 0, true, 1, false, 0, batch);
+  EXPECT_EQ(batch.records.size(), 3u);
+}
+
 }  // namespace
