@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -67,6 +68,15 @@ class record_sink {
   // what is counted.
   virtual bool counts_only() const { return false; }
   virtual void record_count(std::size_t fields) { (void)fields; }
+  // A sink that takes records read on several threads says so here. Then
+  // part_sink() makes a sink that collects the records of one part of the
+  // input on the thread that reads it (no header), and take_part() hands on
+  // what such a sink collected, parts in input order, as if its records had
+  // come here one by one, and leaves the part sink empty, ready to collect
+  // another part.
+  virtual bool takes_part_sinks() const { return false; }
+  virtual std::unique_ptr<record_sink> part_sink() { return nullptr; }
+  virtual void take_part(record_sink& part) { (void)part; }
 };
 
 }  // namespace textio::import

@@ -36,6 +36,12 @@ struct text_format {
   // delimited UTF-8 text, quotes doubled); false reads every record with the
   // exact scanner, which gives the same output more slowly.
   bool structural_scan = true;
+  // Threads to read with. With more than one, a regular UTF-8 file of at
+  // least two parts of about part_bytes is read in parts at once where the
+  // settings allow it and the sink takes part sinks; the records are the
+  // same, in the same order.
+  unsigned threads = 1;
+  std::uint64_t part_bytes = std::uint64_t{8} << 20;
 };
 
 }  // namespace textio::import

@@ -39,6 +39,21 @@ utf8_input::utf8_input(const std::string& path) : name_(path == "-" ? "standard 
 
 utf8_input::utf8_input(int fd, std::string name) : fd_(fd), name_(std::move(name)) { note_file_state(); }
 
+utf8_input::utf8_input(int fd, std::string name, std::uint64_t offset)
+    : fd_(fd), name_(std::move(name)), offset_(offset), positional_(true), position_(offset), started_(true) {
+  note_file_state();
+}
+
+std::size_t utf8_input::read_some(char* into, std::size_t size) {
+  ssize_t got = 0;
+  do {
+    got = positional_ ? ::pread(fd_, into, size, static_cast<off_t>(position_)) : ::read(fd_, into, size);
+  } while (got < 0 && errno == EINTR);
+  if (got < 0) cannot_read(name_, errno);
+  position_ += static_cast<std::uint64_t>(got);
+  return static_cast<std::size_t>(got);
+}
+
 void utf8_input::note_file_state() noexcept {
   struct stat info {};
   if (::fstat(fd_, &info) == 0 && S_ISREG(info.st_mode)) {
@@ -99,16 +114,14 @@ bool utf8_input::fill(std::size_t want) {
   if (want > read_limit_) want = read_limit_;
   const std::size_t old = pending_.size();
   pending_.resize(old + want);
-  ssize_t got = 0;
-  do {
-    got = ::read(fd_, pending_.data() + old, want);
-  } while (got < 0 && errno == EINTR);
-  if (got < 0) {
-    const int error = errno;
+  std::size_t got = 0;
+  try {
+    got = read_some(pending_.data() + old, want);
+  } catch (...) {
     pending_.resize(old);
-    cannot_read(name_, error);
+    throw;
   }
-  pending_.resize(old + static_cast<std::size_t>(got));
+  pending_.resize(old + got);
   if (got == 0) at_end_ = true;
   return got > 0;
 }
@@ -154,16 +167,13 @@ bool utf8_input::read(std::string& out, std::size_t want) {
     const std::size_t start = out.size();
     const std::size_t size = want < read_limit_ ? want : read_limit_;
     out.resize(start + size);
-    ssize_t got = 0;
-    do {
-      got = ::read(fd_, out.data() + start, size);
-    } while (got < 0 && errno == EINTR);
-    if (got < 0) {
-      const int error = errno;
+    std::size_t bytes = 0;
+    try {
+      bytes = read_some(out.data() + start, size);
+    } catch (...) {
       out.resize(start);
-      cannot_read(name_, error);
+      throw;
     }
-    const auto bytes = static_cast<std::size_t>(got);
     if (bytes == 0) at_end_ = true;
     const utf8_check check = check_utf8(std::string_view(out).substr(start, bytes));
     pending_.assign(out, start + check.valid, bytes - check.valid);

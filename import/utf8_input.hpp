@@ -21,6 +21,11 @@ class utf8_input {
   explicit utf8_input(const std::string& path);
   // Reads from an open descriptor, which stays open.
   utf8_input(int fd, std::string name);
+  // Reads a regular file open as `fd` (which stays open) from byte `offset`
+  // on, with positional reads that leave the descriptor's position alone, so
+  // that several inputs can read parts of one file at once. No byte-order
+  // mark is looked for.
+  utf8_input(int fd, std::string name, std::uint64_t offset);
   utf8_input(const utf8_input&) = delete;
   utf8_input& operator=(const utf8_input&) = delete;
   ~utf8_input();
@@ -54,6 +59,11 @@ class utf8_input {
 
   // The file's size when it is a regular file, else 0.
   std::uint64_t size() const noexcept { return size_; }
+  bool is_regular_file() const noexcept { return regular_; }
+  // Whether the input is converted from another encoding.
+  bool converts() const noexcept { return transcoder_ != nullptr; }
+  int descriptor() const noexcept { return fd_; }
+  const std::string& name() const noexcept { return name_; }
   // Bytes taken from the input so far.
   std::uint64_t bytes_read() const noexcept { return offset_; }
 
@@ -67,6 +77,9 @@ class utf8_input {
   void note_file_state() noexcept;
   // Reads raw bytes into pending_; false at the end of the input.
   bool fill(std::size_t want);
+  // One read of the descriptor (positional from position_ when set),
+  // retried when interrupted; throws CannotReadFile.
+  std::size_t read_some(char* into, std::size_t size);
   // read() for input in another encoding than UTF-8.
   bool read_converted(std::string& out, std::size_t want);
 
@@ -78,7 +91,9 @@ class utf8_input {
   std::int64_t mtime_seconds_ = 0;
   std::int64_t mtime_nanoseconds_ = 0;
   std::uint64_t offset_ = 0;  // bytes of the input before pending_
-  std::string pending_;       // raw bytes not yet handed out
+  bool positional_ = false;   // reads at position_ with pread
+  std::uint64_t position_ = 0;
+  std::string pending_;  // raw bytes not yet handed out
   bool at_end_ = false;
   bool started_ = false;  // the byte-order mark has been looked for
   std::size_t read_limit_ = static_cast<std::size_t>(-1);

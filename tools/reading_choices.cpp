@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <thread>
 #include <cctype>
 #include <cstdio>
 #include <string_view>
@@ -17,6 +18,9 @@
 
 namespace zvtool {
 namespace {
+
+// More threads than this is a typing slip, not a machine.
+constexpr unsigned max_threads = 1024;
 
 using textio::import::escape_style;
 
@@ -198,6 +202,16 @@ void apply_table_options(const parsed_arguments& args, textio::import::text_form
   }
   if (args.has("--all-lines")) text.table_end_line.reset();
   if (args.has("--exact-scan")) text.structural_scan = false;
+  text.threads = std::max(1U, std::thread::hardware_concurrency());
+  if (const auto threads = args.value("--threads")) {
+    unsigned count = 0;
+    const auto [ptr, ec] = std::from_chars(threads->data(), threads->data() + threads->size(), count);
+    if (ec != std::errc() || ptr != threads->data() + threads->size() || count == 0 || count > max_threads) {
+      throw usage_error("--threads takes a count from 1 to " + std::to_string(max_threads) + ", not '" + *threads +
+                        "'");
+    }
+    text.threads = count;
+  }
 }
 
 std::vector<std::string> reproducing_arguments(const textio::parser::options& record,

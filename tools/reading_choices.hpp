@@ -39,8 +39,8 @@ textio::import::detection_result detect_input(textio::import::utf8_input& input,
                                               const textio::import::user_choices& choices);
 
 // --table-end, --variable-names and --all-lines (which wins) over `text`, and
-// --exact-scan.
-// Throws usage_error for a bad line number or names list.
+// --exact-scan and --threads (default: every core).
+// Throws usage_error for a bad line number, names list or thread count.
 void apply_table_options(const parsed_arguments& args, textio::import::text_format& text);
 
 // The report for standard error, one item a line.

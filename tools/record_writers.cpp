@@ -141,14 +141,25 @@ void append_repeated(buffered_output& out, std::string_view text, std::size_t co
 }  // namespace
 
 void buffered_output::write_out() {
-  if (buffer_.empty()) return;
-  out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+  if (buffer_.empty() || !out_) return;
+  out_->write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   buffer_.clear();
 }
 
 void buffered_output::flush() {
+  if (!out_) return;
   write_out();
-  flush_output(out_);
+  flush_output(*out_);
+}
+
+void buffered_output::write(std::string_view text) {
+  if (!out_ || buffer_.size() + text.size() < piece) {
+    buffer_ += text;
+    return;
+  }
+  write_out();
+  out_->write(text.data(), static_cast<std::streamsize>(text.size()));
+  check_output(*out_);
 }
 
 std::string number_text(double value) {
@@ -215,6 +226,19 @@ void jsonl_writer::padded_record(std::span<const output_value> values, std::size
   append_repeated(out_, "null, ", missing - 1);
   out_.text() += "null]\n";
   out_.maybe_flush();
+}
+
+void jsonl_writer::take_part(textio::import::record_sink& part) {
+  std::string& text = static_cast<jsonl_writer&>(part).out_.text();
+  out_.write(text);
+  text.clear();
+}
+
+void csv_writer::take_part(textio::import::record_sink& part) {
+  auto& written = static_cast<csv_writer&>(part);
+  lone_missing_written_ = lone_missing_written_ || std::exchange(written.lone_missing_written_, false);
+  out_.write(written.out_.text());
+  written.out_.text().clear();
 }
 
 void csv_writer::header(const textio::import::table_header& header) {

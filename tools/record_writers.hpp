@@ -3,9 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <ostream>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "import/output.hpp"
 
@@ -17,7 +20,9 @@ class buffered_output {
  public:
   static constexpr std::size_t piece = std::size_t{1} << 18;
 
-  explicit buffered_output(std::ostream& out) : out_(out) { buffer_.reserve(piece + piece / 4); }
+  explicit buffered_output(std::ostream& out) : out_(&out) { buffer_.reserve(piece + piece / 4); }
+  // Keeps all that is written: a part of the output made on another thread.
+  buffered_output() = default;
   buffered_output(const buffered_output&) = delete;
   buffered_output& operator=(const buffered_output&) = delete;
   // Writes what is left without checking: on the way out after a failure.
@@ -25,8 +30,10 @@ class buffered_output {
 
   std::string& text() noexcept { return buffer_; }
   void maybe_flush() {
-    if (buffer_.size() >= piece) flush();
+    if (out_ && buffer_.size() >= piece) flush();
   }
+  // Writes `text` after what is buffered (a part's text, say).
+  void write(std::string_view text);
   // Writes the buffer and flushes the stream; throws output_failure when the
   // stream fails.
   void flush();
@@ -35,7 +42,7 @@ class buffered_output {
   void write_out();
 
  private:
-  std::ostream& out_;
+  std::ostream* out_ = nullptr;
   std::string buffer_;
 };
 
@@ -49,11 +56,15 @@ std::string number_text(double value);
 class jsonl_writer : public textio::import::record_sink {
  public:
   explicit jsonl_writer(std::ostream& out) : out_(out) {}
+  jsonl_writer() = default;  // a part of the output, kept
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
   bool takes_parts() const override { return true; }
   void record_part(std::span<const textio::import::output_value> values) override;
+  bool takes_part_sinks() const override { return true; }
+  std::unique_ptr<textio::import::record_sink> part_sink() override { return std::make_unique<jsonl_writer>(); }
+  void take_part(textio::import::record_sink& part) override;
   void flush() { out_.flush(); }
 
  private:
@@ -72,11 +83,15 @@ class jsonl_writer : public textio::import::record_sink {
 class csv_writer : public textio::import::record_sink {
  public:
   explicit csv_writer(std::ostream& out) : out_(out) {}
+  csv_writer() = default;  // a part of the output, kept
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
   bool takes_parts() const override { return true; }
   void record_part(std::span<const textio::import::output_value> values) override;
+  bool takes_part_sinks() const override { return true; }
+  std::unique_ptr<textio::import::record_sink> part_sink() override { return std::make_unique<csv_writer>(); }
+  void take_part(textio::import::record_sink& part) override;
   void flush() { out_.flush(); }
   bool lone_missing_written() const noexcept { return lone_missing_written_; }
 
@@ -108,6 +123,13 @@ class count_writer : public textio::import::record_sink {
   }
   std::uint64_t records() const noexcept { return records_; }
   std::uint64_t fields() const noexcept { return fields_; }
+  bool takes_part_sinks() const override { return true; }
+  std::unique_ptr<textio::import::record_sink> part_sink() override { return std::make_unique<count_writer>(); }
+  void take_part(textio::import::record_sink& part) override {
+    auto& counted = static_cast<count_writer&>(part);
+    records_ += std::exchange(counted.records_, 0);
+    fields_ += std::exchange(counted.fields_, 0);
+  }
 
  private:
   std::uint64_t records_ = 0;

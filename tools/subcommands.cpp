@@ -36,6 +36,7 @@ constexpr std::array read_options{
     tool_option{"--table-end", "LINE", "stop before this line (1-based), as detect's arguments give it"},
     tool_option{"--variable-names", "JSON", "a JSON array of the variables' names, as detect's arguments give it"},
     tool_option{"--exact-scan", "", "read every record with the exact scanner (slower, the same output; to compare)"},
+    tool_option{"--threads", "N", "read a large file with N threads (default: every core); the same output"},
 };
 constexpr std::array detect_options{struct_option, encoding_option, quote_option, escape_option};
 constexpr std::array<tool_option, 0> help_options{};

@@ -1,0 +1,109 @@
+// Reading a file in parts on several threads gives what one thread gives,
+// byte for byte: the same records, warnings and error (with its line), also
+// where a part's guessed start falls inside a quoted field, where the
+// variable count grows part-way and where quotes turn to text.
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "import/read_helpers.hpp"
+#include "import/text_reader.hpp"
+#include "import/utf8_input.hpp"
+#include "tools/apply_options.hpp"
+#include "tools/record_writers.hpp"
+#include "zvcore/exceptions.hpp"
+
+namespace {
+
+struct parallel_case {
+  const char* name;
+  std::string text;
+  std::vector<std::string> options;
+  bool quote_detected = false;
+};
+
+struct outcome {
+  std::string output;  // JSON lines, then the warnings and the error
+  std::uint64_t parts = 0;
+};
+
+outcome read_with(const std::string& path, const parallel_case& c, unsigned threads, std::uint64_t part_bytes,
+                  bool count) {
+  textio::parser::options record;
+  EXPECT_FALSE(zvtool::apply_option_arguments(std::nullopt, c.options, record));
+  textio::import::text_format format;
+  format.quote_detected = c.quote_detected;
+  format.threads = threads;
+  format.part_bytes = part_bytes;
+  std::ostringstream out;
+  zvtool::jsonl_writer jsonl(out);
+  zvtool::count_writer counter;
+  textio::import::record_sink& sink = count ? static_cast<textio::import::record_sink&>(counter) : jsonl;
+  outcome got;
+  std::string notes;
+  const auto stray = [&](std::uint64_t line, std::uint64_t column) {
+    notes += "stray " + std::to_string(line) + ":" + std::to_string(column) + "\n";
+  };
+  try {
+    textio::import::utf8_input input(path);
+    got.parts = textio::import::read_table(record, input, sink, format, {}, stray).parts_on_threads;
+  } catch (const foundation::core::except::IMsgIDException& e) {
+    notes += e.what();
+  }
+  jsonl.flush();
+  got.output = out.str() + std::to_string(counter.records()) + " " + std::to_string(counter.fields()) + "\n" + notes;
+  return got;
+}
+
+std::string rows(int n, const std::string& (*row)(int)) {
+  std::string text;
+  for (int i = 0; i < n; ++i) text += row(i);
+  return text;
+}
+
+// Quoted fields that hold line endings, delimiters and doubled quotes, so
+// that many guessed part starts fall inside one.
+const std::string& quoted_row(int i) {
+  static std::string r;
+  r = std::to_string(i) + ",\"a\nb,\"\"q\"\"\r\nc\",x" + std::string(i % 7, 'y') + (i % 3 == 0 ? "\r\n" : "\n");
+  return r;
+}
+const std::string& plain_row(int i) {
+  static std::string r;
+  r = std::to_string(i) + ",text " + std::to_string(i * 7) + ",\"q,\"\n" + (i % 11 == 0 ? "\n" : "");
+  return r;
+}
+
+TEST(ParallelReading, GivesTheOneThreadOutput) {
+  const std::string plain = rows(300, plain_row);
+  const parallel_case cases[] = {
+      {"quoted fields across parts", "n,t,x\n" + rows(300, quoted_row), {"NumHeaderLines", "1", "Delimiter", ","}},
+      {"plain", plain, {"Delimiter", ","}},
+      {"count grows part-way", plain + "1,2,3,4,5\n" + plain, {"Delimiter", ","}},
+      {"error in a later part", plain + "7,,9\n" + plain, {"Delimiter", ",", "MissingRule", "error"}},
+      {"quotes turn to text", plain + "5,\"open\n" + plain, {"Delimiter", ","}, true},
+      {"comments and lone CR", "# c\r" + plain + "#x\r1,2,3\r" + plain, {"Delimiter", ",", "CommentStyle", "#"}},
+  };
+  bool some_parts = false;
+  for (const parallel_case& c : cases) {
+    const std::string path = import_test::write_file(c.text);
+    for (const bool count : {false, true}) {
+      const std::string alone = read_with(path, c, 1, 64, count).output;
+      for (const unsigned threads : {2U, 3U}) {
+        for (const std::uint64_t part : {7, 37, 100, 1000}) {
+          const outcome got = read_with(path, c, threads, part, count);
+          EXPECT_EQ(got.output, alone) << c.name << ", " << threads << " threads, parts of " << part;
+          some_parts = some_parts || got.parts > 2;
+        }
+      }
+    }
+  }
+  EXPECT_TRUE(some_parts);  // not all read on one thread after all
+  // A plain file is read in parts.
+  const parallel_case c{"plain", plain, {"Delimiter", ","}};
+  EXPECT_GT(read_with(import_test::write_file(plain), c, 2, 100, false).parts, 20U);
+}
+
+}  // namespace
