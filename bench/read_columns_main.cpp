@@ -1,8 +1,11 @@
 // Reads a file into the in-memory table (import/column_table.hpp) and prints
 // its shape, for the whole-process race in bench/read_comparison.sh.
-// Usage: zvtextimport_table FILE [NAME VALUE ...] (the options of `read`).
+// Usage: zvtextimport_table FILE [NAME VALUE ...] (the options of `read`),
+// with every core.
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "import/column_table.hpp"
@@ -20,7 +23,9 @@ int main(int argc, char** argv) {
     std::fputs("zvtextimport_table: the options were refused\n", stderr);
     return 1;
   }
-  const auto table = textio::import::read_columns(argv[1], options);
+  textio::import::text_format format;
+  format.threads = std::max(1U, std::thread::hardware_concurrency());
+  const auto table = textio::import::read_columns(argv[1], options, format);
   std::size_t text_bytes = 0;
   for (const auto& column : table.columns) text_bytes += column.text.size();
   std::printf("{\"rows\": %zu, \"columns\": %zu, \"text_bytes\": %zu}\n", table.rows, table.columns.size(), text_bytes);

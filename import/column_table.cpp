@@ -99,6 +99,32 @@ void add(table_column& column, const output_value& v) {
   column.offsets.push_back(column.text.size());
 }
 
+// Appends the rows of `from`, a column of a later part of the table, as
+// adding its values one by one would.
+void append_rows(table_column& to, const table_column& from) {
+  const std::size_t rows = from.missing.size();
+  if (from.kind == column_kind::missing) {
+    for (std::size_t row = 0; row < rows; ++row) add_missing(to);
+    return;
+  }
+  if (to.kind == column_kind::missing || (to.kind == column_kind::number && from.kind == column_kind::text)) {
+    become(to, from.kind);
+  }
+  to.missing.insert(to.missing.end(), from.missing.begin(), from.missing.end());
+  if (to.kind == column_kind::number) {
+    to.numbers.insert(to.numbers.end(), from.numbers.begin(), from.numbers.end());
+  } else if (from.kind == column_kind::text) {
+    const std::uint64_t base = to.text.size();
+    to.text += from.text;
+    for (std::size_t row = 1; row <= rows; ++row) to.offsets.push_back(base + from.offsets[row]);
+  } else {
+    for (std::size_t row = 0; row < rows; ++row) {
+      if (from.missing[row] == 0) append_number_text(to.text, from.numbers[row]);
+      to.offsets.push_back(to.text.size());
+    }
+  }
+}
+
 }  // namespace
 
 void column_table_sink::widen(std::size_t columns) {
@@ -140,16 +166,35 @@ void column_table_sink::padded_record(std::span<const output_value> values, std:
   widen(values.size() + missing);
   for (std::size_t i = 0; i < values.size(); ++i) add(table_.columns[i], values[i]);
   for (std::size_t i = values.size(); i < table_.columns.size(); ++i) add_missing(table_.columns[i]);
-  if (++table_.rows == sample_rows && input_bytes_ > 0) reserve_for_input();
+  added_rows(table_.rows++);
 }
 
-column_table read_columns(const std::string& path, const textio::parser::options& options) {
+void column_table_sink::added_rows(std::size_t before) {
+  if (before < sample_rows && table_.rows >= sample_rows && input_bytes_ > 0) reserve_for_input();
+}
+
+void column_table_sink::take_part(record_sink& part) {
+  const column_table from = static_cast<column_table_sink&>(part).take();
+  widen(from.columns.size());
+  for (std::size_t i = 0; i < table_.columns.size(); ++i) {
+    if (i < from.columns.size()) {
+      append_rows(table_.columns[i], from.columns[i]);
+    } else {
+      for (std::size_t row = 0; row < from.rows; ++row) add_missing(table_.columns[i]);
+    }
+  }
+  const std::size_t before = table_.rows;
+  table_.rows += from.rows;
+  added_rows(before);
+}
+
+column_table read_columns(const std::string& path, const textio::parser::options& options, const text_format& format) {
   utf8_input input(path);
   std::error_code no_size;
   const std::uintmax_t size =
       std::filesystem::is_regular_file(path, no_size) ? std::filesystem::file_size(path, no_size) : 0;
   column_table_sink sink(no_size ? 0 : size);
-  read_table(options, input, sink);
+  read_table(options, input, sink, format);
   return sink.take();
 }
 

@@ -4,11 +4,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "import/output.hpp"
+#include "import/text_format.hpp"
 #include "parser/options.hpp"
 
 namespace textio::import {
@@ -57,18 +60,24 @@ class column_table_sink : public record_sink {
   void header(const table_header& header) override;
   void record(std::span<const output_value> values) override { padded_record(values, 0); }
   void padded_record(std::span<const output_value> values, std::size_t missing) override;
-  column_table take() { return std::move(table_); }
+  bool takes_part_sinks() const override { return true; }
+  std::unique_ptr<record_sink> part_sink() override { return std::make_unique<column_table_sink>(); }
+  void take_part(record_sink& part) override;
+  column_table take() { return std::exchange(table_, {}); }
 
  private:
   void widen(std::size_t columns);
   void reserve_for_input();
+  void added_rows(std::size_t before);
 
   column_table table_;
   std::uint64_t input_bytes_;
 };
 
-// Reads the file at `path` with the reader that `options` names into memory.
+// Reads the file at `path` with the reader that `options` names into memory,
+// in `format` (its threads read a large file in parts at once).
 // Throws the reader's messages (reader_errors.hpp).
-column_table read_columns(const std::string& path, const textio::parser::options& options);
+column_table read_columns(const std::string& path, const textio::parser::options& options,
+                          const text_format& format = {});
 
 }  // namespace textio::import

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "import/column_table.hpp"
 #include "import/read_helpers.hpp"
 #include "import/text_reader.hpp"
 #include "import/utf8_input.hpp"
@@ -104,6 +105,38 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
   // A plain file is read in parts.
   const parallel_case c{"plain", plain, {"Delimiter", ","}};
   EXPECT_GT(read_with(import_test::write_file(plain), c, 2, 100, false).parts, 20U);
+}
+
+// The in-memory table takes parts too: columns that turn from missing to
+// numbers to text in a later part come out as one thread makes them.
+TEST(ParallelReading, FillsTheSameTable) {
+  std::string text = "a,b,c\n";
+  for (int i = 0; i < 400; ++i) {
+    text += std::to_string(i) + "," + (i < 150 ? "" : std::to_string(i * 0.5)) + "," + (i == 300 ? "word" : "7") +
+            (i == 350 ? ",extra\n" : "\n");
+  }
+  const std::string path = import_test::write_file(text);
+  textio::parser::options opts;
+  opts.num_header_lines(1);
+  opts.variable_names_line(1);
+  opts.output_type(textio::enums::OutputBuilderType::Matrix);
+  const auto shown = [&](unsigned threads, std::uint64_t part) {
+    textio::import::text_format format;
+    format.threads = threads;
+    format.part_bytes = part;
+    const auto table = textio::import::read_columns(path, opts, format);
+    std::string out = std::to_string(table.rows) + " rows\n";
+    for (const auto& c : table.columns) {
+      out += c.name + ":" + std::to_string(static_cast<int>(c.kind)) + ":" + c.text + ":";
+      for (const std::uint8_t m : c.missing) out += static_cast<char>('0' + m);
+      for (const double n : c.numbers) out += " " + std::to_string(n);
+      for (const std::uint64_t o : c.offsets) out += " " + std::to_string(o);
+      out += "\n";
+    }
+    return out;
+  };
+  const std::string alone = shown(1, 1000);
+  for (const std::uint64_t part : {50, 300, 1000}) EXPECT_EQ(shown(2, part), alone) << "parts of " << part;
 }
 
 }  // namespace
