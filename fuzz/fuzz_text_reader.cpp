@@ -2,16 +2,18 @@
 // the bytes and options, the reader ends normally or with one of its
 // messages, and what it hands on is well formed (a header first, text that
 // is valid UTF-8 on the byte path) and the same with the structural scan on
-// and off. The input is cut into reads of a fuzzed
-// size, so records break across the window at every place.
+// and off, and read in parts on threads. The input is cut into reads of a
+// fuzzed size, so records break across the window at every place.
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fuzz/fuzz_input.hpp"
@@ -146,6 +148,20 @@ class checking_sink : public textio::import::record_sink {
   std::uint64_t fields = 0;
   std::string log;  // every value handed on, in order
 
+  bool takes_part_sinks() const override { return true; }
+  std::unique_ptr<textio::import::record_sink> part_sink() override {
+    auto part = std::make_unique<checking_sink>();
+    part->header_seen_ = true;  // parts get no header
+    return part;
+  }
+  void take_part(textio::import::record_sink& part) override {
+    if (!header_seen_) fail("part before header");
+    auto& p = static_cast<checking_sink&>(part);
+    log += std::exchange(p.log, {});
+    records += std::exchange(p.records, 0);
+    fields += std::exchange(p.fields, 0);
+  }
+
  private:
   static void check(std::span<const textio::import::output_value> values) {
     for (const auto& v : values) {
@@ -220,9 +236,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // Reads the file into `sink`: the message that ended reading, empty when
   // none, then the warnings and what was left unread.
-  const auto read = [&](textio::import::record_sink& sink, bool structural) {
+  const auto read = [&](textio::import::record_sink& sink, bool structural, unsigned threads = 1) {
     ::lseek(fd, 0, SEEK_SET);
     format.structural_scan = structural;
+    format.threads = threads;
     std::string outcome;
     const auto stray = [&outcome](std::uint64_t line, std::uint64_t column) {
       outcome += "stray quote " + std::to_string(line) + ":" + std::to_string(column) + ";";
@@ -248,6 +265,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                  printable(sink.log).c_str(), exact_outcome.c_str(), printable(exact.log).c_str());
     fail("the structural scan changes what is read");
   }
+  // Parts read on threads must come to the same; parts of a few bytes put
+  // guessed starts everywhere, inside quoted fields too.
+  format.part_bytes = 1 + read_size * 2 + (format_bits >> 5);
+  checking_sink parts;
+  const std::string parts_outcome = read(parts, true, 2 + (format_bits >> 7));
+  if (parts_outcome != outcome || parts.log != sink.log) {
+    std::fprintf(stderr, "one thread: %s\n%s\nin parts: %s\n%s\n", outcome.c_str(), printable(sink.log).c_str(),
+                 parts_outcome.c_str(), printable(parts.log).c_str());
+    fail("reading in parts changes what is read");
+  }
+  format.part_bytes = std::uint64_t{8} << 20;
   // Counting takes shorter ways; it must come to the same numbers.
   for (const bool structural : {true, false}) {
     counting_sink counter;

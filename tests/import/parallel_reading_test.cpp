@@ -102,9 +102,11 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
     }
   }
   EXPECT_TRUE(some_parts);  // not all read on one thread after all
-  // A plain file is read in parts.
-  const parallel_case c{"plain", plain, {"Delimiter", ","}};
-  EXPECT_GT(read_with(import_test::write_file(plain), c, 2, 100, false).parts, 20U);
+  // A plain file is read in parts, also with CR LF endings.
+  std::string crlf;
+  for (const char ch : plain) crlf += ch == '\n' ? std::string("\r\n") : std::string(1, ch);
+  const parallel_case c{"CR LF", crlf, {"Delimiter", ","}};
+  EXPECT_GT(read_with(import_test::write_file(crlf), c, 2, 100, false).parts, 20U);
 }
 
 // The in-memory table takes parts too: columns that turn from missing to
