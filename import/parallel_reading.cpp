@@ -182,7 +182,10 @@ class part_readers {
     try {
       r.sink = sink ? std::move(sink) : sink_.part_sink();
       utf8_input input(fd_, name_, r.begin);
-      table_reader<char> reader(given_, input, *r.sink, {}, format_, {}, types_, &plan);
+      // (The reader keeps references to its callbacks.)
+      const progress_callback no_progress;
+      const stray_quote_callback no_stray_quote;
+      table_reader<char> reader(given_, input, *r.sink, no_progress, format_, no_stray_quote, types_, &plan);
       reader.run();
       r.stopped_at = reader.stopped_at();
     } catch (...) {
