@@ -85,6 +85,7 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
       {"count grows part-way", plain + "1,2,3,4,5\n" + plain, {"Delimiter", ","}},
       {"error in a later part", plain + "7,,9\n" + plain, {"Delimiter", ",", "MissingRule", "error"}},
       {"quotes turn to text", plain + "5,\"open\n" + plain, {"Delimiter", ","}, true},
+      {"quotes turn to text in the first part", "1,2\n5,\"open\n" + plain, {"Delimiter", ","}, true},
       {"comments and lone CR", "# c\r" + plain + "#x\r1,2,3\r" + plain, {"Delimiter", ",", "CommentStyle", "#"}},
   };
   bool some_parts = false;
