@@ -177,6 +177,10 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
                     std::to_string(summary.lines_left_unread) +
                     " more lines were left unread (--all-lines reads them)\n";
     }
+    if (args.has("--verbose")) {
+      result.err += "zvtextparser: " + std::to_string(summary.parts_on_threads) + " parts read on " +
+                    std::to_string(text.threads) + " threads\n";
+    }
     if (input.changed_since_opened()) {
       result.err += changed_warning(*args.operand);
       if (args.has("--strict")) result.status = exit_io_failure;

@@ -38,7 +38,26 @@ TEST(ColumnTable, SinkKeepsKindsAndPadsRaggedRecords) {
   };
   for (const auto& row : rows) sink.record(row);
   sink.padded_record(std::vector<output_value>{number(0.1)}, 3);  // padding beyond the table: a fourth column
+  // The same rows, the last three collected by a part sink (as a part read
+  // on another thread) and taken: the same table.
+  textio::import::column_table_sink in_parts;
+  in_parts.header(header);
+  in_parts.record(rows[0]);
+  in_parts.record(rows[1]);
+  const auto part = in_parts.part_sink();
+  part->record(rows[2]);
+  part->record(rows[3]);
+  part->padded_record(std::vector<output_value>{number(0.1)}, 3);
+  in_parts.take_part(*part);
   const auto table = sink.take();
+  const auto parts_table = in_parts.take();
+  ASSERT_EQ(parts_table.rows, table.rows);
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    const auto &a = table.columns[i], &b = parts_table.columns.at(i);
+    EXPECT_TRUE(a.kind == b.kind && a.missing == b.missing && a.numbers == b.numbers && a.text == b.text &&
+                a.offsets == b.offsets)
+        << "column " << i;
+  }
 
   ASSERT_EQ(table.rows, 5u);
   ASSERT_EQ(table.columns.size(), 4u);

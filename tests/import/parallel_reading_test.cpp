@@ -110,8 +110,8 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
   EXPECT_GT(read_with(import_test::write_file(crlf), c, 2, 100, false).parts, 20U);
 }
 
-// The in-memory table takes parts too: columns that turn from missing to
-// numbers to text in a later part come out as one thread makes them.
+// The in-memory table takes parts too: number columns that are missing at
+// first, and text columns, come out as one thread makes them.
 TEST(ParallelReading, FillsTheSameTable) {
   std::string text = "a,b,c\n";
   for (int i = 0; i < 400; ++i) {
@@ -122,7 +122,6 @@ TEST(ParallelReading, FillsTheSameTable) {
   textio::parser::options opts;
   opts.num_header_lines(1);
   opts.variable_names_line(1);
-  opts.output_type(textio::enums::OutputBuilderType::Matrix);
   const auto shown = [&](unsigned threads, std::uint64_t part) {
     textio::import::text_format format;
     format.threads = threads;
@@ -138,8 +137,11 @@ TEST(ParallelReading, FillsTheSameTable) {
     }
     return out;
   };
-  const std::string alone = shown(1, 1000);
-  for (const std::uint64_t part : {50, 300, 1000}) EXPECT_EQ(shown(2, part), alone) << "parts of " << part;
+  for (const auto output : {textio::enums::OutputBuilderType::Matrix, textio::enums::OutputBuilderType::Cell}) {
+    opts.output_type(output);
+    const std::string alone = shown(1, 1000);
+    for (const std::uint64_t part : {50, 300, 1000}) EXPECT_EQ(shown(2, part), alone) << "parts of " << part;
+  }
 }
 
 }  // namespace
