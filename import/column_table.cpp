@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "import/number_text.hpp"
 #include "import/text_reader.hpp"
@@ -130,6 +131,10 @@ void append_rows(table_column& to, const table_column& from) {
 void column_table_sink::widen(std::size_t columns) {
   while (table_.columns.size() < columns) {
     table_column& column = table_.columns.emplace_back();
+    if (!spare_.empty()) {
+      column = std::move(spare_.back());
+      spare_.pop_back();
+    }
     column.missing.assign(table_.rows, 1);
   }
 }
@@ -174,7 +179,9 @@ void column_table_sink::added_rows(std::size_t before) {
 }
 
 void column_table_sink::take_part(record_sink& part) {
-  const column_table from = static_cast<column_table_sink&>(part).take();
+  // The part keeps its columns' memory for the next part it collects.
+  column_table_sink& sink = static_cast<column_table_sink&>(part);
+  column_table& from = sink.table_;
   widen(from.columns.size());
   for (std::size_t i = 0; i < table_.columns.size(); ++i) {
     if (i < from.columns.size()) {
@@ -184,8 +191,17 @@ void column_table_sink::take_part(record_sink& part) {
     }
   }
   const std::size_t before = table_.rows;
-  table_.rows += from.rows;
+  table_.rows += std::exchange(from.rows, 0);
   added_rows(before);
+  for (table_column& column : from.columns) {
+    column.kind = column_kind::missing;
+    column.missing.clear();
+    column.numbers.clear();
+    column.text.clear();
+    column.offsets.clear();
+    sink.spare_.push_back(std::move(column));
+  }
+  from.columns.clear();
 }
 
 column_table read_columns(const std::string& path, const textio::parser::options& options, const text_format& format) {

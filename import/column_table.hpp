@@ -71,6 +71,7 @@ class column_table_sink : public record_sink {
   void added_rows(std::size_t before);
 
   column_table table_;
+  std::vector<table_column> spare_;  // emptied columns of a part taken, with their memory
   std::uint64_t input_bytes_;
 };
 
