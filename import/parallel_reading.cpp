@@ -109,8 +109,8 @@ class part_readers {
     return r;
   }
 
-  // A part sink whose records were handed on collects another part, with
-  // the memory it has.
+  // A part sink whose records were handed on (and only such a one: it is
+  // empty) collects another part, with the memory it has.
   void reuse(std::unique_ptr<record_sink> sink) {
     const std::lock_guard lock(mutex_);
     spare_sinks_.push_back(std::move(sink));
@@ -236,18 +236,40 @@ read_summary read_in_parts(const textio::parser::options& given, utf8_input& inp
 
   part_state expected = *first.stopped_at();
   part_readers readers(given, input, sink, format, types, expected);
-  if (readers.start()) {
-    for (std::size_t k = 1;; ++k) {
-      std::unique_ptr<part_result> r = readers.take(k);
-      if (!r) return summary;  // the part before read to the end
+  // Reads from `expected` on this thread, up to `stop`; false when that
+  // read to the end of the file, or when quotes turned to text, so that the
+  // rest is read alone.
+  const auto read_here = [&](std::uint64_t stop) {
+    utf8_input rest(input.descriptor(), input.name(), expected.offset);
+    part_plan plan;
+    plan.start = expected;
+    plan.stop = stop;
+    table_reader<char> reader(given, rest, sink, progress, format, stray_quote, types, &plan);
+    reader.run();
+    if (reader.stopped_at() && !reader.reads_in_parts()) {
+      readers.stop_workers();
+      reader.stop_at(std::numeric_limits<std::uint64_t>::max());
+      reader.run();
+      return false;
+    }
+    if (!reader.stopped_at()) return false;
+    expected = *reader.stopped_at();
+    return true;
+  };
+  if (!readers.start()) {
+    read_here(std::numeric_limits<std::uint64_t>::max());
+    return summary;
+  }
+  for (std::size_t k = 1;; ++k) {
+    std::unique_ptr<part_result> r = readers.take(k);
+    if (!r) return summary;  // the part before read to the end
+    // After the variable count grew, every later part was read with the
+    // old one: read the rest alone.
+    if (expected.variables != readers.base_variables()) break;
+    if (r->begin == expected.offset && !r->failed) {
       // The part started where the one before ended, with the same
       // variable count: its records are the ones reading on gives.
-      if (r->failed || r->begin != expected.offset) break;
-      if (r->stopped_at && r->stopped_at->offset == r->begin) {  // an empty part: nothing to check
-        readers.reuse(std::move(r->sink));
-        continue;
-      }
-      if (!r->sink || expected.variables != readers.base_variables()) break;
+      if (r->stopped_at && r->stopped_at->offset == r->begin) continue;  // an empty part
       sink.take_part(*r->sink);
       ++summary.parts_on_threads;
       readers.reuse(std::move(r->sink));
@@ -255,17 +277,17 @@ read_summary read_in_parts(const textio::parser::options& given, utf8_input& inp
       if (!r->stopped_at) return summary;
       expected = part_state{r->stopped_at->offset, expected.line + (r->stopped_at->line - readers.base_line()),
                             r->stopped_at->variables};
+      continue;
     }
-    readers.stop_workers();
+    // A guess that did not hold (inside a quoted field, say) or a part that
+    // could not be read alone (or failed: the failure shows here again,
+    // with its line): this part is read here, from where the one before
+    // ended; a part that the one before read past is left out.
+    if (!r->last && expected.offset >= r->end) continue;
+    if (!read_here(r->last ? std::numeric_limits<std::uint64_t>::max() : r->end)) return summary;
   }
-  // From a part whose guess did not hold, or that could not be read alone.
-  utf8_input rest(input.descriptor(), input.name(), expected.offset);
-  part_plan plan;
-  plan.start = expected;
-  table_reader<char> reader(given, rest, sink, progress, format, stray_quote, types, &plan);
-  const std::uint64_t parts = summary.parts_on_threads;
-  summary = reader.run();
-  summary.parts_on_threads = parts;
+  readers.stop_workers();
+  read_here(std::numeric_limits<std::uint64_t>::max());
   return summary;
 }
 
