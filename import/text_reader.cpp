@@ -21,7 +21,7 @@ read_summary read_typed_table(const textio::parser::options& given, utf8_input& 
   input.decode_from(format.encoding);
   const textio::parser::options opts = effective_options(given);
   if (scans_utf8_bytes(opts)) {
-    if (format.threads > 1 && input.is_regular_file() && !input.converts() && sink.takes_part_sinks()) {
+    if (format.threads > 1 && input.is_whole_regular_file() && !input.converts() && sink.takes_part_sinks()) {
       return read_in_parts(given, input, sink, format, types, progress, stray_quote);
     }
     return table_reader<char>(given, input, sink, progress, format, stray_quote, types).run();

@@ -58,6 +58,7 @@ void utf8_input::note_file_state() noexcept {
   struct stat info {};
   if (::fstat(fd_, &info) == 0 && S_ISREG(info.st_mode)) {
     regular_ = true;
+    from_file_start_ = ::lseek(fd_, 0, SEEK_CUR) == 0;
     size_ = static_cast<std::uint64_t>(info.st_size);
     mtime_seconds_ = info.st_mtim.tv_sec;
     mtime_nanoseconds_ = info.st_mtim.tv_nsec;

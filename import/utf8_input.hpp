@@ -59,7 +59,9 @@ class utf8_input {
 
   // The file's size when it is a regular file, else 0.
   std::uint64_t size() const noexcept { return size_; }
-  bool is_regular_file() const noexcept { return regular_; }
+  // A regular file read from its first byte, so that an offset in the text
+  // read is the same offset in the file (parts of it can be read at once).
+  bool is_whole_regular_file() const noexcept { return regular_ && from_file_start_; }
   // Whether the input is converted from another encoding.
   bool converts() const noexcept { return transcoder_ != nullptr; }
   int descriptor() const noexcept { return fd_; }
@@ -88,6 +90,7 @@ class utf8_input {
   std::string name_;
   std::uint64_t size_ = 0;
   bool regular_ = false;
+  bool from_file_start_ = false;  // the descriptor stood at byte 0 when opened
   std::int64_t mtime_seconds_ = 0;
   std::int64_t mtime_nanoseconds_ = 0;
   std::uint64_t offset_ = 0;  // bytes of the input before pending_

@@ -2,6 +2,9 @@
 // byte for byte: the same records, warnings and error (with its line), also
 // where a part's guessed start falls inside a quoted field, where the
 // variable count grows part-way and where quotes turn to text.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <sstream>
 #include <string>
 #include <vector>
@@ -108,6 +111,29 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
   for (const char ch : plain) crlf += ch == '\n' ? std::string("\r\n") : std::string(1, ch);
   const parallel_case c{"CR LF", crlf, {"Delimiter", ","}};
   EXPECT_GT(read_with(import_test::write_file(crlf), c, 2, 100, false).parts, 20U);
+}
+
+// Standard input redirected from a file may stand past the file's start:
+// its offsets are not the file's, so it is read on one thread.
+TEST(ParallelReading, ReadsAnInputThatStartsPartWayOnOneThread) {
+  const std::string rest = rows(300, plain_row);
+  const parallel_case c{"part-way", rest, {"Delimiter", ","}};
+  const std::string expected = read_with(import_test::write_file(rest), c, 1, 64, false).output;
+  const int fd = ::open(import_test::write_file("skip this line\n" + rest).c_str(), O_RDONLY);
+  ASSERT_GE(fd, 0);
+  ASSERT_EQ(::lseek(fd, 15, SEEK_SET), 15);
+  textio::parser::options record;
+  ASSERT_FALSE(zvtool::apply_option_arguments(std::nullopt, c.options, record));
+  textio::import::text_format format;
+  format.threads = 2;
+  format.part_bytes = 64;
+  std::ostringstream out;
+  zvtool::jsonl_writer jsonl(out);
+  textio::import::utf8_input input(fd, "standard input");
+  EXPECT_EQ(textio::import::read_table(record, input, jsonl, format).parts_on_threads, 0U);
+  jsonl.flush();
+  ::close(fd);
+  EXPECT_EQ(out.str() + "0 0\n", expected);
 }
 
 // The in-memory table takes parts too: number columns that are missing at
