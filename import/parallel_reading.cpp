@@ -97,10 +97,12 @@ class part_readers {
     return !workers_.empty();
   }
 
-  // Waits for part `k` (from 1) and takes it out; none after the last part.
+  // Waits for part `k` (from 1) and takes it out; none after the last part
+  // or when a worker broke down (broken()).
   std::unique_ptr<part_result> take(std::size_t k) {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [&] { return (parts_.contains(k) && parts_[k]->done) || (no_more_ && k >= no_more_at_); });
+    changed_.wait(lock,
+                  [&] { return (parts_.contains(k) && parts_[k]->done) || (no_more_ && k >= no_more_at_) || broken_; });
     if (!parts_.contains(k)) return nullptr;
     std::unique_ptr<part_result> r = std::move(parts_[k]);
     parts_.erase(k);
@@ -120,6 +122,13 @@ class part_readers {
   // count they start with.
   std::uint64_t base_line() const noexcept { return first_end_.line; }
   const std::optional<std::size_t>& base_variables() const noexcept { return first_end_.variables; }
+
+  // A worker failed outside reading a part (out of memory, say); the rest
+  // of the file is then read on the calling thread.
+  bool broken() {
+    const std::lock_guard lock(mutex_);
+    return broken_;
+  }
 
   void stop_workers() {
     {
@@ -141,6 +150,18 @@ class part_readers {
   }
 
   void work() {
+    try {
+      work_on_parts();
+    } catch (...) {
+      {
+        const std::lock_guard lock(mutex_);
+        broken_ = true;
+      }
+      changed_.notify_all();
+    }
+  }
+
+  void work_on_parts() {
     for (;;) {
       std::size_t k = 0;
       std::unique_ptr<record_sink> sink;
@@ -213,6 +234,7 @@ class part_readers {
   bool no_more_ = false;
   std::size_t no_more_at_ = std::numeric_limits<std::size_t>::max();
   bool cancelled_ = false;
+  bool broken_ = false;
   std::vector<std::thread> workers_;
 };
 
@@ -262,6 +284,7 @@ read_summary read_in_parts(const textio::parser::options& given, utf8_input& inp
   }
   for (std::size_t k = 1;; ++k) {
     std::unique_ptr<part_result> r = readers.take(k);
+    if (!r && readers.broken()) break;
     if (!r) return summary;  // the part before read to the end
     // After the variable count grew, every later part was read with the
     // old one: read the rest alone.
