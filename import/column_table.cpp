@@ -117,7 +117,10 @@ void append_rows(table_column& to, const table_column& from) {
   } else if (from.kind == column_kind::text) {
     const std::uint64_t base = to.text.size();
     to.text += from.text;
-    for (std::size_t row = 1; row <= rows; ++row) to.offsets.push_back(base + from.offsets[row]);
+    const std::size_t at = to.offsets.size();
+    to.offsets.resize(at + rows);
+    std::uint64_t* out = to.offsets.data() + at;
+    for (std::size_t row = 1; row <= rows; ++row) out[row - 1] = base + from.offsets[row];
   } else {
     for (std::size_t row = 0; row < rows; ++row) {
       if (from.missing[row] == 0) append_number_text(to.text, from.numbers[row]);
