@@ -115,6 +115,7 @@ const tool_case cases[] = {
     {{"options", "--struct", "{\"NumVariables\": "}, 2, "--struct"},
     {{"read", "/nonexistent", "--format", "xml"}, 2, "unknown --format 'xml'"},
     {{"read", "-", "--max-memory", "lots"}, 2, "--max-memory"},
+    {{"read", "-", "--threads", "0"}, 2, "--threads takes a count from 1 to 1024, not '0'"},
     {{"option"}, 2, "unknown subcommand 'option'"},
     {{}, 2, "a subcommand comes first"},
 };
