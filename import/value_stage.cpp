@@ -51,7 +51,8 @@ value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_
       format_(number_format_of(opts)) {
   if (opts.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
   for (const auto& p : opts.missing_placeholders()) {
-    if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
+    // An empty text is missing anyway; only the others need comparing.
+    if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) placeholders_.push_back(encode<CharT>(p));
   }
   converts_ = matrix_ || !typing_.empty();
   conversions_.resize(typing_.size());
@@ -67,6 +68,12 @@ template <class CharT>
 bool value_stage<CharT>::is_missing(const record_cells<CharT>& record, const raw_field& c, view t) const {
   if (record.known_missing(c)) return true;
   if (c.quoted) return false;
+  if (t.empty()) return true;
+  // Most fields: no placeholders to compare and nothing to trim.
+  if (placeholders_.empty() &&
+      (data_rules_.trim || ((data_rules_.classes(t.front()) | data_rules_.classes(t.back())) & is_whitespace) == 0)) {
+    return false;
+  }
   if (!data_rules_.trim) {
     while (!t.empty() && (data_rules_.classes(t.front()) & is_whitespace) != 0) t.remove_prefix(1);
     while (!t.empty() && (data_rules_.classes(t.back()) & is_whitespace) != 0) t.remove_suffix(1);
