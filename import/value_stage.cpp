@@ -51,7 +51,8 @@ value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_
       format_(number_format_of(opts)) {
   if (opts.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
   for (const auto& p : opts.missing_placeholders()) {
-    if (sizeof(CharT) == 2 || has_utf8_form(p)) placeholders_.push_back(encode<CharT>(p));
+    // An empty text is missing anyway; only the others need comparing.
+    if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) placeholders_.push_back(encode<CharT>(p));
   }
   converts_ = matrix_ || !typing_.empty();
   conversions_.resize(typing_.size());
@@ -67,6 +68,12 @@ template <class CharT>
 bool value_stage<CharT>::is_missing(const record_cells<CharT>& record, const raw_field& c, view t) const {
   if (record.known_missing(c)) return true;
   if (c.quoted) return false;
+  if (t.empty()) return true;
+  // Most fields: no placeholders to compare and nothing to trim.
+  if (placeholders_.empty() &&
+      (data_rules_.trim || ((data_rules_.classes(t.front()) | data_rules_.classes(t.back())) & is_whitespace) == 0)) {
+    return false;
+  }
   if (!data_rules_.trim) {
     while (!t.empty() && (data_rules_.classes(t.front()) & is_whitespace) != 0) t.remove_prefix(1);
     while (!t.empty() && (data_rules_.classes(t.back()) & is_whitespace) != 0) t.remove_suffix(1);
@@ -114,12 +121,16 @@ template <class CharT>
 bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::size_t padding, use how,
                               record_sink& sink) {
   values_.clear();
-  if (how != use::check) values_.reserve(std::min(record.cells.size(), record_part_size));
+  // Each value is built in its place in values_; a part is handed on once the
+  // value after it is complete, so a rule that fails a field leaves the
+  // output as it was.
+  if (how != use::check) values_.reserve(std::min(record.cells.size(), record_part_size + 1));
   std::size_t i = 0;
   for (const raw_field& c : record.cells) {
     const view text = record.text_of(w, c);
     const auto where = [&] { return record.where(w, c); };
-    output_value v;
+    output_value checked;
+    output_value& v = how == use::check ? checked : values_.emplace_back();
     if (is_missing(record, c, text)) {
       if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
     } else if (matrix_) {
@@ -140,15 +151,20 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
         }
       }
     } else if (how != use::check) {
-      v = text_value<CharT>(text);
+      v.kind = value_kind::text;
+      if constexpr (sizeof(CharT) == 1) {
+        v.bytes = text;
+      } else {
+        v.utf16 = true;
+        v.units = text;
+      }
     }
     ++i;
-    if (how == use::check) continue;
-    if (how == use::parts && values_.size() == record_part_size) {
-      sink.record_part(values_);
-      values_.clear();
+    if (how == use::parts && values_.size() > record_part_size) {
+      sink.record_part(std::span<const output_value>(values_).first(record_part_size));
+      values_.front() = values_.back();
+      values_.resize(1);
     }
-    values_.push_back(v);
   }
   if (padding > 0) {
     const std::size_t cells = record.cells.size();

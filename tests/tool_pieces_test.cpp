@@ -319,6 +319,39 @@ TEST(RecordEscaping, NumbersMatchTheShortestRoundTrip) {
   }
 }
 
+// Typed values at their extremes, in both outputs: the integers through their
+// own digits, unsigned bits above the signed range, logicals as words.
+TEST(RecordEscaping, TypedValuesInBothOutputs) {
+  using textio::import::output_value;
+  using textio::import::value_kind;
+  const auto typed = [](value_kind kind, std::int64_t integer, double number = 0) {
+    output_value v;
+    v.kind = kind;
+    v.integer = integer;
+    v.number = number;
+    return v;
+  };
+  const std::vector<output_value> row = {
+      typed(value_kind::integer, std::numeric_limits<std::int64_t>::min()),
+      typed(value_kind::integer, 0),
+      typed(value_kind::unsigned_integer, -1),
+      typed(value_kind::logical, 0, 1),
+      typed(value_kind::logical, 0, 0),
+  };
+  std::ostringstream csv_out;
+  std::ostringstream json_out;
+  {
+    zvtool::csv_writer csv(csv_out);
+    zvtool::jsonl_writer json(json_out);
+    csv.record(row);
+    json.record(row);
+    csv.flush();
+    json.flush();
+  }
+  EXPECT_EQ(csv_out.str(), "-9223372036854775808,0,18446744073709551615,true,false\r\n");
+  EXPECT_EQ(json_out.str(), "[-9223372036854775808, 0, 18446744073709551615, true, false]\n");
+}
+
 using zvtool::json_quote_units;
 using zvtool::json_writer;
 

@@ -1,5 +1,6 @@
 #include "tools/record_writers.hpp"
 
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -18,11 +19,17 @@ using textio::import::value_kind;
 
 // An integer, logical, datetime or duration value as both outputs write it;
 // JSON quotes the datetime and duration texts.
+template <class Integer>
+void append_integer(std::string& out, Integer n) {
+  char digits[24];
+  out.append(digits, std::to_chars(digits, digits + sizeof digits, n).ptr);
+}
+
 void append_typed(std::string& out, const output_value& v, bool json) {
   if (v.kind == value_kind::integer) {
-    out += std::to_string(v.integer);
+    append_integer(out, v.integer);
   } else if (v.kind == value_kind::unsigned_integer) {
-    out += std::to_string(static_cast<std::uint64_t>(v.integer));
+    append_integer(out, static_cast<std::uint64_t>(v.integer));
   } else if (v.kind == value_kind::logical) {
     out += v.number != 0 ? "true" : "false";
   } else if (json) {
@@ -74,21 +81,20 @@ void append_json_array(std::string& out, std::span<const output_value> values) {
   out += ']';
 }
 
-bool needs_quotes(std::string_view text) {
-  if (text.empty() || text.starts_with("\xEF\xBB\xBF")) return true;
-  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\b'; };
-  if (blank(text.front()) || blank(text.back())) return true;
-  return find_csv_special(text) != text.size();
-}
-
-// Quoted text doubles every '"'; the runs between quotes go in one piece.
+// Quoted when empty, led by a byte-order mark, starting or ending with a
+// blank, or holding a byte that CSV must quote. The text is scanned once: a
+// quote can only sit at or after the first such byte, and the runs between
+// quotes go in one piece, each quote doubled.
 void append_csv_text(std::string& out, std::string_view text) {
-  if (!needs_quotes(text)) {
+  const std::size_t special = find_csv_special(text);
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\b'; };
+  if (special == text.size() && !text.empty() && !text.starts_with("\xEF\xBB\xBF") && !blank(text.front()) &&
+      !blank(text.back())) {
     out += text;
     return;
   }
   out += '"';
-  for (std::size_t quote = text.find('"'); quote != std::string_view::npos; quote = text.find('"')) {
+  for (std::size_t quote = text.find('"', special); quote != std::string_view::npos; quote = text.find('"')) {
     out.append(text.data(), quote + 1);
     out += '"';
     text.remove_prefix(quote + 1);
