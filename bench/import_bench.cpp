@@ -49,7 +49,7 @@ struct null_sink : textio::import::record_sink {
 
 struct counting_sink : null_sink {
   bool counts_only() const override { return true; }
-  void record_count(std::size_t n) override { fields += n; }
+  void record_count(std::size_t n, std::uint64_t records) override { fields += n * records; }
 };
 
 template <class Sink>

@@ -186,11 +186,11 @@ class checking_sink : public textio::import::record_sink {
 class counting_sink : public textio::import::record_sink {
  public:
   void header(const textio::import::table_header&) override {}
-  void record(std::span<const textio::import::output_value> values) override { record_count(values.size()); }
+  void record(std::span<const textio::import::output_value> values) override { record_count(values.size(), 1); }
   bool counts_only() const override { return true; }
-  void record_count(std::size_t n) override {
-    ++records;
-    fields += n;
+  void record_count(std::size_t n, std::uint64_t count) override {
+    records += count;
+    fields += n * count;
   }
   std::uint64_t records = 0;
   std::uint64_t fields = 0;

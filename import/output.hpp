@@ -63,11 +63,15 @@ class record_sink {
   // which is never empty. Only a sink that says it takes parts gets them.
   virtual bool takes_parts() const { return false; }
   virtual void record_part(std::span<const output_value> values) { (void)values; }
-  // A sink that only counts says so here and then receives the field count
-  // of each record instead of its values, where the values cannot change
-  // what is counted.
+  // A sink that only counts says so here and then receives, instead of
+  // their values, the field count of records (`records` of them in a row,
+  // each of `fields` fields), where the values cannot change what is
+  // counted.
   virtual bool counts_only() const { return false; }
-  virtual void record_count(std::size_t fields) { (void)fields; }
+  virtual void record_count(std::size_t fields, std::uint64_t records) {
+    (void)fields;
+    (void)records;
+  }
   // A sink that takes records read on several threads says so here. Then
   // part_sink() makes a sink that collects the records of one part of the
   // input on the thread that reads it (no header), and take_part() hands on

@@ -100,14 +100,15 @@ HWY_INLINE raw_masks classify(const std::uint8_t* p, const structural_classes& c
     r.cr |= mask_bits(d, hn::Eq(v, k.cr)) << i;
     r.lf |= mask_bits(d, hn::Eq(v, k.lf)) << i;
     if (comments) r.comment |= mask_bits(d, hn::Eq(v, k.comment)) << i;
+    // As many compares as the set has bytes (most sets have one or two).
     if (delimiters) {
-      const auto m = hn::Or(hn::Or(hn::Eq(v, k.delimiter[0]), hn::Eq(v, k.delimiter[1])),
-                            hn::Or(hn::Eq(v, k.delimiter[2]), hn::Eq(v, k.delimiter[3])));
+      auto m = hn::Eq(v, k.delimiter[0]);
+      for (std::size_t j = 1; j < c.delimiter_count; ++j) m = hn::Or(m, hn::Eq(v, k.delimiter[j]));
       r.delimiter |= mask_bits(d, m) << i;
     }
     if (blanks) {
-      const auto m = hn::Or(hn::Or(hn::Eq(v, k.blank[0]), hn::Eq(v, k.blank[1])),
-                            hn::Or(hn::Eq(v, k.blank[2]), hn::Eq(v, k.blank[3])));
+      auto m = hn::Eq(v, k.blank[0]);
+      for (std::size_t j = 1; j < c.whitespace_count; ++j) m = hn::Or(m, hn::Eq(v, k.blank[j]));
       r.blank |= mask_bits(d, m) << i;
     }
   }
@@ -225,8 +226,81 @@ void MarkBlocks(const structural_classes& classes, std::string_view text, int ne
 
 // The record walk: the marks of each block, its record ends and delimiters
 // found bit by bit.
-void WalkRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
-                 std::uint64_t line, bool collect, structural_batch& batch) {
+// The marks of the block at p[at..] of p[0..n): 64 bytes, or those left.
+HWY_INLINE block_marks mark_at(const std::uint8_t* p, std::size_t n, std::size_t at, const structural_classes& classes,
+                               const class_vectors& vectors, block_carry& carry) {
+  if (n - at >= 64) {
+    return finish(classify(p + at, classes, vectors), 64, at + 64 < n && p[at + 64] == '\n', classes, carry);
+  }
+  std::uint8_t tail[64] = {};
+  std::memcpy(tail, p + at, n - at);
+  return finish(classify(tail, classes, vectors), n - at, false, classes, carry);
+}
+
+// The records a tally covers from text[from..], counted up to the first
+// one it does not cover, the first irregular quote or the window's end;
+// the walk goes on from `end`. Everything stays in registers: this is the
+// loop that counting spends its time in.
+struct tally_run {
+  std::uint64_t records = 0;
+  std::size_t end = 0;
+  std::uint64_t line = 0;
+};
+
+tally_run TallyRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
+                       std::uint64_t line, const structural_tally& tally) {
+  const std::size_t n = text.size();
+  const std::size_t settled = at_end ? n : n - 1;
+  const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
+  const class_vectors vectors(classes);
+  block_carry carry;
+  std::uint64_t records = 0;
+  std::size_t begin = from;
+  std::uint64_t lines = 0;
+  std::size_t fields = 0;
+  std::uint64_t content = 0;
+  std::uint64_t comment = 0;
+  for (std::size_t at = from; at < n; at += 64) {
+    const block_marks m = mark_at(p, n, at, classes, vectors, carry);
+    std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
+    const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
+    std::uint64_t ends = stop_bit == 64 ? m.records : m.records & ((std::uint64_t{1} << stop_bit) - 1);
+    if (settled < at + 64) ends &= settled > at ? (std::uint64_t{1} << (settled - at)) - 1 : 0;
+    while (ends != 0) {
+      const unsigned e = static_cast<unsigned>(std::countr_zero(ends));
+      ends &= ends - 1;
+      const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
+      fields += bit_count(m.fields & seg);
+      content |= m.content & seg;
+      comment |= m.comments & seg;
+      lines += bit_count(m.lines & seg);
+      if (content == 0 || comment != 0 || fields >= tally.max_fields || begin >= tally.stop ||
+          line >= tally.line_limit) {
+        return {records, begin, line};
+      }
+      ++records;
+      line += lines + 1;
+      begin = at + e + 1 + ((m.wide >> e) & 1);
+      live = begin - at < 64 ? ~std::uint64_t{0} << (begin - at) : 0;
+      lines = fields = 0;
+      content = 0;
+    }
+    if (stop_bit != 64) break;
+    fields += bit_count(m.fields & live);
+    content |= m.content & live;
+    comment |= m.comments & live;
+    lines += bit_count(m.lines & live);
+  }
+  return {records, begin, line};
+}
+
+// With a tally, the regular records before the first other one are only
+// counted (batch.tallied); the batch ends before the first regular record
+// after another one, so that the counts stay in the input's order.
+template <bool Tally>
+void Walk(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end, std::uint64_t line,
+          bool collect, const structural_tally& tally, structural_batch& batch) {
+  batch.tallied = 0;
   batch.records.clear();
   batch.delimiters.clear();
   batch.first_delimiter.clear();
@@ -268,14 +342,7 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
   const class_vectors vectors(classes);
   // Each block is marked and walked at once (its marks stay in registers).
   for (std::size_t at = from; at < n; at += 64) {
-    block_marks m;
-    if (n - at >= 64) {
-      m = finish(classify(p + at, classes, vectors), 64, at + 64 < n && p[at + 64] == '\n', classes, carry);
-    } else {
-      std::uint8_t tail[64] = {};
-      std::memcpy(tail, p + at, n - at);
-      m = finish(classify(tail, classes, vectors), n - at, false, classes, carry);
-    }
+    const block_marks m = mark_at(p, n, at, classes, vectors, carry);
     // Bits from the record's first byte on.
     std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
     const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
@@ -291,6 +358,22 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
       comment = comment || (m.comments & seg) != 0;
       lines += bit_count(m.lines & seg);
       const std::size_t next = at + e + 1 + ((m.wide >> e) & 1);
+      if constexpr (Tally) {
+        if (content && !comment && fields < tally.max_fields && begin < tally.stop && line < tally.line_limit) {
+          if (!batch.records.empty()) {
+            batch.what = structural_stop::full;
+            return;
+          }
+          ++batch.tallied;
+          line += lines + 1;
+          begin = batch.tally_end = next;
+          batch.tally_line = line;
+          lines = fields = 0;
+          content = false;
+          live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
+          continue;
+        }
+      }
       add_record(at + e, next);
       live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
       if (batch.records.size() == structural_batch::capacity) {
@@ -324,6 +407,21 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
   }
 }
 
+void WalkRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
+                 std::uint64_t line, bool collect, const structural_tally* tally, structural_batch& batch) {
+  if (tally != nullptr) {
+    const tally_run run = TallyRecords(classes, text, from, at_end, line, *tally);
+    Walk<true>(classes, text, run.end, at_end, run.line, false, *tally, batch);
+    if (batch.tallied == 0) {
+      batch.tally_end = run.end;
+      batch.tally_line = run.line;
+    }
+    batch.tallied += run.records;
+    return;
+  }
+  Walk<false>(classes, text, from, at_end, line, collect, structural_tally{}, batch);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace textio::import
 HWY_AFTER_NAMESPACE();
@@ -334,7 +432,7 @@ namespace {
 
 using mark_function = void (*)(const structural_classes&, std::string_view, int, block_carry&, block_marks*);
 using walk_function = void (*)(const structural_classes&, std::string_view, std::size_t, bool, std::uint64_t, bool,
-                               structural_batch&);
+                               const structural_tally*, structural_batch&);
 
 struct kernel {
   std::int64_t target;
@@ -436,8 +534,9 @@ void mark_blocks_with(std::int64_t target, const structural_classes& classes, st
 }
 
 void walk_records(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
-                  std::uint64_t line, bool collect, std::int64_t target, structural_batch& batch) {
-  kernel_for(target).walk(classes, text, from, at_end, line, collect, batch);
+                  std::uint64_t line, bool collect, std::int64_t target, structural_batch& batch,
+                  const structural_tally* tally) {
+  kernel_for(target).walk(classes, text, from, at_end, line, collect, tally, batch);
 }
 
 }  // namespace textio::import

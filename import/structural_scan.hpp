@@ -16,6 +16,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -120,6 +121,15 @@ enum class structural_stop {
   full,          // (a batch only) it holds as many records as it may
 };
 
+// Which records a caller that only counts takes in bulk: those with content
+// and no comment, of at most `max_fields` fields, that start before byte
+// `stop` of the text and on a line before `line_limit`.
+struct structural_tally {
+  std::size_t max_fields = 0;
+  std::size_t stop = std::numeric_limits<std::size_t>::max();
+  std::uint64_t line_limit = std::numeric_limits<std::uint64_t>::max();
+};
+
 // The records of one step of the scan.
 struct structural_batch {
   static constexpr std::size_t capacity = 128;  // a few KiB: stays in the first-level cache
@@ -130,12 +140,20 @@ struct structural_batch {
   std::vector<std::size_t> delimiters;  // with collection: each record's from first_delimiter
   std::vector<std::size_t> first_delimiter;
   structural_stop what = structural_stop::need_more;
+  // With a tally: the records counted before `records`, the byte after the
+  // last of them and the line it starts.
+  std::uint64_t tallied = 0;
+  std::size_t tally_end = 0;
+  std::uint64_t tally_line = 0;
 };
 
 // Walks the records of text[from..] (the first on line `line`) into `batch`,
-// with the kernel `target` (0: the best one).
+// with the kernel `target` (0: the best one). With a tally (and no
+// collection), the records it covers before the first other one are only
+// counted, and the batch ends before the next such record after another.
 void walk_records(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
-                  std::uint64_t line, bool collect, std::int64_t target, structural_batch& batch);
+                  std::uint64_t line, bool collect, std::int64_t target, structural_batch& batch,
+                  const structural_tally* tally = nullptr);
 
 class structural_scanner {
  public:
@@ -164,6 +182,37 @@ class structural_scanner {
         structural_record& r = batch_.records[i];
         if (collect_) r.delimiters = batch_.delimiters.data() + batch_.first_delimiter[i];
         if (!sink(static_cast<const structural_record&>(r))) {
+          out.what = stop::exact;
+          return out;
+        }
+        out.consumed = r.next;
+        out.next_line = r.next_line;
+      }
+      if (batch_.what != stop::full) {
+        out.what = batch_.what;
+        return out;
+      }
+    }
+  }
+
+  // Like scan, for a caller that only counts: the records `tally` covers go
+  // to `counted(std::uint64_t records)` in bulk, the others one by one to
+  // `sink`; `tally_for()` gives the tally at each step, as the sink's
+  // records may change it.
+  template <class TallyFor, class Counted, class Sink>
+  outcome count(std::string_view text, bool at_end, std::uint64_t line, TallyFor&& tally_for, Counted&& counted,
+                Sink&& sink) {
+    outcome out{0, line, stop::end_of_input};
+    for (;;) {
+      const structural_tally tally = tally_for();
+      walk_records(classes_, text, out.consumed, at_end, out.next_line, false, target_, batch_, &tally);
+      if (batch_.tallied != 0) {
+        counted(batch_.tallied);
+        out.consumed = batch_.tally_end;
+        out.next_line = batch_.tally_line;
+      }
+      for (const structural_record& r : batch_.records) {
+        if (!sink(r)) {
           out.what = stop::exact;
           return out;
         }

@@ -154,24 +154,8 @@ class table_reader {
       const bool meta = !header_sent_ && header_.is_meta_line(line);
       if constexpr (sizeof(CharT) == 1) {
         if (structural_ && line >= first_structural_line_ && window_.view().size() <= data_rules_.max_record_units) {
-          const view w = window_.view();
-          const std::uint64_t base = window_offset();
-          std::size_t taken = 0;  // of the window, up to the record being read
-          const auto r = structural_->scan(w, window_.at_end(), line, [&](const structural_record& rec) {
-            if (base + rec.begin >= stop_) return false;
-            if (counting_) return counted_fast(rec);
-            if (text_.table_end_line && rec.line >= *text_.table_end_line) return false;
-            if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
-            // Shaping and values read the record at the start of the window.
-            window_.consume(rec.begin - taken);
-            taken = rec.begin;
-            line = rec.line;
-            data_record();
-            return true;
-          });
-          window_.consume(r.consumed - taken);
-          line = r.next_line;
-          if (r.what == structural_scanner::stop::end_of_input) break;
+          const structural_stop what = counting_ ? count_structurally() : read_structurally();
+          if (what == structural_stop::end_of_input) break;
           if ((text_.table_end_line && line >= *text_.table_end_line) || at_stop()) continue;
           // Otherwise the exact scanner takes the next record: one that the
           // scan leaves to it, or the one at the window's end, which the
@@ -206,6 +190,44 @@ class table_reader {
       line = rec_.next_line;
     }
     finish();
+  }
+
+  // Reads the window's records through the structural scan, up to one it
+  // leaves to the exact scanner.
+  structural_stop read_structurally() requires(sizeof(CharT) == 1) {
+    const view w = window_.view();
+    const std::uint64_t base = window_offset();
+    std::size_t taken = 0;  // of the window, up to the record being read
+    const auto r = structural_->scan(w, window_.at_end(), line_, [&](const structural_record& rec) {
+      if (base + rec.begin >= stop_) return false;
+      if (text_.table_end_line && rec.line >= *text_.table_end_line) return false;
+      if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
+      // Shaping and values read the record at the start of the window.
+      window_.consume(rec.begin - taken);
+      taken = rec.begin;
+      line_ = rec.line;
+      data_record();
+      return true;
+    });
+    window_.consume(r.consumed - taken);
+    line_ = r.next_line;
+    return r.what;
+  }
+
+  // Counts the window's records through the structural scan: the regular
+  // ones in bulk, the others one by one.
+  structural_stop count_structurally() requires(sizeof(CharT) == 1) {
+    const std::uint64_t base = window_offset();
+    const auto r = structural_->count(
+        window_.view(), window_.at_end(), line_, [&] { return tally(base); },
+        [&](std::uint64_t records) {
+          send_header();
+          sink_.record_count(*variables_, records);
+        },
+        [&](const structural_record& rec) { return base + rec.begin < stop_ && counted_fast(rec); });
+    window_.consume(r.consumed);
+    line_ = r.next_line;
+    return r.what;
   }
 
   // What holds the memory of a record beyond its own text.
@@ -297,12 +319,24 @@ class table_reader {
     return true;
   }
 
+  // The records the structural scan may count in bulk: each counts as
+  // variables_ fields, as count_record would count it.
+  structural_tally tally(std::uint64_t base) const {
+    structural_tally t;
+    if (!variables_) return t;
+    t.max_fields =
+        opts_.extra_columns_rule() == ExtraColumnsRule::Ignore ? std::numeric_limits<std::size_t>::max() : *variables_;
+    if (stop_ != std::numeric_limits<std::uint64_t>::max()) t.stop = stop_ > base ? stop_ - base : 0;
+    if (text_.table_end_line) t.line_limit = *text_.table_end_line;
+    return t;
+  }
+
   // The field count of a record that is only counted (see counting_).
   void count_record(std::size_t fields) {
     if (!variables_) variables_ = fields;
     // Extra fields are kept (AddVars) or dropped (Ignore), missing ones filled.
     if (fields > *variables_ && opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
-    sink_.record_count(*variables_);
+    sink_.record_count(*variables_, 1);
   }
 
   // The byte offset in the file of the window's start; for UTF-8 input read

@@ -117,9 +117,9 @@ class count_writer : public textio::import::record_sink {
     fields_ += missing;
   }
   bool counts_only() const override { return true; }
-  void record_count(std::size_t fields) override {
-    ++records_;
-    fields_ += fields;
+  void record_count(std::size_t fields, std::uint64_t records) override {
+    records_ += records;
+    fields_ += fields * records;
   }
   std::uint64_t records() const noexcept { return records_; }
   std::uint64_t fields() const noexcept { return fields_; }
