@@ -100,7 +100,7 @@ class utf8_input {
   bool at_end_ = false;
   bool started_ = false;  // the byte-order mark has been looked for
   std::size_t read_limit_ = static_cast<std::size_t>(-1);
-  std::size_t block_size_ = std::size_t{1} << 20;
+  std::size_t block_size_ = std::size_t{1} << 18;
   std::unique_ptr<transcoder> transcoder_;  // none: the input is UTF-8
 };
 
