@@ -23,6 +23,8 @@ namespace textio::import {
 namespace {
 
 constexpr std::size_t probe_bytes = std::size_t{1} << 16;
+// The first part, read before the workers start: short, so that they start soon.
+constexpr std::uint64_t first_part_bytes = std::uint64_t{1} << 20;
 
 // Positional reads of the shared descriptor; short at the end of the file.
 std::size_t read_at(int fd, char* into, std::size_t size, std::uint64_t offset) {
@@ -247,7 +249,7 @@ read_summary read_in_parts(const textio::parser::options& given, utf8_input& inp
   table_reader<char> first(given, input, sink, progress, format, stray_quote, types);
   const std::uint64_t part = std::max<std::uint64_t>(format.part_bytes, 1);
   if (!first.reads_in_parts() || input.size() / 2 < part) return first.run();
-  first.stop_at(part);
+  first.stop_at(std::min<std::uint64_t>(part, first_part_bytes));
   read_summary summary = first.run();
   // Read on alone when the first part ended the file, when quotes turned
   // to text in it (reads_in_parts() is then false) or when it is all header.
