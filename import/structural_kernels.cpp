@@ -258,8 +258,7 @@ tally_run TallyRecords(const structural_classes& classes, std::string_view text,
   std::size_t begin = from;
   std::uint64_t lines = 0;
   std::size_t fields = 0;
-  std::uint64_t content = 0;
-  std::uint64_t comment = 0;
+  std::uint64_t content = 0;  // the record's bytes that are content
   for (std::size_t at = from; at < n; at += 64) {
     const block_marks m = mark_at(p, n, at, classes, vectors, carry);
     std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
@@ -272,10 +271,8 @@ tally_run TallyRecords(const structural_classes& classes, std::string_view text,
       const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
       fields += bit_count(m.fields & seg);
       content |= m.content & seg;
-      comment |= m.comments & seg;
       lines += bit_count(m.lines & seg);
-      if (content == 0 || comment != 0 || fields >= tally.max_fields || begin >= tally.stop ||
-          line >= tally.line_limit) {
+      if (content == 0 || fields >= tally.max_fields || begin >= tally.stop || line >= tally.line_limit) {
         return {records, begin, line};
       }
       ++records;
@@ -288,15 +285,13 @@ tally_run TallyRecords(const structural_classes& classes, std::string_view text,
     if (stop_bit != 64) break;
     fields += bit_count(m.fields & live);
     content |= m.content & live;
-    comment |= m.comments & live;
     lines += bit_count(m.lines & live);
   }
   return {records, begin, line};
 }
 
-// With a tally, the regular records before the first other one are only
-// counted (batch.tallied); the batch ends before the first regular record
-// after another one, so that the counts stay in the input's order.
+// With a tally (it starts where TallyRecords stopped), the batch ends before
+// the next record the tally covers, so that counts stay in the input's order.
 template <bool Tally>
 void Walk(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end, std::uint64_t line,
           bool collect, const structural_tally& tally, structural_batch& batch) {
@@ -359,19 +354,12 @@ void Walk(const structural_classes& classes, std::string_view text, std::size_t 
       lines += bit_count(m.lines & seg);
       const std::size_t next = at + e + 1 + ((m.wide >> e) & 1);
       if constexpr (Tally) {
-        if (content && !comment && fields < tally.max_fields && begin < tally.stop && line < tally.line_limit) {
-          if (!batch.records.empty()) {
-            batch.what = structural_stop::full;
-            return;
-          }
-          ++batch.tallied;
-          line += lines + 1;
-          begin = batch.tally_end = next;
-          batch.tally_line = line;
-          lines = fields = 0;
-          content = false;
-          live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
-          continue;
+        // The batch ends before a record the tally covers. (The walk starts
+        // where the tally stopped, at a record it does not cover.)
+        if (!batch.records.empty() && content && fields < tally.max_fields && begin < tally.stop &&
+            line < tally.line_limit) {
+          batch.what = structural_stop::full;
+          return;
         }
       }
       add_record(at + e, next);
@@ -412,11 +400,9 @@ void WalkRecords(const structural_classes& classes, std::string_view text, std::
   if (tally != nullptr) {
     const tally_run run = TallyRecords(classes, text, from, at_end, line, *tally);
     Walk<true>(classes, text, run.end, at_end, run.line, false, *tally, batch);
-    if (batch.tallied == 0) {
-      batch.tally_end = run.end;
-      batch.tally_line = run.line;
-    }
-    batch.tallied += run.records;
+    batch.tallied = run.records;
+    batch.tally_end = run.end;
+    batch.tally_line = run.line;
     return;
   }
   Walk<false>(classes, text, from, at_end, line, collect, structural_tally{}, batch);

@@ -122,8 +122,8 @@ enum class structural_stop {
 };
 
 // Which records a caller that only counts takes in bulk: those with content
-// and no comment, of at most `max_fields` fields, that start before byte
-// `stop` of the text and on a line before `line_limit`.
+// (a comment after it is no concern), of at most `max_fields` fields, that
+// start before byte `stop` of the text and on a line before `line_limit`.
 struct structural_tally {
   std::size_t max_fields = 0;
   std::size_t stop = std::numeric_limits<std::size_t>::max();
@@ -150,7 +150,7 @@ struct structural_batch {
 // Walks the records of text[from..] (the first on line `line`) into `batch`,
 // with the kernel `target` (0: the best one). With a tally (and no
 // collection), the records it covers before the first other one are only
-// counted, and the batch ends before the next such record after another.
+// counted (batch.tallied), and the batch ends before the next such record.
 void walk_records(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
                   std::uint64_t line, bool collect, std::int64_t target, structural_batch& batch,
                   const structural_tally* tally = nullptr);

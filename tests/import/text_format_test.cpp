@@ -136,6 +136,9 @@ const format_case format_cases[] = {
     {"table_end_lf", "1,2\n\"3\n3\",4\nx\n", ending_at(3), R"(["1", "2"] | ["3\n3", "4"] # 2/4 ~ 1)"},
     {"table_end_cr", "1,2\n\"3\n3\",4\rx\ry", ending_at(3), R"(["1", "2"] | ["3\n3", "4"] # 2/4 ~ 2)"},
     {"table_end_at_a_record_start", "1,2\n3,4\n", ending_at(2), R"(["1", "2"] # 1/2 ~ 1)"},
+    // Counted in bulk, the records stop at the end line too.
+    {"table_end_after_a_record_of_two_lines", "1,2\n\"3\n3\",4\n5,6\n7,8\n", ending_at(4),
+     R"(["1", "2"] | ["3\n3", "4"] # 2/4 ~ 2)"},
 };
 INSTANTIATE_TEST_SUITE_P(Formats, TextFormat, ::testing::ValuesIn(format_cases));
 
