@@ -364,7 +364,8 @@ void Walk(const structural_classes& classes, std::string_view text, std::size_t 
       }
       add_record(at + e, next);
       live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
-      if (batch.records.size() == structural_batch::capacity) {
+      // (A tally that covers no record yet may cover more after this one.)
+      if (batch.records.size() == structural_batch::capacity || (Tally && tally.max_fields == 0)) {
         batch.what = structural_stop::full;
         return;
       }

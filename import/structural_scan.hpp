@@ -124,6 +124,8 @@ enum class structural_stop {
 // Which records a caller that only counts takes in bulk: those with content
 // (a comment after it is no concern), of at most `max_fields` fields, that
 // start before byte `stop` of the text and on a line before `line_limit`.
+// One that covers none (max_fields 0, the count not known yet) ends each
+// batch after its first record, which may settle it.
 struct structural_tally {
   std::size_t max_fields = 0;
   std::size_t stop = std::numeric_limits<std::size_t>::max();
