@@ -148,6 +148,8 @@ const setting_case setting_cases[] = {
     {"missing_omitrow", "1,2\n3,\n5,6", {"MissingRule", "omitrow"}, R"(["1", "2"] | ["5", "6"])"},
     {"missing_omitvar", "1,2,3\n4,,6\n7,8,9", {"MissingRule", "omitvar"}, R"(["1", "3"] | ["4", "6"] | ["7", "9"])"},
     {"first_record_sets_count", "1,2\n3\n4,5,6", {}, R"(["1", "2"] | ["3", null] | ["4", "5", "6"])"},
+    {"crlf_records_then_a_longer_one", "1,2\r\n3,4\r\n5,6,7\r\n8,9\r\n", {"EmptyLineRule", "read"},
+     R"(["1", "2"] | ["3", "4"] | ["5", "6", "7"] | ["8", "9", null])"},
     {"num_variables", "1,2,3\n4", {"NumVariables", "2", "ExtraColumnsRule", "ignore"}, R"(["1", "2"] | ["4", null])"},
     {"extra_wrap_delimited",
      "1,2,3\n4,5\n6",
