@@ -194,40 +194,48 @@ class table_reader {
 
   // Reads the window's records through the structural scan, up to one it
   // leaves to the exact scanner.
-  structural_stop read_structurally() requires(sizeof(CharT) == 1) {
-    const view w = window_.view();
-    const std::uint64_t base = window_offset();
-    std::size_t taken = 0;  // of the window, up to the record being read
-    const auto r = structural_->scan(w, window_.at_end(), line_, [&](const structural_record& rec) {
-      if (base + rec.begin >= stop_) return false;
-      if (text_.table_end_line && rec.line >= *text_.table_end_line) return false;
-      if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
-      // Shaping and values read the record at the start of the window.
-      window_.consume(rec.begin - taken);
-      taken = rec.begin;
-      line_ = rec.line;
-      data_record();
-      return true;
-    });
-    window_.consume(r.consumed - taken);
-    line_ = r.next_line;
-    return r.what;
+  structural_stop read_structurally() {
+    if constexpr (sizeof(CharT) != 1) {
+      return structural_stop::exact;  // (UTF-8 bytes only)
+    } else {
+      const view w = window_.view();
+      const std::uint64_t base = window_offset();
+      std::size_t taken = 0;  // of the window, up to the record being read
+      const auto r = structural_->scan(w, window_.at_end(), line_, [&](const structural_record& rec) {
+        if (base + rec.begin >= stop_) return false;
+        if (text_.table_end_line && rec.line >= *text_.table_end_line) return false;
+        if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
+        // Shaping and values read the record at the start of the window.
+        window_.consume(rec.begin - taken);
+        taken = rec.begin;
+        line_ = rec.line;
+        data_record();
+        return true;
+      });
+      window_.consume(r.consumed - taken);
+      line_ = r.next_line;
+      return r.what;
+    }
   }
 
   // Counts the window's records through the structural scan: the regular
   // ones in bulk, the others one by one.
-  structural_stop count_structurally() requires(sizeof(CharT) == 1) {
-    const std::uint64_t base = window_offset();
-    const auto r = structural_->count(
-        window_.view(), window_.at_end(), line_, [&] { return tally(base); },
-        [&](std::uint64_t records) {
-          send_header();
-          sink_.record_count(*variables_, records);
-        },
-        [&](const structural_record& rec) { return base + rec.begin < stop_ && counted_fast(rec); });
-    window_.consume(r.consumed);
-    line_ = r.next_line;
-    return r.what;
+  structural_stop count_structurally() {
+    if constexpr (sizeof(CharT) != 1) {
+      return structural_stop::exact;  // (UTF-8 bytes only)
+    } else {
+      const std::uint64_t base = window_offset();
+      const auto r = structural_->count(
+          window_.view(), window_.at_end(), line_, [&] { return tally(base); },
+          [&](std::uint64_t records) {
+            send_header();
+            sink_.record_count(*variables_, records);
+          },
+          [&](const structural_record& rec) { return base + rec.begin < stop_ && counted_fast(rec); });
+      window_.consume(r.consumed);
+      line_ = r.next_line;
+      return r.what;
+    }
   }
 
   // What holds the memory of a record beyond its own text.
