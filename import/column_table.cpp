@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <ranges>
 #include <utility>
 
 #include "import/number_text.hpp"
@@ -117,10 +118,10 @@ void append_rows(table_column& to, const table_column& from) {
   } else if (from.kind == column_kind::text) {
     const std::uint64_t base = to.text.size();
     to.text += from.text;
-    const std::size_t at = to.offsets.size();
-    to.offsets.resize(at + rows);
-    std::uint64_t* out = to.offsets.data() + at;
-    for (std::size_t row = 1; row <= rows; ++row) out[row - 1] = base + from.offsets[row];
+    // Written once, shifted as they are copied (no zeroing pass first).
+    const auto shifted = from.offsets | std::views::drop(1) |
+                         std::views::transform([base](std::uint64_t offset) { return base + offset; });
+    to.offsets.insert(to.offsets.end(), shifted.begin(), shifted.end());
   } else {
     for (std::size_t row = 0; row < rows; ++row) {
       if (from.missing[row] == 0) append_number_text(to.text, from.numbers[row]);
