@@ -57,6 +57,22 @@ bool find_line_starts(std::string_view record, const scan_rules<char>& rules, sc
   return true;
 }
 
+// Field i of record r, whose text t starts at r.begin: quoted, or trimmed.
+raw_field field_of(std::string_view t, const structural_record& r, std::size_t i, const scan_rules<char>& rules,
+                   scanned_record<char>& out) {
+  std::size_t b = (i == 0 ? r.begin : r.delimiters[i - 1] + 1) - r.begin;
+  std::size_t e = (i + 1 < r.fields ? r.delimiters[i] : r.end) - r.begin;
+  if (b < e && t[b] == rules.quote) return quoted_field(t, b, e, rules.quote, out);
+  const auto blank = [&rules](char u) { return (rules.classes(u) & is_whitespace) != 0; };
+  while (b < e && blank(t[b])) ++b;
+  while (e > b && blank(t[e - 1])) --e;
+  raw_field f;
+  f.start = static_cast<std::uint32_t>(b);
+  f.begin = f.start;
+  f.length = static_cast<std::uint32_t>(e - b);
+  return f;
+}
+
 }  // namespace
 
 bool fill_scanned_record(std::string_view text, const structural_record& r, const scan_rules<char>& rules,
@@ -91,21 +107,32 @@ bool fill_scanned_record(std::string_view text, const structural_record& r, cons
     return true;
   }
   for (std::size_t i = 0; i < r.fields; ++i) {
-    std::size_t b = (i == 0 ? r.begin : r.delimiters[i - 1] + 1) - r.begin;
-    std::size_t e = (i + 1 < r.fields ? r.delimiters[i] : r.end) - r.begin;
-    if (b < e && t[b] == rules.quote) {
-      out.fields.push_back(quoted_field(t, b, e, rules.quote, out));
-    } else {
-      while (b < e && blank(t[b])) ++b;
-      while (e > b && blank(t[e - 1])) --e;
-      raw_field f;
-      f.start = static_cast<std::uint32_t>(b);
-      f.begin = f.start;
-      f.length = static_cast<std::uint32_t>(e - b);
-      out.fields.push_back(f);
-    }
+    out.fields.push_back(field_of(t, r, i, rules, out));
     if (rules.record_delimiters && i + 1 < r.fields)
       out.delimiters.push_back(static_cast<std::uint32_t>(r.delimiters[i] - r.begin));
+  }
+  return true;
+}
+
+bool plain_text_values(std::string_view text, const structural_record& r, const scan_rules<char>& rules,
+                       scanned_record<char>& scratch, std::vector<output_value>& values) {
+  if (r.empty || r.had_comment || r.next_line - (r.next != r.end ? 1 : 0) != r.line) return false;
+  if (r.next - r.begin >= rules.max_record_units) return false;
+  const std::string_view t = text.substr(r.begin, r.end - r.begin);
+  // Fields with doubled quotes are copied to scratch, never more than the
+  // record's bytes: reserved first, so that the views into it hold.
+  scratch.scratch.clear();
+  scratch.scratch.reserve(t.size());
+  values.resize(r.fields);
+  for (std::size_t i = 0; i < r.fields; ++i) {
+    const raw_field f = field_of(t, r, i, rules, scratch);
+    output_value& v = values[i];
+    if (f.length == 0 && !f.quoted) {
+      v = output_value{};
+    } else {
+      v.kind = value_kind::text;
+      v.bytes = scratch.text(t, f);
+    }
   }
   return true;
 }

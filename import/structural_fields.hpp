@@ -6,7 +6,9 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
+#include "import/output.hpp"
 #include "import/record_scanner.hpp"
 #include "import/structural_scan.hpp"
 
@@ -19,5 +21,14 @@ namespace textio::import {
 // for: delimited, trimmed, quotes doubled.
 bool fill_scanned_record(std::string_view text, const structural_record& r, const scan_rules<char>& rules,
                          scanned_record<char>& out);
+
+// The values of record `r` when every value is its text and only an empty
+// unquoted field is missing (no placeholders, MissingRule Fill), one value a
+// field: what fill_scanned_record and the value stage give for a record on
+// one line without a comment, all its fields kept. False when the record
+// must take that road. Text with doubled quotes made single is kept in
+// `scratch` until the next record.
+bool plain_text_values(std::string_view text, const structural_record& r, const scan_rules<char>& rules,
+                       scanned_record<char>& scratch, std::vector<output_value>& values);
 
 }  // namespace textio::import

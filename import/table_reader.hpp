@@ -20,6 +20,7 @@
 #include <utility>
 #include <vector>
 
+#include "import/delimiter_rules.hpp"
 #include "import/header_lines.hpp"
 #include "import/lines_left.hpp"
 #include "import/omitted_variables.hpp"
@@ -204,6 +205,7 @@ class table_reader {
       const auto r = structural_->scan(w, window_.at_end(), line_, [&](const structural_record& rec) {
         if (base + rec.begin >= stop_) return false;
         if (text_.table_end_line && rec.line >= *text_.table_end_line) return false;
+        if (plain_ && plain_record(w, rec)) return true;
         if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
         // Shaping and values read the record at the start of the window.
         window_.consume(rec.begin - taken);
@@ -216,6 +218,27 @@ class table_reader {
       line_ = r.next_line;
       return r.what;
     }
+  }
+
+  // A record of text values that needs no shaping beyond the extra-columns
+  // rule and the padding, handed to the sink as data_record would hand it;
+  // false when data_record must take it.
+  bool plain_record(std::string_view w, const structural_record& rec) {
+    if constexpr (sizeof(CharT) != 1) {
+      return false;  // (UTF-8 bytes only)
+    } else {
+      if (!variables_ || rec.fields > value_stage<CharT>::record_part_size) return false;
+      if (!plain_text_values(w, rec, data_rules_, plain_scratch_, plain_values_)) return false;
+    }
+    line_ = rec.line;
+    std::size_t fields = rec.fields;
+    if (fields > *variables_) {
+      if (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
+      fields = *variables_;  // Ignore
+    }
+    send_header();
+    sink_.padded_record(std::span<const output_value>(plain_values_).first(fields), *variables_ - fields);
+    return true;
   }
 
   // Counts the window's records through the structural scan: the regular
@@ -296,6 +319,11 @@ class table_reader {
         if (classes && last_special < std::numeric_limits<std::uint64_t>::max()) {
           structural_.emplace(*classes, !counting_);
           first_structural_line_ = last_special + 1;
+          plain_ = !counting_ && !buffering_ && values_.plain_text() &&
+                   (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
+                    opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
+                   keeps_every_field(delimiter_rule_set{opts_.leading_delim_rule(), opts_.trailing_delim_rule(),
+                                                        opts_.consecutive_delim_rule()});
         }
       }
     }
@@ -462,6 +490,10 @@ class table_reader {
   bool rules_may_drop_ = false;                   // a missing or import-error rule may drop or fail a record
   std::optional<structural_scanner> structural_;  // plain delimited UTF-8 records
   std::uint64_t first_structural_line_ = 0;       // after header and meta lines
+  // Records of text values go from the structural scan to the sink (plain_record).
+  bool plain_ = false;
+  std::vector<output_value> plain_values_;
+  scanned_record<char> plain_scratch_;
 
   header_lines<CharT> header_;
 

@@ -39,6 +39,11 @@ class value_stage {
 
   // Whether values are converted from text: Matrix, or Table with types.
   bool converts() const noexcept { return converts_; }
+  // Whether each value is its text and only an empty unquoted field is
+  // missing, kept as it is (plain_text_values gives such values).
+  bool plain_text() const noexcept {
+    return !converts_ && placeholders_.empty() && missing_rule_ == textio::enums::BadDataRule::Fill;
+  }
   // The type of each variable by position (Table only).
   std::span<const variable_typing> typing() const noexcept { return typing_; }
 
