@@ -220,7 +220,18 @@ void column_table_sink::header(const table_header& header) {
 
 void column_table_sink::padded_record(std::span<const output_value> values, std::size_t missing) {
   widen(values.size() + missing);
-  for (std::size_t i = 0; i < values.size(); ++i) add(table_.columns[i], values[i]);
+  table_column* column = table_.columns.data();
+  for (const output_value& v : values) {
+    // Most values: UTF-8 text for a text column.
+    if (v.kind == value_kind::text && !v.utf16 && column->kind == column_kind::text) [[likely]] {
+      column->missing.push_back(0);
+      column->text.append(v.bytes.data(), v.bytes.size());
+      column->offsets.push_back(column->text.size());
+    } else {
+      add(*column, v);
+    }
+    ++column;
+  }
   for (std::size_t i = values.size(); i < table_.columns.size(); ++i) add_missing(table_.columns[i]);
   added_rows(table_.rows++);
 }
