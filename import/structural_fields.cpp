@@ -9,7 +9,8 @@ namespace {
 // A quoted field from its opening quote at `b` to `e`: on the structural
 // path its quotes are the opening one, doubled ones and the closing one,
 // which only the field's own units (no quote) may follow.
-[[gnu::noinline]] raw_field quoted_field(std::string_view t, std::size_t b, std::size_t e, char quote, scanned_record<char>& out) {
+[[gnu::noinline]] raw_field quoted_field(std::string_view t, std::size_t b, std::size_t e, char quote,
+                                         scanned_record<char>& out) {
   raw_field f;
   f.start = static_cast<std::uint32_t>(b);
   f.begin = f.start;
@@ -58,8 +59,8 @@ bool find_line_starts(std::string_view record, const scan_rules<char>& rules, sc
 }
 
 // Field i of record r, whose text t starts at r.begin: quoted, or trimmed.
-[[gnu::always_inline]] inline raw_field field_of(std::string_view t, const structural_record& r, std::size_t i, const scan_rules<char>& rules,
-                   scanned_record<char>& out) {
+[[gnu::always_inline]] inline raw_field field_of(std::string_view t, const structural_record& r, std::size_t i,
+                                                 const scan_rules<char>& rules, scanned_record<char>& out) {
   std::size_t b = (i == 0 ? r.begin : r.delimiters[i - 1] + 1) - r.begin;
   std::size_t e = (i + 1 < r.fields ? r.delimiters[i] : r.end) - r.begin;
   if (b < e && t[b] == rules.quote) return quoted_field(t, b, e, rules.quote, out);
