@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace textio::import {
 namespace {
@@ -58,20 +59,17 @@ bool find_line_starts(std::string_view record, const scan_rules<char>& rules, sc
   return true;
 }
 
-// Field i of record r, whose text t starts at r.begin: quoted, or trimmed.
-[[gnu::always_inline]] inline raw_field field_of(std::string_view t, const structural_record& r, std::size_t i,
-                                                 const scan_rules<char>& rules, scanned_record<char>& out) {
-  std::size_t b = (i == 0 ? r.begin : r.delimiters[i - 1] + 1) - r.begin;
-  std::size_t e = (i + 1 < r.fields ? r.delimiters[i] : r.end) - r.begin;
-  if (b < e && t[b] == rules.quote) return quoted_field(t, b, e, rules.quote, out);
+// The bytes of field i of record r, from r.begin: quotes and whitespace included.
+std::pair<std::size_t, std::size_t> field_span(const structural_record& r, std::size_t i) {
+  return {(i == 0 ? r.begin : r.delimiters[i - 1] + 1) - r.begin,
+          (i + 1 < r.fields ? r.delimiters[i] : r.end) - r.begin};
+}
+
+// Leaves out the whitespace at either end of t[b, e).
+void trim(std::string_view t, const scan_rules<char>& rules, std::size_t& b, std::size_t& e) {
   const auto blank = [&rules](char u) { return (rules.classes(u) & is_whitespace) != 0; };
   while (b < e && blank(t[b])) ++b;
   while (e > b && blank(t[e - 1])) --e;
-  raw_field f;
-  f.start = static_cast<std::uint32_t>(b);
-  f.begin = f.start;
-  f.length = static_cast<std::uint32_t>(e - b);
-  return f;
 }
 
 }  // namespace
@@ -108,7 +106,17 @@ bool fill_scanned_record(std::string_view text, const structural_record& r, cons
     return true;
   }
   for (std::size_t i = 0; i < r.fields; ++i) {
-    out.fields.push_back(field_of(t, r, i, rules, out));
+    auto [b, e] = field_span(r, i);
+    if (b < e && t[b] == rules.quote) {
+      out.fields.push_back(quoted_field(t, b, e, rules.quote, out));
+    } else {
+      trim(t, rules, b, e);
+      raw_field f;
+      f.start = static_cast<std::uint32_t>(b);
+      f.begin = f.start;
+      f.length = static_cast<std::uint32_t>(e - b);
+      out.fields.push_back(f);
+    }
     if (rules.record_delimiters && i + 1 < r.fields)
       out.delimiters.push_back(static_cast<std::uint32_t>(r.delimiters[i] - r.begin));
   }
@@ -126,14 +134,16 @@ bool plain_text_values(std::string_view text, const structural_record& r, const 
   scratch.scratch.reserve(t.size());
   values.resize(r.fields);
   for (std::size_t i = 0; i < r.fields; ++i) {
-    const raw_field f = field_of(t, r, i, rules, scratch);
+    auto [b, e] = field_span(r, i);
     output_value& v = values[i];
-    if (f.length == 0 && !f.quoted) {
-      v = output_value{};
-    } else {
+    if (b < e && t[b] == rules.quote) {
       v.kind = value_kind::text;
-      v.bytes = scratch.text(t, f);
+      v.bytes = scratch.text(t, quoted_field(t, b, e, rules.quote, scratch));
+      continue;
     }
+    trim(t, rules, b, e);
+    v.kind = b < e ? value_kind::text : value_kind::missing;
+    v.bytes = b < e ? t.substr(b, e - b) : std::string_view();
   }
   return true;
 }
