@@ -118,21 +118,10 @@ void populate(const void* end, std::size_t bytes) {
 #endif
 }
 
-// Asks for huge pages for the room reserved in `to`: a table of hundreds of
-// megabytes then takes a fault every 2 MiB rather than every page.
-template <class Storage>
-void advise_huge_pages(const Storage& to) {
-#ifdef MADV_HUGEPAGE
-  constexpr std::uintptr_t huge = std::uintptr_t{2} << 20;
-  const auto first = reinterpret_cast<std::uintptr_t>(to.data());
-  const auto begin = (first + huge - 1) & ~(huge - 1);
-  const auto last = (first + to.capacity() * sizeof(*to.data())) & ~(huge - 1);
-  if (last > begin) ::madvise(reinterpret_cast<void*>(begin), last - begin, MADV_HUGEPAGE);
-#else
-  (void)to;
-#endif
-}
-
+// Makes present the pages that appending `more` elements to `to` writes.
+// (Huge pages were tried: they come from memory the system has not touched
+// lately, and on a virtual machine a run after another program's took up to
+// twice as long.)
 template <class Storage>
 void populate_for(const Storage& to, std::size_t more) {
   const std::size_t room = std::min(more, to.capacity() - to.size());
@@ -195,16 +184,12 @@ void column_table_sink::reserve_for_input() {
   const auto scaled = [scale](std::size_t n) { return static_cast<std::size_t>(scale * static_cast<double>(n)); };
   for (table_column& column : table_.columns) {
     column.missing.reserve(scaled(column.missing.size()));
-    advise_huge_pages(column.missing);
     if (column.kind == column_kind::number) {
       column.numbers.reserve(scaled(column.numbers.size()));
-      advise_huge_pages(column.numbers);
     }
     if (column.kind == column_kind::text) {
       column.offsets.reserve(scaled(column.offsets.size()));
       column.text.reserve(scaled(column.text.size()));
-      advise_huge_pages(column.offsets);
-      advise_huge_pages(column.text);
     }
   }
 }
