@@ -38,7 +38,8 @@ void become(table_column& column, column_kind kind) {
   if (kind == column_kind::number) {
     column.numbers.assign(rows, 0.0);
   } else {
-    column.offsets.assign(1, 0);
+    column.offsets.clear();
+    column.offsets.push_back(0);
     for (std::size_t row = 0; row < rows; ++row) {
       if (column.kind == column_kind::number && column.missing[row] == 0) {
         append_number_text(column.text, column.numbers[row]);
@@ -128,6 +129,11 @@ void populate_for(const Storage& to, std::size_t more) {
   populate(to.data() + to.size(), room * sizeof(*to.data()));
 }
 
+void populate_for(const text_offsets& to, std::size_t more) {
+  if (to.wide()) return populate_for(to.wide_storage(), more);
+  populate_for(to.narrow_storage(), more);
+}
+
 // Appends the rows of `from`, a column of a later part of the table, as
 // adding its values one by one would.
 void append_rows(table_column& to, const table_column& from) {
@@ -150,8 +156,7 @@ void append_rows(table_column& to, const table_column& from) {
     const std::uint64_t base = to.text.size();
     to.text += from.text;
     // Written once, shifted as they are copied (no zeroing pass first).
-    to.offsets.reserve(to.offsets.size() + rows);
-    for (std::size_t row = 1; row <= rows; ++row) to.offsets.push_back(base + from.offsets[row]);
+    to.offsets.append_shifted(from.offsets, 1, base);
   } else {
     for (std::size_t row = 0; row < rows; ++row) {
       if (from.missing[row] == 0) append_number_text(to.text, from.numbers[row]);

@@ -12,6 +12,7 @@
 
 #include "import/output.hpp"
 #include "import/text_format.hpp"
+#include "import/text_offsets.hpp"
 #include "parser/options.hpp"
 
 namespace textio::import {
@@ -33,9 +34,10 @@ struct table_column {
   // Number columns: one value a row (0 where missing).
   std::vector<double> numbers;
   // Text columns: the values' UTF-8 bytes one after another; row i is
-  // text[offsets[i], offsets[i + 1]) (empty where missing).
+  // text[offsets[i], offsets[i + 1]) (empty where missing). The offsets are
+  // 32-bit while the text is under 4 GiB (text_offsets.hpp).
   std::string text;
-  std::vector<std::uint64_t> offsets;
+  text_offsets offsets;
 
   std::string_view text_at(std::size_t row) const {
     return std::string_view(text).substr(offsets[row], offsets[row + 1] - offsets[row]);

@@ -7,6 +7,7 @@
 
 #include "import/column_table.hpp"
 #include "import/read_helpers.hpp"
+#include "import/text_offsets.hpp"
 
 namespace {
 
@@ -91,6 +92,39 @@ TEST(ColumnTable, ReadsAFileIntoNumberColumns) {
   ASSERT_EQ(table.columns[1].kind, column_kind::number);
   EXPECT_EQ(table.columns[1].missing, (std::vector<std::uint8_t>{0, 1, 0}));
   EXPECT_TRUE(std::isnan(table.columns[1].numbers[2]));
+}
+
+// Offsets turn 64-bit at the first one past the narrow limit (10 here, 4 GiB
+// in the table), by push_back or by a shifted append, and keep their values.
+TEST(ColumnTable, TextOffsetsWidenPastTheNarrowLimit) {
+  using offsets = textio::import::basic_text_offsets<10>;
+  offsets part;
+  for (const std::uint64_t o : {0, 3, 4}) part.push_back(o);
+  const struct {
+    std::uint64_t base;
+    bool wide;
+    std::vector<std::uint64_t> values;
+  } cases[] = {{6, false, {0, 9, 10}}, {7, true, {0, 10, 11}}};
+  for (const auto& c : cases) {
+    offsets to;
+    to.push_back(0);
+    to.append_shifted(part, 1, c.base);
+    EXPECT_EQ(to.wide(), c.wide) << c.base;
+    offsets expected;
+    for (const std::uint64_t o : c.values) expected.push_back(o);
+    EXPECT_EQ(to, expected) << c.base;
+  }
+  offsets o;
+  o.push_back(10);
+  EXPECT_FALSE(o.wide());
+  o.push_back(11);
+  o.push_back(12);
+  ASSERT_TRUE(o.wide());
+  EXPECT_EQ(o.size(), 3u);
+  EXPECT_EQ(o[0] + o[1] + o[2], 33u);
+  o.clear();
+  o.push_back(1);
+  EXPECT_FALSE(o.wide());
 }
 
 }  // namespace

@@ -158,7 +158,7 @@ TEST(ParallelReading, FillsTheSameTable) {
       out += c.name + ":" + std::to_string(static_cast<int>(c.kind)) + ":" + c.text + ":";
       for (const std::uint8_t m : c.missing) out += static_cast<char>('0' + m);
       for (const double n : c.numbers) out += " " + std::to_string(n);
-      for (const std::uint64_t o : c.offsets) out += " " + std::to_string(o);
+      for (std::size_t i = 0; i < c.offsets.size(); ++i) out += " " + std::to_string(c.offsets[i]);
       out += "\n";
     }
     return out;
