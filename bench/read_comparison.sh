@@ -104,6 +104,6 @@ for i in "${!commands[@]}"; do
   else
     speedup=$(printf '%.2fx' "$(echo "$m / ${ours[${jobs[$i]}]}" | bc -l)")
   fi
-  printf '| %-40s | %7.2f | %7.0f | %12s |\n' "${labels[$i]}" "$m" "$mbs" "$speedup"
+  printf '| %-40s | %7.3f | %7.0f | %12s |\n' "${labels[$i]}" "$m" "$mbs" "$speedup"
 done
 echo "(our speed-up: the peer's seconds over ours for the same job — count, CSV, JSON or into memory)"
