@@ -1,6 +1,7 @@
 #include "import/number_conversion.hpp"
 
-#include <charconv>
+#include <fast_float/fast_float.h>
+
 #include <cmath>
 #include <limits>
 
@@ -37,7 +38,7 @@ number_format number_format_of(const textio::parser::options& record) {
 }
 
 template <class CharT>
-std::optional<double> to_number(std::basic_string_view<CharT> text, const number_format& format) {
+bool to_number(std::basic_string_view<CharT> text, const number_format& format, double& number) {
   if constexpr (sizeof(CharT) == 1) {
     // Plain numbers under the usual format read in place: digits first and
     // last rule out NaN and Inf spellings, which the general path checks.
@@ -48,8 +49,11 @@ std::optional<double> to_number(std::basic_string_view<CharT> text, const number
       if (t.front() == '+') t.remove_prefix(1);
       if (!t.empty() && (is_digit(static_cast<unsigned char>(t.front())) || t.front() == '-' || t.front() == '.')) {
         double value = 0;
-        const auto [ptr, ec] = std::from_chars(t.data(), t.data() + t.size(), value);
-        if (ec == std::errc() && ptr == t.data() + t.size()) return value;
+        const auto [ptr, ec] = fast_float::from_chars(t.data(), t.data() + t.size(), value);
+        if (ec == std::errc() && ptr == t.data() + t.size()) {
+          number = value;
+          return true;
+        }
       }
     }
   }
@@ -65,7 +69,7 @@ std::optional<double> to_number(std::basic_string_view<CharT> text, const number
       ++begin;
     while (end > begin && !is_digit(unit(end - 1))) --end;
   }
-  if (begin == end) return std::nullopt;
+  if (begin == end) return false;
   // The plain form that from_chars reads.
   std::string ascii;
   ascii.reserve(end - begin);
@@ -84,29 +88,27 @@ std::optional<double> to_number(std::basic_string_view<CharT> text, const number
       ascii.push_back(static_cast<char>(lower(u)));
       other = true;
     } else {
-      return std::nullopt;
+      return false;
     }
   }
-  if (other) return special_value(ascii);
+  if (other) {
+    const auto special = special_value(ascii);
+    if (special) number = *special;
+    return special.has_value();
+  }
   std::string_view digits = ascii;
   if (!digits.empty() && digits[0] == '+') digits.remove_prefix(1);
-  if (digits.empty() || digits[0] == '+') return std::nullopt;
+  if (digits.empty() || digits[0] == '+') return false;
+  // (A number too large or too small for a double reads as its infinity or
+  // zero, with its sign.)
   double value = 0;
-  const auto [ptr, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (ptr != digits.data() + digits.size()) return std::nullopt;
-  if (ec == std::errc::result_out_of_range) {
-    // Too large or too small for a double: its infinity or zero.
-    const bool negative = digits[0] == '-';
-    const bool tiny =
-        digits.find_first_of("123456789") == std::string_view::npos || digits.find("e-") != std::string_view::npos;
-    if (tiny) return negative ? -0.0 : 0.0;
-    return negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
-  }
-  if (ec != std::errc()) return std::nullopt;
-  return value;
+  const auto [ptr, ec] = fast_float::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (ec != std::errc() || ptr != digits.data() + digits.size()) return false;
+  number = value;
+  return true;
 }
 
-template std::optional<double> to_number<char>(std::string_view, const number_format&);
-template std::optional<double> to_number<char16_t>(std::u16string_view, const number_format&);
+template bool to_number<char>(std::string_view, const number_format&, double&);
+template bool to_number<char16_t>(std::u16string_view, const number_format&, double&);
 
 }  // namespace textio::import

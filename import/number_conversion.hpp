@@ -22,9 +22,12 @@ struct number_format {
 // The number format an options record describes.
 number_format number_format_of(const textio::parser::options& record);
 
-// The number, or nothing when the text is no number. "NaN" and "Inf" with an
-// optional sign are numbers, in any case.
+// Sets `number` and gives true when the text is a number; false, with
+// `number` unchanged, when it is not. "NaN" and "Inf" with an optional sign
+// are numbers, in any case. (A flag and an out parameter rather than an
+// optional: the caller read the optional back across a one-byte store, which
+// stalled every call.)
 template <class CharT>
-std::optional<double> to_number(std::basic_string_view<CharT> text, const number_format& format);
+bool to_number(std::basic_string_view<CharT> text, const number_format& format, double& number);
 
 }  // namespace textio::import

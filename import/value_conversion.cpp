@@ -105,10 +105,10 @@ template <class CharT>
 bool convert_value(std::basic_string_view<CharT> text, value_type type, const conversion_settings& settings,
                    output_value& out, std::string& canonical) {
   if (type == value_type::double_ || type == value_type::single) {
-    const auto number = to_number(text, settings.numbers);
-    if (!number) return false;
+    double number = 0;
+    if (!to_number(text, settings.numbers, number)) return false;
     out.kind = value_kind::number;
-    out.number = type == value_type::single ? static_cast<double>(static_cast<float>(*number)) : *number;
+    out.number = type == value_type::single ? static_cast<double>(static_cast<float>(number)) : number;
     return true;
   }
   if (type == value_type::string) return false;

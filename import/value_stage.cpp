@@ -135,9 +135,7 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
       if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
     } else if (matrix_) {
       v.kind = value_kind::number;
-      if (const auto number = to_number(text, format_)) {
-        v.number = *number;
-      } else {
+      if (!to_number(text, format_, v.number)) {
         v.number = std::numeric_limits<double>::quiet_NaN();
         if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) return false;
       }

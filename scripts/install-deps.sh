@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ clang-14 pkg-config
   libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
-  nlohmann-json3-dev libhwy-dev libuchardet-dev
+  nlohmann-json3-dev libhwy-dev libuchardet-dev libfast-float-dev
 )
 
 missing=()
