@@ -37,6 +37,10 @@ number_format number_format_of(const textio::parser::options& record) {
   return format;
 }
 
+bool reads_plain_decimals(const number_format& format) {
+  return format.decimal_separator == u'.' && format.thousands_separator.empty() && !format.trim_non_numeric;
+}
+
 template <class CharT>
 bool to_number(std::basic_string_view<CharT> text, const number_format& format, double& number) {
   if constexpr (sizeof(CharT) == 1) {

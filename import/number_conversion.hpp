@@ -22,6 +22,10 @@ struct number_format {
 // The number format an options record describes.
 number_format number_format_of(const textio::parser::options& record);
 
+// Whether `format` reads decimals in the form the outputs write them: '.'
+// before the fraction, no thousands separators, nothing trimmed.
+bool reads_plain_decimals(const number_format& format);
+
 // Sets `number` and gives true when the text is a number; false, with
 // `number` unchanged, when it is not. "NaN" and "Inf" with an optional sign
 // are numbers, in any case. (A flag and an out parameter rather than an

@@ -3,11 +3,20 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace textio::import {
 
 // Appends the shortest digits that read back to `value`; NaN, Inf and -Inf
 // for the values that have no digits.
 void append_number_text(std::string& out, double value);
+
+// Whether `text` is exactly what append_number_text writes for the number it
+// reads as (with '.' for the decimal separator and no thousands separators),
+// judged from the text alone, so that a writer can copy it instead: a plain
+// decimal of at most 15 significant digits (every such decimal has a double
+// of its own, so no shorter digits read back to it) with no redundant zeros
+// or sign, no longer than its exponent form. False wherever that is not sure.
+bool is_shortest_number_text(std::string_view text);
 
 }  // namespace textio::import

@@ -12,7 +12,10 @@
 namespace textio::import {
 
 // Typed values: integer holds an exact int64 (unsigned_integer its uint64
-// bits); logical holds 0 or 1 in `number`; datetime and duration hold seconds
+// bits); number holds a double in `number` and, when `bytes` is not empty,
+// its text as append_number_text writes it (the field's own text, when it
+// was already in that form), for outputs to copy; logical holds 0 or 1 in
+// `number`; datetime and duration hold seconds
 // in `number` (since 1970 at UTC for a datetime) and their canonical ISO 8601
 // text in `bytes` (ASCII, also when `utf16`).
 enum class value_kind : std::uint8_t { missing, text, number, integer, unsigned_integer, logical, datetime, duration };

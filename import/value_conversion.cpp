@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "import/duration_parsing.hpp"
+#include "import/number_text.hpp"
 
 namespace textio::import {
 namespace {
@@ -109,6 +110,12 @@ bool convert_value(std::basic_string_view<CharT> text, value_type type, const co
     if (!to_number(text, settings.numbers, number)) return false;
     out.kind = value_kind::number;
     out.number = type == value_type::single ? static_cast<double>(static_cast<float>(number)) : number;
+    out.bytes = {};
+    if constexpr (sizeof(CharT) == 1) {
+      if (type == value_type::double_ && reads_plain_decimals(settings.numbers) && is_shortest_number_text(text)) {
+        out.bytes = text;
+      }
+    }
     return true;
   }
   if (type == value_type::string) return false;

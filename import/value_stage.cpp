@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "import/header_lines.hpp"
+#include "import/number_text.hpp"
 #include "import/reader_errors.hpp"
 #include "zvcore/ustring.hpp"
 
@@ -135,7 +136,11 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
       if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
     } else if (matrix_) {
       v.kind = value_kind::number;
-      if (!to_number(text, format_, v.number)) {
+      if (to_number(text, format_, v.number)) {
+        if constexpr (sizeof(CharT) == 1) {
+          if (reads_plain_decimals(format_) && is_shortest_number_text(text)) v.bytes = text;
+        }
+      } else {
         v.number = std::numeric_limits<double>::quiet_NaN();
         if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) return false;
       }

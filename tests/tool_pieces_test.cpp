@@ -19,6 +19,7 @@
 #include <nlohmann/json.hpp>
 
 #include "parser/options.hpp"
+#include "import/number_text.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
@@ -316,6 +317,35 @@ TEST(RecordEscaping, NumbersMatchTheShortestRoundTrip) {
     char digits[64];
     const std::string expected(digits, std::to_chars(digits, digits + sizeof digits, v).ptr);
     ASSERT_EQ(zvtool::number_text(v), expected) << v;
+  }
+}
+
+// A number's text that the writers copy as it stands must be the shortest
+// round trip of the number it reads as: random decimals (signs, zeros at
+// either end, up to 18 digits, fractions far below 1) against to_chars.
+TEST(RecordEscaping, NumberTextCopiedOnlyWhenShortest) {
+  std::mt19937_64 rng(11);
+  const auto digits = [&](std::size_t n) {
+    std::string d;
+    for (std::size_t i = 0; i < n; ++i) d += static_cast<char>('0' + (rng() % 3 == 0 ? 0 : rng() % 10));
+    return d;
+  };
+  std::size_t copied = 0;
+  for (int i = 0; i < 200000; ++i) {
+    std::string t = rng() % 3 == 0 ? "-" : "";
+    t += rng() % 4 == 0 ? "0" : digits(1 + rng() % 18);
+    if (rng() % 3 != 0) t += "." + std::string(rng() % 4 == 0 ? rng() % 9 : 0, '0') + digits(1 + rng() % 16);
+    if (!textio::import::is_shortest_number_text(t)) continue;
+    ++copied;
+    char out[64];
+    ASSERT_EQ(std::string(out, std::to_chars(out, out + sizeof out, std::strtod(t.c_str(), nullptr)).ptr), t);
+  }
+  EXPECT_GT(copied, 20000u);
+  for (const char* t : {"0", "-3523.3447", "0.583", "1695753998", "0.001", "10000", "-0.5"}) {
+    EXPECT_TRUE(textio::import::is_shortest_number_text(t)) << t;
+  }
+  for (const char* t : {"-0", "+1", "01", "1.50", "1.", ".5", "100000", "0.0001", "1e5", "1234567890123456", ""}) {
+    EXPECT_FALSE(textio::import::is_shortest_number_text(t)) << t;
   }
 }
 

@@ -41,6 +41,13 @@ void append_typed(std::string& out, const output_value& v, bool json) {
   }
 }
 
+// A number: its text as the reader found it, when that is already the
+// shortest round trip, else formatted.
+void append_number(std::string& out, const output_value& v) {
+  if (v.bytes.empty()) return textio::import::append_number_text(out, v.number);
+  out += v.bytes;
+}
+
 void append_json(std::string& out, const output_value& v) {
   switch (v.kind) {
     default:
@@ -51,7 +58,7 @@ void append_json(std::string& out, const output_value& v) {
       return;
     case value_kind::number:
       if (std::isfinite(v.number)) {
-        textio::import::append_number_text(out, v.number);
+        append_number(out, v);
       } else {
         out += '"';
         textio::import::append_number_text(out, v.number);
@@ -111,7 +118,7 @@ void append_csv(std::string& out, const output_value& v) {
     case value_kind::missing:
       return;
     case value_kind::number:
-      textio::import::append_number_text(out, v.number);
+      append_number(out, v);
       return;
     case value_kind::text:
       if (v.utf16) {

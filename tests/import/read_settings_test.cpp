@@ -165,9 +165,9 @@ const setting_case setting_cases[] = {
     // Numbers.
     {"plain_numbers", "1,-2.5,3e2,+4,1D1", numbers({}), R"([1, -2.5, 300, 4, 10])"},
     {"not_a_number_fills_nan", "1,x,", numbers({}), R"([1, "NaN", null])"},
-    {"separators", "1.234,5;7,5E-1",
+    {"separators", "1.234,5;7,5E-1;1.234",
      numbers({"Delimiter", ";", "DecimalSeparator", ",", "ThousandsSeparator", ".", "ExpChars", "E"}),
-     R"([1234.5, 0.75])"},
+     R"([1234.5, 0.75, 1234])"},
     {"trim_non_numeric", "$12.5 USD,abc", numbers({"TrimNonNumeric", "true"}), R"([12.5, "NaN"])"},
     {"nan_and_inf", "NaN,-Inf,inf,Infinity,-infinity", numbers({}), R"(["NaN", "-Inf", "Inf", "Inf", "-Inf"])"},
     // Typed values; markers found in the values are missing, not import errors.

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "import/number_text.hpp"
 #include "import/type_detection.hpp"
 #include "import/value_conversion.hpp"
 
@@ -22,6 +23,10 @@ std::string shown(std::basic_string_view<CharT> text, value_type type, const con
   if (v.kind == value_kind::unsigned_integer) return std::to_string(static_cast<std::uint64_t>(v.integer));
   if (v.kind == value_kind::logical) return v.number != 0 ? "true" : "false";
   if (v.kind == value_kind::datetime || v.kind == value_kind::duration) return std::string(v.bytes);
+  // A number's text for the outputs to copy must be the one they would write.
+  std::string written;
+  append_number_text(written, v.number);
+  if (!v.bytes.empty() && v.bytes != written) return "copies " + std::string(v.bytes) + " for " + written;
   char buf[64];
   std::snprintf(buf, sizeof buf, "%.17g", v.number);
   return buf;
@@ -47,6 +52,12 @@ conversion_settings swiss() {
   s.numbers.exp_chars = u"xX";
   return s;
 }
+conversion_settings german() {
+  conversion_settings s;
+  s.numbers.decimal_separator = u',';
+  s.numbers.thousands_separator = u".";
+  return s;
+}
 
 TEST(ValueConversion, SpellingsOfEachType) {
   const spelling cases[] = {
@@ -56,6 +67,8 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"-1e999", value_type::double_, "-inf"},
       {"1e-999", value_type::double_, "0"},
       {"1'234,5", value_type::double_, "1234.5", swiss()},
+      {"1.234", value_type::double_, "1234", german()},
+      {"2.50", value_type::double_, "2.5"},
       {"-2x3", value_type::double_, "-2000", swiss()},
       {"1e3", value_type::double_, "refused", swiss()},
       {"1.5", value_type::double_, "refused", swiss()},
