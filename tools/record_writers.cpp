@@ -241,19 +241,6 @@ void jsonl_writer::padded_record(std::span<const output_value> values, std::size
   out_.maybe_flush();
 }
 
-void jsonl_writer::take_part(textio::import::record_sink& part) {
-  std::string& text = static_cast<jsonl_writer&>(part).out_.text();
-  out_.write(text);
-  text.clear();
-}
-
-void csv_writer::take_part(textio::import::record_sink& part) {
-  auto& written = static_cast<csv_writer&>(part);
-  lone_missing_written_ = lone_missing_written_ || std::exchange(written.lone_missing_written_, false);
-  out_.write(written.out_.text());
-  written.out_.text().clear();
-}
-
 void csv_writer::header(const textio::import::table_header& header) {
   if (header.names.empty()) return;
   append_csv_row(out_.text(), header.names);

@@ -51,25 +51,42 @@ class buffered_output {
 // no digits.
 std::string number_text(double value);
 
+// What the text writers share: a stream written in large pieces, records
+// that may come in parts, and parts of the output made on other threads
+// (a `Derived` that writes only its buffer) handed on in order. A writer
+// with more to carry from a part than its text has took_part(part).
+template <class Derived>
+class text_writer : public textio::import::record_sink {
+ public:
+  explicit text_writer(std::ostream& out) : out_(out) {}
+  text_writer() = default;  // a part of the output, kept
+  bool takes_parts() const override { return true; }
+  bool takes_part_sinks() const override { return true; }
+  std::unique_ptr<textio::import::record_sink> part_sink() override { return std::make_unique<Derived>(); }
+  void take_part(textio::import::record_sink& part) override {
+    auto& written = static_cast<Derived&>(part);
+    static_cast<Derived&>(*this).took_part(written);
+    out_.write(written.out_.text());
+    written.out_.text().clear();
+  }
+  void flush() { out_.flush(); }
+
+ protected:
+  void took_part(Derived&) {}
+
+  buffered_output out_;
+  bool in_record_ = false;  // parts of a record written
+};
+
 // A first line {"variables": [...], "units": [...], "descriptions": [...]},
 // then one JSON array per record: strings, numbers, null for missing.
-class jsonl_writer : public textio::import::record_sink {
+class jsonl_writer : public text_writer<jsonl_writer> {
  public:
-  explicit jsonl_writer(std::ostream& out) : out_(out) {}
-  jsonl_writer() = default;  // a part of the output, kept
+  using text_writer::text_writer;
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
-  bool takes_parts() const override { return true; }
   void record_part(std::span<const textio::import::output_value> values) override;
-  bool takes_part_sinks() const override { return true; }
-  std::unique_ptr<textio::import::record_sink> part_sink() override { return std::make_unique<jsonl_writer>(); }
-  void take_part(textio::import::record_sink& part) override;
-  void flush() { out_.flush(); }
-
- private:
-  buffered_output out_;
-  bool in_record_ = false;  // parts of a record written
 };
 
 // RFC 4180: a header row when there are names, CRLF after every row, a field
@@ -80,25 +97,22 @@ class jsonl_writer : public textio::import::record_sink {
 // A record of one missing field is an empty line, which reads back as a
 // record only under EmptyLineRule "read"; lone_missing_written() tells
 // whether such a line was written, and lone_missing_advice() what to say.
-class csv_writer : public textio::import::record_sink {
+class csv_writer : public text_writer<csv_writer> {
  public:
-  explicit csv_writer(std::ostream& out) : out_(out) {}
-  csv_writer() = default;  // a part of the output, kept
+  using text_writer::text_writer;
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
-  bool takes_parts() const override { return true; }
   void record_part(std::span<const textio::import::output_value> values) override;
-  bool takes_part_sinks() const override { return true; }
-  std::unique_ptr<textio::import::record_sink> part_sink() override { return std::make_unique<csv_writer>(); }
-  void take_part(textio::import::record_sink& part) override;
-  void flush() { out_.flush(); }
   bool lone_missing_written() const noexcept { return lone_missing_written_; }
 
  private:
-  buffered_output out_;
+  friend class text_writer<csv_writer>;
+  void took_part(csv_writer& part) {
+    lone_missing_written_ = lone_missing_written_ || std::exchange(part.lone_missing_written_, false);
+  }
+
   bool lone_missing_written_ = false;
-  bool in_record_ = false;  // parts of a record written
 };
 
 // The advice for a CSV output that holds a record of one missing field.
