@@ -10,9 +10,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <memory>
+#include <random>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,6 +24,7 @@
 #include "import/text_reader.hpp"
 #include "import/utf8_input.hpp"
 #include "import/utf8_text.hpp"
+#include "import/value_conversion.hpp"
 #include "name_value/set_parser_options.hpp"
 #include "zvarray/value.hpp"
 #include "zvcore/exceptions.hpp"
@@ -227,6 +231,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   format.encoding = in.pick(encodings);
   if ((format_bits & 16) != 0) format.table_end_line = 1 + in.below(8);
 
+  // Variable types by position, as detection gives them (Table output only),
+  // some with a missing marker and month-first dates. They come from a hash
+  // of the whole input rather than from its bytes, so that the committed
+  // inputs keep the files and settings they were found with.
+  std::vector<textio::import::variable_typing> types;
+  std::minstd_rand pick(static_cast<std::minstd_rand::result_type>(
+      std::hash<std::string_view>{}(std::string_view(reinterpret_cast<const char*>(data), size)) | 1));
+  types.resize(pick() % 5);
+  for (auto& t : types) {
+    t.type = static_cast<textio::import::value_type>(pick() %
+                                                     (static_cast<unsigned>(textio::import::value_type::string) + 1));
+    if (pick() % 2 != 0) t.dates = textio::import::date_order::month_first;
+    if (pick() % 3 == 0) t.missing_markers.push_back(pick() % 2 != 0 ? "N" : "-");
+  }
+
   // The rest of the bytes are the file.
   std::vector<std::uint8_t> file;
   while (!in.empty()) file.push_back(in.byte());
@@ -247,7 +266,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
       textio::import::utf8_input input(fd, "fuzz");
       input.limit_reads(read_size);
-      const auto summary = textio::import::read_table(record, input, sink, format, {}, stray);
+      const auto summary = textio::import::read_typed_table(record, input, sink, format, types, {}, stray);
       outcome = "read all;" + outcome + std::to_string(summary.lines_left_unread);
     } catch (const foundation::core::except::IMsgIDException& e) {
       // A reading error is a normal end.
