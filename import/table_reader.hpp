@@ -229,14 +229,15 @@ class table_reader {
     } else {
       if (!variables_ || rec.fields > value_stage<CharT>::record_part_size) return false;
       if (!plain_text_values(w, rec, data_rules_, plain_scratch_, plain_values_)) return false;
+      values_.convert_in_place(plain_values_);
     }
     line_ = rec.line;
+    send_header();  // before the variables grow, as data_record sends it
     std::size_t fields = rec.fields;
     if (fields > *variables_) {
       if (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
       fields = *variables_;  // Ignore
     }
-    send_header();
     sink_.padded_record(std::span<const output_value>(plain_values_).first(fields), *variables_ - fields);
     return true;
   }
@@ -319,7 +320,7 @@ class table_reader {
         if (classes && last_special < std::numeric_limits<std::uint64_t>::max()) {
           structural_.emplace(*classes, !counting_);
           first_structural_line_ = last_special + 1;
-          plain_ = !counting_ && !buffering_ && values_.plain_text() &&
+          plain_ = !counting_ && !buffering_ && values_.converts_in_place() &&
                    (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                     opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                    keeps_every_field(delimiter_rule_set{opts_.leading_delim_rule(), opts_.trailing_delim_rule(),

@@ -18,7 +18,7 @@ struct conversion_settings {
 };
 
 // Sets `out` to the value of `text` as `type` and returns true, or returns
-// false when the text is no such value (an integer out of its type's range
+// false, with `out` as it was, when the text is no such value (an integer out of its type's range
 // too). Datetime and duration values keep their canonical text in `canonical`
 // and point `out.bytes` at it. A string type gives false: text stays as read.
 template <class CharT>

@@ -119,6 +119,32 @@ bool value_stage<CharT>::keep_row_under(BadDataRule rule, std::size_t i, Where w
 }
 
 template <class CharT>
+void value_stage<CharT>::convert_in_place(std::span<output_value> values) {
+  if (!converts_) return;
+  if constexpr (sizeof(CharT) == 1) {  // (plain_text_values gives UTF-8 values only)
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      output_value& v = values[i];
+      if (v.kind != value_kind::text) continue;  // missing stays missing
+      const std::string_view text = v.bytes;
+      if (matrix_) {
+        v.kind = value_kind::number;
+        v.bytes = {};
+        if (!to_number(text, format_, v.number)) {
+          v.number = std::numeric_limits<double>::quiet_NaN();
+        } else if (reads_plain_decimals(format_) && is_shortest_number_text(text)) {
+          v.bytes = text;
+        }
+      } else if (i < typing_.size() && typing_[i].type != value_type::string) {
+        // Built in place; what does not convert (a missing marker too) stays
+        // missing, as the Fill rules want.
+        v = output_value{};
+        (void)convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i]);
+      }
+    }
+  }
+}
+
+template <class CharT>
 bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::size_t padding, use how,
                               record_sink& sink) {
   values_.clear();

@@ -39,11 +39,18 @@ class value_stage {
 
   // Whether values are converted from text: Matrix, or Table with types.
   bool converts() const noexcept { return converts_; }
-  // Whether each value is its text and only an empty unquoted field is
-  // missing, kept as it is (plain_text_values gives such values).
-  bool plain_text() const noexcept {
-    return !converts_ && placeholders_.empty() && missing_rule_ == textio::enums::BadDataRule::Fill;
+  // Whether a record's values follow from its fields as plain_text_values
+  // gives them (text, or missing for an empty unquoted field) through
+  // convert_in_place alone: no placeholders to compare, and a missing value
+  // or one that does not convert stays in its record.
+  bool converts_in_place() const noexcept {
+    return placeholders_.empty() && missing_rule_ == textio::enums::BadDataRule::Fill &&
+           (!converts_ || import_error_rule_ == textio::enums::BadDataRule::Fill);
   }
+  // Converts such values to their variables' types as make would: under
+  // Matrix a number (NaN where the text is none); under Table with types the
+  // value of its type, or missing where it does not convert; else the text.
+  void convert_in_place(std::span<output_value> values);
   // The type of each variable by position (Table only).
   std::span<const variable_typing> typing() const noexcept { return typing_; }
 
