@@ -136,9 +136,6 @@ bool plain_text_values(std::string_view text, const structural_record& r, const 
   for (std::size_t i = 0; i < r.fields; ++i) {
     auto [b, e] = field_span(r, i);
     output_value& v = values[i];
-    // (Converting a record's values in place may have left numbers here.)
-    v.number = 0;
-    v.integer = 0;
     if (b < e && t[b] == rules.quote) {
       v.kind = value_kind::text;
       v.bytes = scratch.text(t, quoted_field(t, b, e, rules.quote, scratch));
