@@ -12,6 +12,14 @@ namespace {
 // d[.ddd]e+XX, for the exponents below 100 that the texts here have.
 std::size_t exponent_form_length(std::size_t significant) { return significant + (significant > 1 ? 1 : 0) + 4; }
 
+// Whether the digits of a whole number below 2^53 are its shortest form: no
+// longer than the exponent form ("1e+06" wins over "1000000").
+bool whole_digits_are_shortest(std::string_view digits) {
+  std::size_t significant = digits.size();
+  while (significant > 1 && digits[significant - 1] == '0') --significant;
+  return digits.size() <= exponent_form_length(significant);
+}
+
 // Whole numbers below 2^53 as integer digits, which is what the shortest
 // round trip gives (every such integer is exact, so no shorter digits read
 // back to it) as long as the plain form is no longer than the exponent form
@@ -24,11 +32,7 @@ bool append_whole_number(std::string& out, double value) {
   const auto whole = static_cast<std::int64_t>(value);
   char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), whole).ptr;
   const char* const first = digits.data() + (whole < 0 ? 1 : 0);
-  const auto length = static_cast<std::size_t>(end - first);
-  std::size_t significant = length;
-  while (significant > 1 && first[significant - 1] == '0') --significant;
-  const std::size_t exponent_form = exponent_form_length(significant);
-  if (length > exponent_form) return false;
+  if (!whole_digits_are_shortest(std::string_view(first, static_cast<std::size_t>(end - first)))) return false;
   out.append(digits.data(), end);
   return true;
 }
@@ -46,6 +50,7 @@ void append_number_text(std::string& out, double value) {
     out.append(digits.data(), result.ptr);
   }
 }
+
 bool is_shortest_number_text(std::string_view text) {
   // At most 15 significant digits and a sign keep the text under 40 bytes
   // unless zeros lead the fraction, and then the exponent form is shorter.
@@ -71,10 +76,7 @@ bool is_shortest_number_text(std::string_view text) {
     // A whole number: append_whole_number writes its digits when they are
     // no longer than the exponent form; "-0" takes the general path.
     if (whole == "0") return sign.empty();
-    if (whole.size() > 15) return false;
-    std::size_t significant = whole.size();
-    while (whole[significant - 1] == '0') --significant;
-    return whole.size() <= exponent_form_length(significant);
+    return whole.size() <= 15 && whole_digits_are_shortest(whole);
   }
   // A fraction: the shortest text is the fixed form (this one) when it is no
   // longer than the exponent form.

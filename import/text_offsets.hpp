@@ -16,7 +16,6 @@ template <std::uint64_t NarrowMax>
 class basic_text_offsets {
  public:
   std::size_t size() const noexcept { return wide_ ? wide64_.size() : narrow_.size(); }
-  bool empty() const noexcept { return size() == 0; }
   std::uint64_t operator[](std::size_t i) const noexcept { return wide_ ? wide64_[i] : narrow_[i]; }
   std::uint64_t back() const noexcept { return (*this)[size() - 1]; }
 

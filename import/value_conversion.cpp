@@ -103,19 +103,28 @@ std::optional<bool> parse_logical(std::string_view s) {
 }
 
 template <class CharT>
+bool number_value(std::basic_string_view<CharT> text, const number_format& format, output_value& out) {
+  double number = 0;
+  if (!to_number(text, format, number)) return false;
+  out.kind = value_kind::number;
+  out.number = number;
+  out.bytes = {};
+  if constexpr (sizeof(CharT) == 1) {
+    if (reads_plain_decimals(format) && is_shortest_number_text(text)) out.bytes = text;
+  }
+  return true;
+}
+
+template <class CharT>
 bool convert_value(std::basic_string_view<CharT> text, value_type type, const conversion_settings& settings,
                    output_value& out, std::string& canonical) {
-  if (type == value_type::double_ || type == value_type::single) {
+  if (type == value_type::double_) return number_value(text, settings.numbers, out);
+  if (type == value_type::single) {
     double number = 0;
     if (!to_number(text, settings.numbers, number)) return false;
     out.kind = value_kind::number;
-    out.number = type == value_type::single ? static_cast<double>(static_cast<float>(number)) : number;
+    out.number = static_cast<double>(static_cast<float>(number));
     out.bytes = {};
-    if constexpr (sizeof(CharT) == 1) {
-      if (type == value_type::double_ && reads_plain_decimals(settings.numbers) && is_shortest_number_text(text)) {
-        out.bytes = text;
-      }
-    }
     return true;
   }
   if (type == value_type::string) return false;
@@ -147,6 +156,8 @@ bool convert_value(std::basic_string_view<CharT> text, value_type type, const co
   return true;
 }
 
+template bool number_value<char>(std::string_view, const number_format&, output_value&);
+template bool number_value<char16_t>(std::u16string_view, const number_format&, output_value&);
 template bool convert_value<char>(std::string_view, value_type, const conversion_settings&, output_value&,
                                   std::string&);
 template bool convert_value<char16_t>(std::u16string_view, value_type, const conversion_settings&, output_value&,

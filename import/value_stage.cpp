@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "import/header_lines.hpp"
-#include "import/number_text.hpp"
 #include "import/reader_errors.hpp"
 #include "zvcore/ustring.hpp"
 
@@ -130,12 +129,10 @@ void value_stage<CharT>::convert_in_place(std::span<output_value> values) {
       if (v.kind != value_kind::text) continue;  // missing stays missing
       const std::string_view text = v.bytes;
       if (matrix_) {
-        v.kind = value_kind::number;
-        v.bytes = {};
-        if (!to_number(text, format_, v.number)) {
+        if (!number_value(text, format_, v)) {
+          v.kind = value_kind::number;
+          v.bytes = {};
           v.number = std::numeric_limits<double>::quiet_NaN();
-        } else if (reads_plain_decimals(format_) && is_shortest_number_text(text)) {
-          v.bytes = text;
         }
       } else if (i < typing_.size() && typing_[i].type != value_type::string) {
         // Built in place; what does not convert (a missing marker too) stays
@@ -164,12 +161,8 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
     if (is_missing(record, c, text)) {
       if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
     } else if (matrix_) {
-      v.kind = value_kind::number;
-      if (to_number(text, format_, v.number)) {
-        if constexpr (sizeof(CharT) == 1) {
-          if (reads_plain_decimals(format_) && is_shortest_number_text(text)) v.bytes = text;
-        }
-      } else {
+      if (!number_value(text, format_, v)) {
+        v.kind = value_kind::number;
         v.number = std::numeric_limits<double>::quiet_NaN();
         if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) return false;
       }
