@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "import/detection.hpp"
+#include "import/detect/detection.hpp"
 #include "import/detection_corpus.hpp"
 
 namespace {

@@ -13,9 +13,9 @@
 #include <string>
 
 #include "import/output.hpp"
-#include "import/structural_scan.hpp"
+#include "import/scan/structural_scan.hpp"
 #include "import/text_reader.hpp"
-#include "import/utf8_input.hpp"
+#include "import/input/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "zvdelim/get_or_create_delim.hpp"
 

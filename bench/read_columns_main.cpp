@@ -1,4 +1,4 @@
-// Reads a file into the in-memory table (import/column_table.hpp) and prints
+// Reads a file into the in-memory table (import/table/column_table.hpp) and prints
 // its shape, for the whole-process race in bench/read_comparison.sh.
 // Usage: zvtextimport_table FILE [NAME VALUE ...] (the options of `read`),
 // with every core.
@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "import/column_table.hpp"
+#include "import/table/column_table.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/message_failure.hpp"
 

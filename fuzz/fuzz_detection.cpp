@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "fuzz/fuzz_input.hpp"
-#include "import/detection.hpp"
+#include "import/detect/detection.hpp"
 #include "name_value/set_parser_options.hpp"
 #include "zvarray/value.hpp"
 #include "zvcore/exceptions.hpp"

@@ -10,9 +10,9 @@
 #include <string_view>
 #include <vector>
 
-#include "import/record_scanner.hpp"
-#include "import/structural_fields.hpp"
-#include "import/structural_scan.hpp"
+#include "import/scan/record_scanner.hpp"
+#include "import/scan/structural_fields.hpp"
+#include "import/scan/structural_scan.hpp"
 #include "zvcore/exceptions.hpp"
 #include "zvdelim/get_or_create_delim.hpp"
 

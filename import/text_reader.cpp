@@ -1,8 +1,8 @@
 #include "import/text_reader.hpp"
 
-#include "import/parallel_reading.hpp"
-#include "import/reader_settings.hpp"
-#include "import/table_reader.hpp"
+#include "import/reading/parallel_reading.hpp"
+#include "import/reading/reader_settings.hpp"
+#include "import/reading/table_reader.hpp"
 
 namespace textio::import {
 

@@ -8,32 +8,16 @@
 // omitted_variables (OmitVar), output.hpp (sinks).
 #pragma once
 
-#include <cstdint>
-#include <functional>
 #include <span>
 
 #include "import/output.hpp"
+#include "import/read_events.hpp"
 #include "import/text_format.hpp"
-#include "import/utf8_input.hpp"
-#include "import/value_conversion.hpp"
+#include "import/input/utf8_input.hpp"
+#include "import/values/value_conversion.hpp"
 #include "parser/options.hpp"
 
 namespace textio::import {
-
-// Called after each block of input with the bytes read so far and the
-// input's size (0 when unknown).
-using progress_callback = std::function<void(std::uint64_t bytes_read, std::uint64_t total)>;
-
-// Called once when a quote that was detected, not given, never closes: from
-// there on quotes are read as text. Line and column (UTF-16 units) are 1-based.
-using stray_quote_callback = std::function<void(std::uint64_t line, std::uint64_t column)>;
-
-struct read_summary {
-  // Physical lines after the format's table end, counted but not read.
-  std::uint64_t lines_left_unread = 0;
-  // Parts of the file read on other threads (text_format::threads).
-  std::uint64_t parts_on_threads = 0;
-};
 
 // Reads all of `input` (up to the format's table end) in the format's
 // encoding, quote and escape. Throws the reader's messages

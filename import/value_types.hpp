@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace textio::import {
 
@@ -30,6 +32,18 @@ std::string_view type_name(value_type type);
 // The type of a name; "char" and "categorical" are read as string.
 std::optional<value_type> type_from_name(std::string_view name);
 
+// How to read a date of two numbers and a year (3/4/2020).
+enum class date_order : std::uint8_t { day_first, month_first };
+
 inline bool is_integer_type(value_type t) { return t >= value_type::int8 && t <= value_type::uint64; }
+
+// How the reader reads one variable: its type, the order of its two-number
+// dates, and texts that mean missing in it besides the record's placeholders
+// (markers that detection found).
+struct variable_typing {
+  value_type type = value_type::string;
+  date_order dates = date_order::day_first;
+  std::vector<std::string> missing_markers;
+};
 
 }  // namespace textio::import

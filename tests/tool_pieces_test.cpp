@@ -19,7 +19,7 @@
 #include <nlohmann/json.hpp>
 
 #include "parser/options.hpp"
-#include "import/number_text.hpp"
+#include "import/values/number_text.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"

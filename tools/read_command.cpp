@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "import/text_reader.hpp"
-#include "import/utf8_input.hpp"
+#include "import/input/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/checked_output.hpp"

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "import/detection.hpp"
+#include "import/detect/detection.hpp"
 #include "import/text_format.hpp"
-#include "import/utf8_input.hpp"
+#include "import/input/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "tools/command_line.hpp"
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "import/number_text.hpp"
+#include "import/values/number_text.hpp"
 #include "tools/byte_scan.hpp"
 #include "tools/checked_output.hpp"
 #include "tools/json_writer.hpp"

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "import/sample_types.hpp"
+#include "import/detect/sample_types.hpp"
 #include "import/text_reader.hpp"
-#include "import/utf8_input.hpp"
+#include "import/input/utf8_input.hpp"
 #include "tools/host_values.hpp"
 #include "tools/usage_error.hpp"
 #include "zvcore/exceptions.hpp"

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "import/detection.hpp"
+#include "import/detect/detection.hpp"
 #include "import/text_format.hpp"
-#include "import/type_detection.hpp"
+#include "import/detect/type_detection.hpp"
 #include "parser/options.hpp"
 
 namespace zvtool {

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <string>
 
-#include "import/column_table.hpp"
+#include "import/table/column_table.hpp"
 #include "import/read_helpers.hpp"
-#include "import/text_offsets.hpp"
+#include "import/table/text_offsets.hpp"
 
 namespace {
 

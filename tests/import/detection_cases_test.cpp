@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "import/detection.hpp"
+#include "import/detect/detection.hpp"
 #include "import/detection_corpus.hpp"
-#include "import/encoding.hpp"
+#include "import/detect/encoding.hpp"
 
 namespace {
 

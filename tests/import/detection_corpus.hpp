@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "import/detection.hpp"
+#include "import/detect/detection.hpp"
 
 namespace detection_corpus {
 

@@ -11,10 +11,10 @@
 
 #include <gtest/gtest.h>
 
-#include "import/column_table.hpp"
+#include "import/table/column_table.hpp"
 #include "import/read_helpers.hpp"
 #include "import/text_reader.hpp"
-#include "import/utf8_input.hpp"
+#include "import/input/utf8_input.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/record_writers.hpp"
 #include "zvcore/exceptions.hpp"

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "import/reader_errors.hpp"
-#include "import/record_scanner.hpp"
+#include "import/scan/record_scanner.hpp"
 #include "support/expect_message.hpp"
 #include "zvdelim/get_or_create_delim.hpp"
 

@@ -2,7 +2,7 @@
 // fields, line numbers and flags, with every kernel the CPU runs, for the
 // whole text and for every cut of it (a window that ends early); and the
 // same field texts once filled in.
-#include "import/structural_scan.hpp"
+#include "import/scan/structural_scan.hpp"
 
 #include <string>
 #include <vector>

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "import/number_text.hpp"
-#include "import/type_detection.hpp"
-#include "import/value_conversion.hpp"
+#include "import/values/number_text.hpp"
+#include "import/detect/type_detection.hpp"
+#include "import/values/value_conversion.hpp"
 
 namespace {
 

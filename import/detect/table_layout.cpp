@@ -1,0 +1,285 @@
+#include "import/detect/table_layout.hpp"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+
+namespace textio::import {
+namespace {
+
+// Indices of the records that are rows: neither blank nor comment.
+std::vector<std::size_t> row_indices(const sample_table& table) {
+  std::vector<std::size_t> rows;
+  for (std::size_t i = 0; i < table.records.size(); ++i) {
+    if (!table.records[i].blank && !table.records[i].comment) rows.push_back(i);
+  }
+  return rows;
+}
+
+// A row with one field more or less still belongs to a wide table.
+bool fits(std::size_t count, std::size_t k) { return count == k || (k >= 3 && count + 1 >= k && count <= k + 1); }
+
+// The field count most rows have; rows of one field (titles, notes) count
+// only when nothing else is there.
+std::size_t dominant_count(const sample_table& table, const std::vector<std::size_t>& rows) {
+  std::map<std::size_t, std::size_t> by_count;
+  for (const std::size_t r : rows) ++by_count[table.records[r].field_count];
+  std::size_t best = 0;
+  std::size_t best_rows = 0;
+  for (const auto& [count, n] : by_count) {
+    if (count == 1 && by_count.size() > 1 && n < rows.size() * 9 / 10) continue;
+    if (n >= best_rows) {
+      best = count;
+      best_rows = n;
+    }
+  }
+  return best == 0 ? 1 : best;
+}
+
+// Position in `rows` of the table's first row: a row that fits `k` fields
+// and that most of the following rows agree with.
+std::size_t first_row(const sample_table& table, const std::vector<std::size_t>& rows, std::size_t k) {
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (!fits(table.records[rows[i]].field_count, k)) continue;
+    const std::size_t window = std::min<std::size_t>(5, rows.size() - i - 1);
+    std::size_t agree = 0;
+    for (std::size_t j = 1; j <= window; ++j) agree += fits(table.records[rows[i + j]].field_count, k);
+    if (agree * 5 >= window * 4) return i;
+  }
+  // No run of agreeing rows: the first row that fits.
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (fits(table.records[rows[i]].field_count, k)) return i;
+  }
+  return 0;
+}
+
+struct column_profile {
+  cell_type type = cell_type::text;
+  double purity = 0;
+  bool integers = true;          // its numbers have no fraction or exponent
+  std::set<std::string> values;  // a bounded set of the body's values
+  std::map<std::string, std::size_t> shapes;
+  std::size_t shaped = 0;
+};
+
+bool is_integer(std::string_view f) {
+  if (!f.empty() && (f.front() == '-' || f.front() == '+')) f.remove_prefix(1);
+  if (f.empty()) return false;
+  for (const char c : f) {
+    if (c < '0' || c > '9') return false;
+  }
+  return true;
+}
+
+// The form of a text: letters, digits and blanks by class, runs joined
+// ("Ohio St" -> "Aa Aa", "AD" -> "A", "x_1" -> "a_9").
+std::string shape(std::string_view f) {
+  std::string out;
+  for (const char c : f) {
+    char k = c;
+    if (c >= 'A' && c <= 'Z')
+      k = 'A';
+    else if (c >= 'a' && c <= 'z')
+      k = 'a';
+    else if (c >= '0' && c <= '9')
+      k = '9';
+    else if (static_cast<unsigned char>(c) >= 0x80)
+      k = 'a';
+    if (out.empty() || out.back() != k) out += k;
+    if (out.size() >= 24) break;
+  }
+  return out;
+}
+
+// How a row votes on being the names row: for each column of one kind, a
+// text field says names and a field of the column's kind and form says data.
+struct names_votes {
+  int names = 0;
+  int data = 0;
+};
+
+}  // namespace
+
+table_layout analyse_layout(const sample_table& table, const number_separators& format) {
+  table_layout out;
+  const std::vector<std::size_t> rows = row_indices(table);
+  if (rows.empty()) return out;
+  const auto& rec = [&](std::size_t i) -> const sample_record& { return table.records[rows[i]]; };
+  const std::size_t k = dominant_count(table, rows);
+  const std::size_t s = first_row(table, rows, k);
+
+  // The body runs while rows fit, past a few ragged ones; it ends before a
+  // row that does not fit when most of the rows after it do not fit either.
+  std::size_t e = s;  // one past the last body row
+  std::size_t i = s;
+  while (i < rows.size()) {
+    if (fits(rec(i).field_count, k)) {
+      e = ++i;
+      continue;
+    }
+    const std::size_t window = std::min<std::size_t>(4, rows.size() - i - 1);
+    std::size_t agree = 0;
+    for (std::size_t j = 1; j <= window; ++j) agree += fits(rec(i + j).field_count, k);
+    if (window == 0 || agree * 2 < window) break;
+    ++i;
+  }
+  if (e > s && e < rows.size()) out.end_line = rec(e - 1).last_line + 1;
+
+  // Kinds down each column, from the rows below the candidate names rows.
+  const std::size_t first_typed = (e - s >= 8) ? s + 3 : s + 1;
+  std::vector<column_profile> columns(std::min(k, max_kept_fields));
+  for (std::size_t j = 0; j < columns.size(); ++j) {
+    std::array<std::size_t, 5> kinds{};
+    for (std::size_t r = first_typed; r < e; ++r) {
+      const sample_record& row = rec(r);
+      if (j >= row.fields.size()) continue;
+      const cell_type t = classify(row.fields[j], format);
+      ++kinds[static_cast<std::size_t>(t)];
+      if (t == cell_type::number && !is_integer(row.fields[j])) columns[j].integers = false;
+      if (columns[j].values.size() < 200) columns[j].values.insert(row.fields[j]);
+      if (t == cell_type::text && columns[j].shaped < 200) {
+        ++columns[j].shapes[shape(row.fields[j])];
+        ++columns[j].shaped;
+      }
+    }
+    std::size_t non_empty = 0;
+    std::size_t top = 0;
+    for (std::size_t t = 1; t < kinds.size(); ++t) {
+      non_empty += kinds[t];
+      if (kinds[t] > top) {
+        top = kinds[t];
+        columns[j].type = static_cast<cell_type>(t);
+      }
+    }
+    columns[j].purity = non_empty == 0 ? 0 : static_cast<double>(top) / static_cast<double>(non_empty);
+    if (non_empty == 0) columns[j].type = cell_type::empty;
+    out.column_types.push_back(columns[j].type);
+  }
+  bool any_typed = false;
+  for (const column_profile& c : columns)
+    any_typed = any_typed || (is_typed(c.type) && c.type != cell_type::empty && c.purity >= 0.7);
+
+  // A names row differs in kind or form from the values below it.
+  auto typed_votes = [&](std::size_t r) {
+    names_votes v;
+    const sample_record& row = rec(r);
+    for (std::size_t j = 0; j < columns.size() && j < row.fields.size(); ++j) {
+      const column_profile& c = columns[j];
+      if (c.type == cell_type::empty || !is_typed(c.type) || c.purity < 0.7) continue;
+      const cell_type t = classify(row.fields[j], format);
+      if (t == cell_type::text) {
+        ++v.names;
+      } else if (t == c.type && (t != cell_type::number || is_integer(row.fields[j]) == c.integers)) {
+        ++v.data;
+      }
+    }
+    return v;
+  };
+  // Undecided by kinds: names are all given, all different, none among the
+  // values below, and mostly of another form than the text below them.
+  auto text_names = [&](std::size_t r) {
+    if (e - s < 2) return false;
+    const sample_record& row = rec(r);
+    std::set<std::string> seen;
+    int other_form = 0;
+    for (std::size_t j = 0; j < row.fields.size() && j < columns.size(); ++j) {
+      const std::string& f = row.fields[j];
+      if (f.empty() || !seen.insert(f).second || columns[j].values.count(f) > 0) return false;
+      if (columns[j].shaped == 0) continue;
+      const auto it = columns[j].shapes.find(shape(f));
+      const std::size_t same = it == columns[j].shapes.end() ? 0 : it->second;
+      other_form += same * 10 < columns[j].shaped * 3 ? 1 : -1;
+    }
+    return other_form >= 0;
+  };
+  auto names_like = [&](std::size_t r) {
+    if (!fits(rec(r).field_count, k)) return false;
+    const names_votes v = typed_votes(r);
+    if (v.names != v.data) return v.names > v.data;
+    return text_names(r);
+  };
+
+  std::size_t data_start = s;
+  std::size_t wide_names = 0;
+  if (s < e && names_like(s)) {
+    out.names_rows = 1;
+    while (any_typed && out.names_rows < 3 && s + out.names_rows + 1 < e && names_like(s + out.names_rows)) {
+      ++out.names_rows;
+    }
+    out.names_line = rec(s).first_line;
+    data_start = s + out.names_rows;
+  } else if (s + 2 < e && typed_votes(s + 1).names >= 2 && typed_votes(s + 1).data == 0) {
+    // A line of another kind (counts, a note) above the names row.
+    out.names_rows = 1;
+    out.names_line = rec(s + 1).first_line;
+    data_start = s + 2;
+  } else if (s == 1 && k >= 2 && rec(0).field_count + 1 == k && k < 3) {
+    // A names row one field short: the first column (row names) has no name.
+    bool all_text = true;
+    for (const std::string& f : rec(s - 1).fields) all_text = all_text && classify(f, format) == cell_type::text;
+    if (all_text) {
+      out.names_rows = 1;
+      out.names_line = rec(s - 1).first_line;
+      out.names.emplace_back();
+      for (const std::string& f : rec(s - 1).fields) out.names.push_back(f);
+    }
+  }
+  std::size_t names_row = out.names_rows > 0 ? (data_start == s + 2 && out.names_rows == 1 ? s + 1 : s) : 0;
+  if (out.names_rows == 0 && s > 0 && rec(s - 1).field_count > k && rec(s - 1).last_line + 1 == rec(s).first_line) {
+    // A names row with more names than the rows have fields: the rows lack
+    // their last fields.
+    // Not a "Key: name name" line, which labels the table rather than naming it.
+    const std::vector<std::string>& cells = rec(s - 1).fields;
+    bool all_text = cells.empty() || cells.front().empty() || cells.front().back() != ':';
+    for (const std::string& f : cells) all_text = all_text && classify(f, format) == cell_type::text;
+    if (all_text) {
+      out.names_rows = 1;
+      out.names_line = rec(s - 1).first_line;
+      names_row = s - 1;
+      wide_names = rec(s - 1).field_count;
+    }
+  }
+  out.first_record = rows[s];
+  if (data_start < rows.size()) {
+    out.header_lines = rec(data_start).first_line - 1;
+  } else {
+    out.header_lines = rec(rows.size() - 1).last_line;
+  }
+  if (out.names_rows > 0 && out.names.empty()) {
+    const std::size_t n = std::max(k, wide_names);
+    std::vector<std::string> names(n);
+    for (std::size_t r = names_row; r < names_row + out.names_rows; ++r) {
+      const sample_record& row = rec(r);
+      for (std::size_t j = 0; j < n && j < row.fields.size(); ++j) {
+        if (row.fields[j].empty()) continue;
+        if (!names[j].empty()) names[j] += ' ';
+        names[j] += row.fields[j];
+      }
+    }
+    out.names = std::move(names);
+  }
+
+  // Variables: the dominant count, less a trailing delimiter on every row.
+  out.num_variables = std::max(k, wide_names);
+  std::size_t with_trailing = 0;
+  std::size_t with_k = 0;
+  for (std::size_t r = data_start; r < e; ++r) {
+    const sample_record& row = rec(r);
+    if (row.field_count != k) continue;
+    ++with_k;
+    with_trailing += row.fields.size() == k && row.fields.back().empty() && !row.quoted.back();
+  }
+  // A names row that names the last field too says it is a variable.
+  const bool last_named = out.names_rows > 0 && out.names.size() >= k && !out.names[k - 1].empty();
+  if (k >= 2 && with_k >= 2 && with_trailing == with_k && !last_named) {
+    out.trailing_delimiter = true;
+    out.num_variables = k - 1;
+    if (out.names.size() == k && out.names.back().empty()) out.names.pop_back();
+  }
+  out.body_rows = e > data_start ? e - data_start : 0;
+  out.body_fit = out.body_rows == 0 ? 0 : static_cast<double>(with_k) / static_cast<double>(out.body_rows);
+  return out;
+}
+
+}  // namespace textio::import

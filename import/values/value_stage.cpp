@@ -1,0 +1,208 @@
+#include "import/values/value_stage.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "import/shape/header_lines.hpp"
+#include "import/reader_errors.hpp"
+#include "zvcore/ustring.hpp"
+
+namespace textio::import {
+namespace {
+
+using textio::enums::BadDataRule;
+using textio::enums::OutputBuilderType;
+namespace reader_error = ZORVEK::textio::reader;
+
+template <class CharT>
+std::basic_string<CharT> encode(const ustring& text) {
+  if constexpr (sizeof(CharT) == 1) {
+    return foundation::core::unicode::to_utf8(text);
+  } else {
+    return text;
+  }
+}
+
+// A UTF-8 text in the reader's units.
+template <class CharT>
+std::basic_string<CharT> from_utf8(const std::string& text) {
+  if constexpr (sizeof(CharT) == 1) {
+    return text;
+  } else {
+    return foundation::core::unicode::to_utf16(text);
+  }
+}
+
+// Whether a text has a UTF-8 form (no lone surrogate).
+bool has_utf8_form(const ustring& text) {
+  return foundation::core::unicode::to_utf16(foundation::core::unicode::to_utf8(text)) == text;
+}
+
+}  // namespace
+
+template <class CharT>
+value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_rules<CharT>& data_rules,
+                                std::span<const variable_typing> types, omitted_variables<CharT>& omitted)
+    : missing_rule_(opts.missing_rule()),
+      import_error_rule_(opts.import_error_rule()),
+      matrix_(opts.output_type() == OutputBuilderType::Matrix),
+      data_rules_(data_rules),
+      omitted_(omitted),
+      format_(number_format_of(opts)) {
+  if (opts.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
+  for (const auto& p : opts.missing_placeholders()) {
+    // An empty text is missing anyway; only the others need comparing.
+    if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) placeholders_.push_back(encode<CharT>(p));
+  }
+  converts_ = matrix_ || !typing_.empty();
+  conversions_.resize(typing_.size());
+  canonical_.resize(typing_.size());
+  for (std::size_t i = 0; i < typing_.size(); ++i) {
+    conversions_[i].numbers = format_;
+    conversions_[i].dates = typing_[i].dates;
+    for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
+  }
+}
+
+template <class CharT>
+bool value_stage<CharT>::is_missing(const record_cells<CharT>& record, const raw_field& c, view t) const {
+  if (record.known_missing(c)) return true;
+  if (c.quoted) return false;
+  if (t.empty()) return true;
+  // Most fields: no placeholders to compare and nothing to trim.
+  if (placeholders_.empty() &&
+      (data_rules_.trim || ((data_rules_.classes(t.front()) | data_rules_.classes(t.back())) & is_whitespace) == 0)) {
+    return false;
+  }
+  if (!data_rules_.trim) {
+    while (!t.empty() && (data_rules_.classes(t.front()) & is_whitespace) != 0) t.remove_prefix(1);
+    while (!t.empty() && (data_rules_.classes(t.back()) & is_whitespace) != 0) t.remove_suffix(1);
+  }
+  if (t.empty()) return true;
+  for (const string& p : placeholders_) {
+    if (t == p) return true;
+  }
+  return false;
+}
+
+// Whether a field that did not convert is a missing marker detected for its
+// variable.
+template <class CharT>
+bool value_stage<CharT>::is_typed_marker(std::size_t i, view text) const {
+  for (const auto& [variable, marker] : typed_markers_) {
+    if (variable == i && text == marker) return true;
+  }
+  return false;
+}
+
+// Applies a missing or import-error rule to field i: Fill keeps the field as
+// it is, OmitVar marks its variable, Error fails at where(); false for
+// OmitRow.
+template <class CharT>
+template <class ErrorTag, class Where>
+bool value_stage<CharT>::keep_row_under(BadDataRule rule, std::size_t i, Where where) {
+  switch (rule) {
+    case BadDataRule::Fill:
+      return true;
+    case BadDataRule::OmitRow:
+      return false;
+    case BadDataRule::OmitVar:
+      omitted_.mark(i);
+      return true;
+    case BadDataRule::Error: {
+      const source_position p = where();
+      throw_msg_id_exception(ErrorTag(p.line, p.column));
+    }
+  }
+  return true;
+}
+
+template <class CharT>
+void value_stage<CharT>::convert_in_place(std::span<output_value> values) {
+  if (!converts_) return;
+  if constexpr (sizeof(CharT) == 1) {  // (plain_text_values gives UTF-8 values only)
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      output_value& v = values[i];
+      // (The values of the record before, converted here, left numbers.)
+      v.number = 0;
+      v.integer = 0;
+      if (v.kind != value_kind::text) continue;  // missing stays missing
+      const std::string_view text = v.bytes;
+      if (matrix_) {
+        if (!number_value(text, format_, v)) {
+          v.kind = value_kind::number;
+          v.bytes = {};
+          v.number = std::numeric_limits<double>::quiet_NaN();
+        }
+      } else if (i < typing_.size() && typing_[i].type != value_type::string) {
+        // Built in place; what does not convert (a missing marker too) stays
+        // missing, as the Fill rules want.
+        v = output_value{};
+        (void)convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i]);
+      }
+    }
+  }
+}
+
+template <class CharT>
+bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::size_t padding, use how,
+                              record_sink& sink) {
+  values_.clear();
+  // Each value is built in its place in values_; a part is handed on once the
+  // value after it is complete, so a rule that fails a field leaves the
+  // output as it was.
+  if (how != use::check) values_.reserve(std::min(record.cells.size(), record_part_size + 1));
+  std::size_t i = 0;
+  for (const raw_field& c : record.cells) {
+    const view text = record.text_of(w, c);
+    const auto where = [&] { return record.where(w, c); };
+    output_value checked;
+    output_value& v = how == use::check ? checked : values_.emplace_back();
+    if (is_missing(record, c, text)) {
+      if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
+    } else if (matrix_) {
+      if (!number_value(text, format_, v)) {
+        v.kind = value_kind::number;
+        v.number = std::numeric_limits<double>::quiet_NaN();
+        if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) return false;
+      }
+    } else if (i < typing_.size() && typing_[i].type != value_type::string) {
+      if (!convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) {
+        v = output_value{};
+        if (is_typed_marker(i, text)) {
+          if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
+        } else if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) {
+          return false;
+        }
+      }
+    } else if (how != use::check) {
+      v.kind = value_kind::text;
+      if constexpr (sizeof(CharT) == 1) {
+        v.bytes = text;
+      } else {
+        v.utf16 = true;
+        v.units = text;
+      }
+    }
+    ++i;
+    if (how == use::parts && values_.size() > record_part_size) {
+      sink.record_part(std::span<const output_value>(values_).first(record_part_size));
+      values_.front() = values_.back();
+      values_.resize(1);
+    }
+  }
+  if (padding > 0) {
+    const std::size_t cells = record.cells.size();
+    if (missing_rule_ == BadDataRule::OmitVar) {
+      omitted_.mark(cells, padding);
+    } else if (!keep_row_under<reader_error::MissingValue>(missing_rule_, cells, [&] { return record.end(w); })) {
+      return false;
+    }
+  }
+  return true;
+}
+
+template class value_stage<char>;
+template class value_stage<char16_t>;
+
+}  // namespace textio::import

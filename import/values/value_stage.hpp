@@ -1,0 +1,85 @@
+// Values from the cells of a record: which fields are missing (empty, the
+// TreatAsMissing placeholders, markers that detection found), the
+// MissingRule and ImportErrorRule, and the conversion of text into numbers
+// (Matrix) or typed values (Table with types).
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "import/values/number_conversion.hpp"
+#include "import/shape/omitted_variables.hpp"
+#include "import/output.hpp"
+#include "import/shape/record_cells.hpp"
+#include "import/scan/record_scanner.hpp"
+#include "import/values/value_conversion.hpp"
+#include "parser/options.hpp"
+
+namespace textio::import {
+
+template <class CharT>
+class value_stage {
+ public:
+  using view = std::basic_string_view<CharT>;
+  using string = std::basic_string<CharT>;
+
+  // check: the rules only, no values; parts: the values are handed to the
+  // sink whenever they hold a part, and the rest kept; whole: all values kept.
+  enum class use { check, parts, whole };
+  static constexpr std::size_t record_part_size = 4096;
+
+  // `opts`: the reader's effective options; `types` count for a Table only.
+  // OmitVar rules mark their variables in `omitted`.
+  value_stage(const textio::parser::options& opts, const scan_rules<CharT>& data_rules,
+              std::span<const variable_typing> types, omitted_variables<CharT>& omitted);
+
+  // Whether values are converted from text: Matrix, or Table with types.
+  bool converts() const noexcept { return converts_; }
+  // Whether a record's values follow from its fields as plain_text_values
+  // gives them (text, or missing for an empty unquoted field) through
+  // convert_in_place alone: no placeholders to compare, and a missing value
+  // or one that does not convert stays in its record.
+  bool converts_in_place() const noexcept {
+    return placeholders_.empty() && missing_rule_ == textio::enums::BadDataRule::Fill &&
+           (!converts_ || import_error_rule_ == textio::enums::BadDataRule::Fill);
+  }
+  // Converts such values to their variables' types as make would: under
+  // Matrix a number (NaN where the text is none); under Table with types the
+  // value of its type, or missing where it does not convert; else the text.
+  void convert_in_place(std::span<output_value> values);
+  // The type of each variable by position (Table only).
+  std::span<const variable_typing> typing() const noexcept { return typing_; }
+
+  // The values of a record's cells followed by `padding` missing ones, under
+  // the missing and import-error rules; false when a rule drops the record.
+  // The missing values of the padding are not among values().
+  bool make(const record_cells<CharT>& record, view window, std::size_t padding, use how, record_sink& sink);
+
+  const std::vector<output_value>& values() const noexcept { return values_; }
+
+ private:
+  bool is_missing(const record_cells<CharT>& record, const raw_field& c, view t) const;
+  bool is_typed_marker(std::size_t i, view text) const;
+  template <class ErrorTag, class Where>
+  bool keep_row_under(textio::enums::BadDataRule rule, std::size_t i, Where where);
+
+  textio::enums::BadDataRule missing_rule_;
+  textio::enums::BadDataRule import_error_rule_;
+  bool matrix_ = false;
+  const scan_rules<CharT>& data_rules_;
+  omitted_variables<CharT>& omitted_;
+  number_format format_;
+  std::vector<string> placeholders_;
+  std::vector<variable_typing> typing_;
+  std::vector<conversion_settings> conversions_;
+  std::vector<std::string> canonical_;  // per variable: the text of its datetime or duration value
+  std::vector<std::pair<std::size_t, string>> typed_markers_;
+  bool converts_ = false;
+  std::vector<output_value> values_;
+};
+
+}  // namespace textio::import
