@@ -65,6 +65,15 @@ struct InvalidEncoding : resource_core::BaseMsgID {
   }
 };
 
+// Bytes that no text encoding explains (binary or compressed data), found
+// while detecting the encoding; argument: the byte offset (0-based) of the
+// first byte that shows it.
+struct NotText : resource_core::BaseMsgID {
+  explicit NotText(std::uint64_t offset) : resource_core::BaseMsgID(catalog_name, "NotText") {
+    args.emplace_back(std::in_place_index<0>, offset);
+  }
+};
+
 // An encoding name that the converter does not know; argument: the name.
 struct UnknownEncoding : resource_core::BaseMsgID {
   explicit UnknownEncoding(const std::string& encoding) : resource_core::BaseMsgID(catalog_name, "UnknownEncoding") {

@@ -69,6 +69,15 @@ textio::import::progress_callback progress_bar(const textio::import::utf8_input&
   };
 }
 
+// Whether the input holds nothing but blanks and line endings (after a
+// UTF-8 byte-order mark): an empty table, which the tool says is empty.
+bool blank_input(textio::import::utf8_input& input) {
+  std::string_view sample = input.sample(textio::import::detection_sample_bytes);
+  if (!input.sample_is_whole_input()) return false;
+  if (sample.starts_with("\xEF\xBB\xBF")) sample.remove_prefix(3);
+  return sample.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
 std::string changed_warning(const std::string& file) {
   return "zvtextparser: warning: '" + file +
          "' changed while it was read (its size or modification time differ from when it was opened); the records "
@@ -153,7 +162,9 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     textio::import::utf8_input input(*args.operand);
     textio::import::text_format text = given_format(choices);
     std::optional<textio::import::detection_report> report;
-    if (!args.has("--no-detect")) {
+    const bool empty = blank_input(input);
+    if (empty) result.err += "zvtextparser: note: empty input\n";
+    if (!args.has("--no-detect") && !empty) {
       const textio::import::detection_result detected = detect_input(input, record, choices);
       record = detected.options;
       text = detected.format;
@@ -165,7 +176,8 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
       }
     }
     apply_table_options(args, text);
-    const auto types = variable_types(args, record, text, report ? &*report : nullptr, result.err);
+    const auto types = empty ? std::vector<textio::import::variable_typing>{}
+                             : variable_types(args, record, text, report ? &*report : nullptr, result.err);
     const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
       result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " +
                     std::to_string(column) + " never closes; quotes are read as text from there on\n";

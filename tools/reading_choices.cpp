@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "import/reader_errors.hpp"
+
 #include "name_value/option_vocabulary.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/host_values.hpp"
@@ -161,7 +163,12 @@ textio::import::text_format given_format(const textio::import::user_choices& cho
 textio::import::detection_result detect_input(textio::import::utf8_input& input, const textio::parser::options& record,
                                               const textio::import::user_choices& choices) {
   const std::string_view sample = input.sample(textio::import::detection_sample_bytes);
-  return textio::import::detect(sample, input.sample_is_whole_input(), record, choices);
+  textio::import::detection_result detected =
+      textio::import::detect(sample, input.sample_is_whole_input(), record, choices);
+  if (detected.report.not_text_at) {
+    textio::throw_msg_id_exception(ZORVEK::textio::reader::NotText(*detected.report.not_text_at));
+  }
+  return detected;
 }
 
 std::string report_text(const textio::import::detection_report& report) {

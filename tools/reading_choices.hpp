@@ -34,7 +34,8 @@ textio::import::text_format given_format(const textio::import::user_choices& cho
 
 // Detects from the sample at the start of `input` (the first
 // detection_sample_bytes bytes and the rest of their line); reading `input`
-// afterwards starts at its beginning.
+// afterwards starts at its beginning. Throws the reader's NotText when the
+// sample shows the input is no text and no encoding was given.
 textio::import::detection_result detect_input(textio::import::utf8_input& input, const textio::parser::options& record,
                                               const textio::import::user_choices& choices);
 

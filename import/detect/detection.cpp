@@ -113,6 +113,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     text = decode_sample(raw_sample, fmt.encoding, whole_file);
   } else {
     const encoding_guess g = detect_encoding(raw_sample);
+    rep.not_text_at = first_binary_byte(raw_sample, g.name);
     fmt.encoding = g.name;
     encoding_confidence = g.confidence;
     try {
@@ -344,7 +345,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   rep.variable_names = layout.names;
   if (!fmt.variable_names.empty()) rep.variable_names = fmt.variable_names;
   rep.table_end_line = fmt.table_end_line;
-  rep.confidence = std::clamp(confidence, 0.0, 1.0);
+  rep.confidence = rep.not_text_at ? 0.0 : std::clamp(confidence, 0.0, 1.0);
 
   // The type of each variable from the table's body rows.
   std::vector<std::vector<std::string>> body;

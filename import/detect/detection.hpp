@@ -43,6 +43,9 @@ struct detection_report {
   escape_style escape = escape_style::doubled;
   std::vector<std::string> variable_names;  // UTF-8
   std::optional<std::uint64_t> table_end_line;
+  // Where the sample shows it is no text (first_binary_byte), when the
+  // encoding was left open: the byte offset. Confidence is then 0.
+  std::optional<std::uint64_t> not_text_at;
   double confidence = 0;  // 0 to 1
   std::vector<detected_setting> filled;
   // Per variable: its type name ("double", "datetime", ...), the missing

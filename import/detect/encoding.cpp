@@ -111,6 +111,17 @@ encoding_guess detect_encoding(std::string_view raw) {
   return {name, 0, 0.7, "not UTF-8; the charset detector recognised " + name};
 }
 
+std::optional<std::size_t> first_binary_byte(std::string_view raw, const std::string& encoding) {
+  if (encoding.starts_with("UTF-16") || encoding.starts_with("UTF-32")) return std::nullopt;
+  const auto is_control = [](char c) {
+    const auto b = static_cast<unsigned char>(c);
+    return (b < 0x20 && (b < '\t' || b > '\r')) || b == 0x7F;
+  };
+  const auto controls = static_cast<std::size_t>(std::count_if(raw.begin(), raw.end(), is_control));
+  if (controls < 2 || controls * 100 <= raw.size()) return std::nullopt;
+  return static_cast<std::size_t>(std::find_if(raw.begin(), raw.end(), is_control) - raw.begin());
+}
+
 std::string decode_sample(std::string_view raw, const std::string& encoding, bool whole_file) {
   // Only the mark of the encoding read with is skipped.
   const byte_order_mark* mark = mark_at(raw);

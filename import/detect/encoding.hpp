@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,14 @@ struct encoding_guess {
 
 // Byte-order marks first, then valid UTF-8, then a legacy encoding.
 encoding_guess detect_encoding(std::string_view raw_sample);
+
+// The offset of the byte that shows `raw_sample` is no text in `encoding`,
+// or nothing: the first control byte (NUL included; tab, line feed,
+// vertical tab, form feed and carriage return are text) when there is more
+// than one and they make more than 1 % of the sample, as in binary and
+// compressed data. A stray one in a table is read as it stands. UTF-16 and
+// UTF-32 hold zero bytes as text and are not judged by their bytes.
+std::optional<std::size_t> first_binary_byte(std::string_view raw_sample, const std::string& encoding);
 
 // The sample in `encoding` as UTF-8, without its byte-order mark. A character
 // cut off at the end of a sample that is not the whole input is dropped.

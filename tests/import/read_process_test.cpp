@@ -158,6 +158,53 @@ TEST(ReadProcess, CsvWithARecordOfOneMissingValueAdvisesEmptyLineRuleRead) {
   EXPECT_EQ(two.err, "");
 }
 
+// Bytes that no text encoding explains end in NotText with the offset of the
+// first telling byte, before any output; a given encoding reads them as they
+// stand. Empty and blank inputs are an empty table, said on standard error.
+TEST(ReadProcess, RefusesWhatIsNotTextAndSaysWhenInputIsEmpty) {
+  using namespace std::string_literals;
+  const std::string not_text = "zvtextparser: ZORVEK:textio:reader:NotText: ";
+  const struct {
+    std::string input;
+    std::vector<std::string> extra;
+    int status;
+    std::string out;
+    std::string err_has;
+  } cases[] = {
+      {"\x7F"
+       "ELF\x02\x01\x01\0\0\0"s,
+       {},
+       4,
+       "",
+       not_text + "The input is not text: the byte at offset 0 "},
+      {"a,b\n\x1F\x8B\x08\0\0\0\0\0\0\x03"s, {"--format", "csv"}, 4, "", "at offset 4 is a control"},
+      {"a,b\n1,\x01\x02\n2,\x03\x04\n"s, {}, 4, "", "at offset 6 is a control"},
+      {"a,b\n1,x\0\0y\n"s, {"--encoding", "ISO-8859-1", "--format", "csv"}, 0, "a,b\r\n1,x\0\0y\r\n"s, ""},
+      {"a,b\n1,x\0y\n"s, {"--format", "csv"}, 0, "a,b\r\n1,x\0y\r\n"s, ""},
+      {"a,b\n1,\x1B[1mx\n" + std::string(200, 'z') + ",2\n", {"--format", "csv"}, 0, "", ""},
+      {"", {}, 0, "{\"variables\": [], \"units\": [], \"descriptions\": []}\n", "zvtextparser: note: empty input\n"},
+      {"\n \r\n\t\n", {"--format", "csv"}, 0, "", "zvtextparser: note: empty input\n"},
+      {"", {"--no-detect"}, 0, "{\"variables\": [], \"units\": [], \"descriptions\": []}\n", "empty input"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> args = {"read", import_test::write_file(c.input)};
+    args.insert(args.end(), c.extra.begin(), c.extra.end());
+    const auto run = run_tool(args);
+    EXPECT_EQ(run.status, c.status) << c.input << run.err;
+    if (c.status != 0) {
+      EXPECT_EQ(run.out.find("{\"variables\""), std::string::npos) << run.out;
+    } else if (!c.out.empty()) {
+      EXPECT_EQ(run.out, c.out) << c.input;
+    }
+    if (c.err_has.empty()) {
+      EXPECT_EQ(run.err.find("NotText"), std::string::npos) << run.err;
+      EXPECT_EQ(run.err.find("empty input"), std::string::npos) << run.err;
+    } else {
+      EXPECT_NE(run.err.find(c.err_has), std::string::npos) << c.input << "\n" << run.err;
+    }
+  }
+}
+
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool address_sanitizer = true;
 #elif defined(__has_feature)
