@@ -74,6 +74,23 @@ struct NotText : resource_core::BaseMsgID {
   }
 };
 
+// A type asked for by a variable name that the table does not have;
+// argument: the name.
+struct UnknownVariable : resource_core::BaseMsgID {
+  explicit UnknownVariable(const std::string& name) : resource_core::BaseMsgID(catalog_name, "UnknownVariable") {
+    args.emplace_back(std::in_place_index<1>, name);
+  }
+};
+
+// More types asked for by position than the table has variables; arguments:
+// the two counts.
+struct TooManyTypes : resource_core::BaseMsgID {
+  TooManyTypes(std::uint64_t types, std::uint64_t variables) : resource_core::BaseMsgID(catalog_name, "TooManyTypes") {
+    args.emplace_back(std::in_place_index<0>, types);
+    args.emplace_back(std::in_place_index<0>, variables);
+  }
+};
+
 // An encoding name that the converter does not know; argument: the name.
 struct UnknownEncoding : resource_core::BaseMsgID {
   explicit UnknownEncoding(const std::string& encoding) : resource_core::BaseMsgID(catalog_name, "UnknownEncoding") {

@@ -44,7 +44,16 @@ utf8_input::utf8_input(int fd, std::string name, std::uint64_t offset)
   note_file_state();
 }
 
+utf8_input::utf8_input(std::string_view bytes, std::string name)
+    : name_(std::move(name)), in_memory_(true), memory_(bytes.data()), memory_size_(bytes.size()) {}
+
 std::size_t utf8_input::read_some(char* into, std::size_t size) {
+  if (in_memory_) {
+    const std::size_t n = static_cast<std::size_t>(std::min<std::uint64_t>(size, memory_size_ - position_));
+    if (n != 0) std::memcpy(into, memory_ + position_, n);
+    position_ += n;
+    return n;
+  }
   ssize_t got = 0;
   do {
     got = positional_ ? ::pread(fd_, into, size, static_cast<off_t>(position_)) : ::read(fd_, into, size);

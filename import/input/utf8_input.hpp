@@ -26,6 +26,9 @@ class utf8_input {
   // that several inputs can read parts of one file at once. No byte-order
   // mark is looked for.
   utf8_input(int fd, std::string name, std::uint64_t offset);
+  // Reads bytes in memory, which must outlive the input; `name` names them
+  // in messages.
+  utf8_input(std::string_view bytes, std::string name);
   utf8_input(const utf8_input&) = delete;
   utf8_input& operator=(const utf8_input&) = delete;
   ~utf8_input();
@@ -96,6 +99,9 @@ class utf8_input {
   std::uint64_t offset_ = 0;  // bytes of the input before pending_
   bool positional_ = false;   // reads at position_ with pread
   std::uint64_t position_ = 0;
+  bool in_memory_ = false;  // reads memory_ instead of a descriptor
+  const char* memory_ = nullptr;
+  std::uint64_t memory_size_ = 0;
   std::string pending_;  // raw bytes not yet handed out
   bool at_end_ = false;
   bool started_ = false;  // the byte-order mark has been looked for
