@@ -15,13 +15,15 @@
 #include <utility>
 #include <vector>
 
-#include "import/detect/detection.hpp"
-#include "import/output.hpp"
-#include "import/read_events.hpp"
-#include "import/table/arrow_table.hpp"
-#include "import/text_format.hpp"
-#include "import/value_types.hpp"
-#include "parser/options.hpp"
+#include <zvtextparser/import/detect/detection.hpp>
+#include <zvtextparser/import/export.hpp>
+#include <zvtextparser/import/output.hpp>
+#include <zvtextparser/import/read_events.hpp>
+#include <zvtextparser/import/reader_errors.hpp>
+#include <zvtextparser/import/table/arrow_table.hpp>
+#include <zvtextparser/import/text_format.hpp>
+#include <zvtextparser/import/value_types.hpp>
+#include <zvtextparser/parser/options.hpp>
 
 namespace textio::import {
 
@@ -98,8 +100,8 @@ struct read_outcome {
 // given, UnknownVariable and TooManyTypes for a type request the table
 // cannot take, and the reading errors; records handed to the sink before a
 // failure stay handed.
-read_outcome read_into(const read_source& source, const textio::parser::options& options, const read_settings& settings,
-                       record_sink& sink);
+ZVTEXTIMPORT_API read_outcome read_into(const read_source& source, const textio::parser::options& options,
+                                        const read_settings& settings, record_sink& sink);
 
 struct table_read {
   arrow_table table;
@@ -107,12 +109,12 @@ struct table_read {
 };
 
 // Reads `source` into a typed table.
-table_read read_table(const read_source& source, const textio::parser::options& options = {},
-                      const read_settings& settings = {});
+ZVTEXTIMPORT_API table_read read_table(const read_source& source, const textio::parser::options& options = {},
+                                       const read_settings& settings = {});
 
 // Detects from the start of `source` what the options and `settings.given`
 // leave open, as read_into does before reading. Throws NotText as read_into.
-detection_result detect(const read_source& source, const textio::parser::options& options = {},
-                        const read_settings& settings = {});
+ZVTEXTIMPORT_API detection_result detect(const read_source& source, const textio::parser::options& options = {},
+                                         const read_settings& settings = {});
 
 }  // namespace textio::import

@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "errors/msg_id_exception.hpp"
+#include <zvtextparser/errors/msg_id_exception.hpp>
 #include "zvcore/base_msg_id.hpp"
 
 namespace ZORVEK::textio::reader {

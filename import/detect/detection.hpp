@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
-#include "import/text_format.hpp"
-#include "parser/options.hpp"
+#include <zvtextparser/import/text_format.hpp>
+#include <zvtextparser/parser/options.hpp>
 
 namespace textio::import {
 

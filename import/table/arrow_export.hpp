@@ -5,23 +5,25 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
-#include "import/table/arrow_c_abi.h"
-#include "import/table/arrow_table.hpp"
+#include <zvtextparser/import/table/arrow_c_abi.h>
+#include <zvtextparser/import/export.hpp>
+#include <zvtextparser/import/table/arrow_table.hpp>
 
 namespace textio::import {
 
 // The table's schema: a struct ("+s") with one nullable child a field,
 // named by the field, with its unit and description as metadata
 // ("unit", "description") where the file had them.
-void export_schema(const arrow_table& table, ArrowSchema* out);
+ZVTEXTIMPORT_API void export_schema(const arrow_table& table, ArrowSchema* out);
 
 // A stream of the table's batches in order: get_schema as export_schema,
 // then one struct array a batch. The stream owns the table.
-void export_to_arrow(arrow_table table, ArrowArrayStream* out);
+ZVTEXTIMPORT_API void export_to_arrow(arrow_table table, ArrowArrayStream* out);
 
 // The format string of a column type ("g" for float64, "tsu:UTC" for a
 // timestamp with a zone, ...).
-std::string arrow_format(arrow_type type, const std::string& timezone);
+ZVTEXTIMPORT_API std::string arrow_format(arrow_type type, const std::string& timezone);
 
 }  // namespace textio::import

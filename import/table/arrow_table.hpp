@@ -19,8 +19,9 @@
 #include <string_view>
 #include <vector>
 
-#include "import/output.hpp"
-#include "import/value_types.hpp"
+#include <zvtextparser/import/export.hpp>
+#include <zvtextparser/import/output.hpp>
+#include <zvtextparser/import/value_types.hpp>
 
 namespace textio::import {
 
@@ -44,14 +45,14 @@ enum class arrow_type : std::uint8_t {
 };
 
 // The type of a column of variables of `type`.
-arrow_type arrow_type_of(value_type type);
+ZVTEXTIMPORT_API arrow_type arrow_type_of(value_type type);
 
 // Bytes a value takes in the values buffer; 0 for null, boolean (bits) and text.
-std::size_t arrow_value_width(arrow_type type);
+ZVTEXTIMPORT_API std::size_t arrow_value_width(arrow_type type);
 
 // Bytes that grow geometrically, their start aligned to 64 bytes as the
 // Arrow format recommends.
-class arrow_buffer {
+class ZVTEXTIMPORT_API arrow_buffer {
  public:
   arrow_buffer() = default;
   arrow_buffer(arrow_buffer&&) noexcept = default;
@@ -91,7 +92,7 @@ class arrow_buffer {
   std::size_t capacity_ = 0;
 };
 
-struct arrow_column {
+struct ZVTEXTIMPORT_API arrow_column {
   arrow_type type = arrow_type::null;
   std::int64_t length = 0;
   std::int64_t null_count = 0;
@@ -124,7 +125,7 @@ struct arrow_batch {
 };
 
 // Every batch has a column for each field, of the same type.
-struct arrow_table {
+struct ZVTEXTIMPORT_API arrow_table {
   std::vector<arrow_field> fields;
   std::vector<arrow_batch> batches;
 
@@ -141,7 +142,7 @@ struct arrow_table {
 // before. A column that receives a value its type cannot hold (text in a
 // number column) becomes text, in every batch, its values written as the
 // text outputs write them.
-class arrow_table_sink : public record_sink {
+class ZVTEXTIMPORT_API arrow_table_sink : public record_sink {
  public:
   explicit arrow_table_sink(std::size_t batch_rows = std::size_t{1} << 16) : batch_rows_(batch_rows) {}
   void header(const table_header& header) override;
