@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # The race: on one generated CSV, in one run, times whole processes of
-# zvtextparser (count, CSV and JSONL conversion to /dev/null, the in-memory
-# table) and of the peers that are installed: wc -l, data.table's fread (one
+# zvtextparser (count, CSV and JSONL conversion to /dev/null and the
+# in-memory table, each typed as by default and as text cells) and of the
+# peers that are installed: wc -l, data.table's fread (one
 # thread and all threads) and fread + fwrite, DuckDB through its Node package
 # (into a table, COPY to CSV and to JSON), pandas read_csv and Python's csv
-# module. Each command runs once a round, rounds interleaved; the table gives
+# module, Polars through its Node package. Each command runs once a round, rounds interleaved; the table gives
 # the median of the rounds and our speed-up over each peer against our
 # command that does the same job (count, conversion to CSV or JSON, reading
 # into memory).
 #
 # Usage: bench/read_comparison.sh [BUILD_DIR] [SIZE_MIB] [ROUNDS]
 #   DUCKDB_NODE_MODULES: a node_modules folder holding @duckdb/node-api
+#   POLARS_NODE_MODULES: one holding nodejs-polars (with its linux-x64-gnu binary)
 #   RACE_FILE: an existing file to use instead of a generated one
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -46,13 +48,20 @@ q=$(printf '%q' "$file")
 opts=$(printf '%q ' "${read_options[@]}")
 add "wc -l" count "wc -l $q"
 add "zvtextparser read --count" count "$tool read $q --count --no-detect $opts"
-add "zvtextparser read --format csv" csv "$tool read $q --format csv --no-detect $opts"
-add "zvtextparser read --format jsonl" json "$tool read $q --format jsonl --no-detect $opts"
-[[ -x $table ]] && add "zvtextparser in-memory table" memory "$table $q $opts"
+# The peers type their columns: our typed rows (the defaults, with detection)
+# come first in each job and are the ones compared; the text-cell rows
+# beside them show what typing costs.
+add "zvtextparser read --format csv (typed)" csv "$tool read $q --format csv"
+add "zvtextparser read --format jsonl (typed)" json "$tool read $q --format jsonl"
+add "zvtextparser typed table" memory "$table $q --typed"
+add "zvtextparser typed table, 1 thread" memory1 "$table $q --typed --threads 1"
+add "zvtextparser read --format csv (text)" csv-text "$tool read $q --format csv --no-detect $opts"
+add "zvtextparser read --format jsonl (text)" json-text "$tool read $q --format jsonl --no-detect $opts"
+add "zvtextparser text-cell table" memory-text "$table $q $opts"
 
 if command -v Rscript > /dev/null && Rscript -e 'library(data.table)' > /dev/null 2>&1; then
   r="suppressMessages(library(data.table))"
-  add "fread, 1 thread" memory "Rscript -e '$r; setDTthreads(1); d <- fread(\"$file\")'"
+  add "fread, 1 thread" memory1 "Rscript -e '$r; setDTthreads(1); d <- fread(\"$file\")'"
   add "fread, $threads threads" memory "Rscript -e '$r; setDTthreads($threads); d <- fread(\"$file\")'"
   add "fread + fwrite CSV, $threads threads" csv \
     "Rscript -e '$r; setDTthreads($threads); fwrite(fread(\"$file\"), \"/dev/null\")'"
@@ -68,6 +77,11 @@ await c.run(\`$1\`); })();"
   add "DuckDB read_csv into a table" memory "$(duck "CREATE TABLE t AS SELECT * FROM read_csv('$file')")"
   add "DuckDB COPY to CSV" csv "$(duck "COPY (SELECT * FROM read_csv('$file')) TO '/dev/null' (FORMAT csv)")"
   add "DuckDB COPY to JSON" json "$(duck "COPY (SELECT * FROM read_csv('$file')) TO '/dev/null' (FORMAT json)")"
+fi
+
+if command -v node > /dev/null && NODE_PATH=${POLARS_NODE_MODULES:-} node -e "require('nodejs-polars')" 2> /dev/null; then
+  add "Polars readCSV" memory \
+    "NODE_PATH=${POLARS_NODE_MODULES:-} node -e $(printf '%q' "require('nodejs-polars').readCSV('$file')")"
 fi
 
 if "$py" -c 'import pandas' 2> /dev/null; then
