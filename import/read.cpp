@@ -176,6 +176,14 @@ table_read read_table(const read_source& source, const textio::parser::options& 
   return {sink.take(), std::move(outcome)};
 }
 
+read_outcome read_batches(const read_source& source, const textio::parser::options& options,
+                          const read_settings& settings, batch_limits limits, const batch_callback& on_batch) {
+  arrow_table_sink sink(limits, on_batch);
+  read_outcome outcome = read_into(source, options, settings, sink);
+  sink.take();  // hands on the last batch
+  return outcome;
+}
+
 detection_result detect(const read_source& source, const textio::parser::options& options,
                         const read_settings& settings) {
   const std::unique_ptr<utf8_input> input = open_input(source);

@@ -112,6 +112,14 @@ struct table_read {
 ZVTEXTIMPORT_API table_read read_table(const read_source& source, const textio::parser::options& options = {},
                                        const read_settings& settings = {});
 
+// Reads `source` as read_table does, batch by batch: each batch goes to
+// `on_batch` as it closes, in file order, and only the batches in flight are
+// held. A batch's types are those detected, except a column that received a
+// value its type cannot hold, which is text in that batch.
+ZVTEXTIMPORT_API read_outcome read_batches(const read_source& source, const textio::parser::options& options,
+                                           const read_settings& settings, batch_limits limits,
+                                           const batch_callback& on_batch);
+
 // Detects from the start of `source` what the options and `settings.given`
 // leave open, as read_into does before reading. Throws NotText as read_into.
 ZVTEXTIMPORT_API detection_result detect(const read_source& source, const textio::parser::options& options = {},

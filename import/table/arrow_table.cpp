@@ -459,9 +459,39 @@ arrow_batch& arrow_table_sink::open_batch() {
 }
 
 void arrow_table_sink::close_batch() {
-  if (open_ && open_->rows > 0) table_.batches.push_back(std::move(*open_));
+  if (open_ && open_->rows > 0) hand_on(std::move(*open_));
   open_.reset();
 }
+
+void arrow_table_sink::hand_on(arrow_batch&& batch) {
+  if (!on_batch_) {
+    table_.batches.push_back(std::move(batch));
+    return;
+  }
+  // A streamed batch stands alone: its columns of only missing values take
+  // their declared type (else text).
+  for (std::size_t i = 0; i < batch.columns.size(); ++i) {
+    if (batch.columns[i].type != arrow_type::null) continue;
+    const arrow_type declared = i < declared_.size() ? declared_[i] : arrow_type::null;
+    become(batch.columns[i], declared == arrow_type::null ? arrow_type::utf8 : declared, false);
+  }
+  if (table_.fields.size() < batch.columns.size()) table_.fields.resize(batch.columns.size());
+  for (std::size_t i = 0; i < batch.columns.size() && i < utc_.size(); ++i) {
+    if (utc_[i] && batch.columns[i].type == arrow_type::timestamp) table_.fields[i].timezone = "UTC";
+  }
+  on_batch_(std::move(batch), table_.fields);
+}
+
+namespace {
+
+// The bytes a batch's buffers hold.
+std::size_t batch_bytes(const arrow_batch& batch) {
+  std::size_t n = 0;
+  for (const arrow_column& c : batch.columns) n += c.validity.size() + c.values.size() + c.text.size();
+  return n;
+}
+
+}  // namespace
 
 void arrow_table_sink::padded_record(std::span<const output_value> values, std::size_t missing) {
   arrow_batch& batch = open_batch();
@@ -487,11 +517,12 @@ void arrow_table_sink::padded_record(std::span<const output_value> values, std::
     put_value(c, v);
   }
   for (std::size_t i = values.size(); i < batch.columns.size(); ++i) put_missing(batch.columns[i]);
-  if (static_cast<std::size_t>(++batch.rows) >= batch_rows_) close_batch();
+  const auto rows = static_cast<std::size_t>(++batch.rows);
+  if (rows >= limits_.rows || (rows % 1024 == 0 && batch_bytes(batch) >= limits_.bytes)) close_batch();
 }
 
 std::unique_ptr<record_sink> arrow_table_sink::part_sink() {
-  auto part = std::make_unique<arrow_table_sink>(batch_rows_);
+  auto part = std::make_unique<arrow_table_sink>(limits_);
   part->declared_ = declared_;
   return part;
 }
@@ -500,10 +531,10 @@ void arrow_table_sink::take_part(record_sink& part) {
   auto& from = static_cast<arrow_table_sink&>(part);
   close_batch();
   from.close_batch();
-  for (arrow_batch& b : from.table_.batches) table_.batches.push_back(std::move(b));
-  from.table_.batches.clear();
   if (utc_.size() < from.utc_.size()) utc_.resize(from.utc_.size(), false);
   for (std::size_t i = 0; i < from.utc_.size(); ++i) utc_[i] = utc_[i] || from.utc_[i];
+  for (arrow_batch& b : from.table_.batches) hand_on(std::move(b));
+  from.table_.batches.clear();
   from.utc_.clear();
 }
 

@@ -13,10 +13,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <zvtextparser/import/export.hpp>
@@ -135,16 +137,29 @@ struct ZVTEXTIMPORT_API arrow_table {
   }
 };
 
-// Collects the records it receives into an arrow_table, `batch_rows` rows a
-// batch. A variable's column takes the type the header gives it (or, without
-// types, that of its first value); a record shorter than the table is padded
-// with missing values, a longer one adds columns, missing in the rows
-// before. A column that receives a value its type cannot hold (text in a
+// How large a batch grows before it is closed: whichever limit comes first
+// (the bytes of its buffers are looked at every 1024 rows).
+struct batch_limits {
+  std::size_t rows = std::size_t{1} << 16;
+  std::size_t bytes = std::size_t{64} << 20;
+};
+
+// Receives each batch as it is closed, in file order, with the fields as
+// the header gave them.
+using batch_callback = std::function<void(arrow_batch&& batch, const std::vector<arrow_field>& fields)>;
+
+// Collects the records it receives into an arrow_table, batch by batch; or,
+// given a batch_callback, hands each batch on as it closes and keeps none
+// (the table then holds only the fields). Streamed batches keep the types
+// they had: a column that became text is text in that batch only. A variable's column takes the type the header gives
+// it (or, without types, that of its first value); a record shorter than the table is padded with missing values, a
+// longer one adds columns, missing in the rows before. A column that receives a value its type cannot hold (text in a
 // number column) becomes text, in every batch, its values written as the
 // text outputs write them.
 class ZVTEXTIMPORT_API arrow_table_sink : public record_sink {
  public:
-  explicit arrow_table_sink(std::size_t batch_rows = std::size_t{1} << 16) : batch_rows_(batch_rows) {}
+  explicit arrow_table_sink(batch_limits limits = {}, batch_callback on_batch = {})
+      : limits_(limits), on_batch_(std::move(on_batch)) {}
   void header(const table_header& header) override;
   void record(std::span<const output_value> values) override { padded_record(values, 0); }
   void padded_record(std::span<const output_value> values, std::size_t missing) override;
@@ -157,8 +172,10 @@ class ZVTEXTIMPORT_API arrow_table_sink : public record_sink {
  private:
   arrow_batch& open_batch();
   void close_batch();
+  void hand_on(arrow_batch&& batch);
 
-  std::size_t batch_rows_;
+  batch_limits limits_;
+  batch_callback on_batch_;
   std::vector<arrow_type> declared_;  // the header's types, by variable
   std::vector<bool> utc_;             // by variable: a datetime had a UTC offset
   arrow_table table_;

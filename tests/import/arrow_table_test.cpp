@@ -153,7 +153,7 @@ output_value number(double n) {
 // that is text in one part is text in every batch, numbers written as text;
 // a column a part never saw is missing there.
 TEST(ArrowTable, PartsBecomeBatchesOfOneSchema) {
-  arrow_table_sink sink(2);
+  arrow_table_sink sink(batch_limits{2, 1 << 20});
   table_header header;
   header.names = {text("a")};
   header.types = {{"double", 1}};

@@ -137,6 +137,20 @@ TEST(ReadCall, ThreadsGiveTheSameTable) {
   EXPECT_EQ(types(a.table), types(b.table));
   EXPECT_EQ(a.table.rows(), b.table.rows());
   EXPECT_EQ(cells(a.table), cells(b.table));
+
+  // Streamed in batches of at most 10,000 rows, the same rows in file order.
+  arrow_table streamed;
+  std::size_t largest = 0;
+  read_batches(read_source::file(path), {}, two, batch_limits{10000, std::size_t{1} << 30},
+               [&](arrow_batch&& batch, const std::vector<arrow_field>& fields) {
+                 largest = std::max(largest, static_cast<std::size_t>(batch.rows));
+                 streamed.fields = fields;
+                 streamed.batches.push_back(std::move(batch));
+               });
+  EXPECT_LE(largest, 10000U);
+  EXPECT_GT(streamed.batches.size(), a.table.batches.size());
+  EXPECT_EQ(streamed.fields[2].name, "word");
+  EXPECT_EQ(cells(streamed), cells(a.table));
 }
 
 }  // namespace
