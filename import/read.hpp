@@ -20,6 +20,7 @@
 #include <zvtextparser/import/output.hpp>
 #include <zvtextparser/import/read_events.hpp>
 #include <zvtextparser/import/reader_errors.hpp>
+#include <zvtextparser/import/table/arrow_c_abi.h>
 #include <zvtextparser/import/table/arrow_table.hpp>
 #include <zvtextparser/import/text_format.hpp>
 #include <zvtextparser/import/value_types.hpp>
@@ -119,6 +120,17 @@ ZVTEXTIMPORT_API table_read read_table(const read_source& source, const textio::
 ZVTEXTIMPORT_API read_outcome read_batches(const read_source& source, const textio::parser::options& options,
                                            const read_settings& settings, batch_limits limits,
                                            const batch_callback& on_batch);
+
+// Reads `source` as read_batches does, on a thread of its own, for a
+// consumer that pulls: the schema is the first batch's (or, for an empty
+// table, the fields as text), then each batch in file order; a few batches
+// are read ahead. A failure of the read, or a later batch whose column no
+// longer has the schema's type (a value that its detected type cannot hold:
+// give the types to read such a file as a stream), ends the stream with an
+// error code (EIO, or EINVAL for a type) and get_last_error's message.
+// Releasing the stream early stops the read.
+ZVTEXTIMPORT_API void stream_to_arrow(const read_source& source, const textio::parser::options& options,
+                                      const read_settings& settings, batch_limits limits, ArrowArrayStream* out);
 
 // Detects from the start of `source` what the options and `settings.given`
 // leave open, as read_into does before reading. Throws NotText as read_into.

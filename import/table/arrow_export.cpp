@@ -112,7 +112,7 @@ void export_column(const arrow_column& column, const shared_table& table, ArrowA
   fill_array(out, data, column.length, column.null_count);
 }
 
-void export_batch(const arrow_batch& batch, const shared_table& table, ArrowArray* out) {
+void export_struct(const arrow_batch& batch, const shared_table& table, ArrowArray* out) {
   auto* data = new array_data{table, {nullptr}, std::vector<ArrowArray>(batch.columns.size()), {}};
   for (std::size_t i = 0; i < batch.columns.size(); ++i) export_column(batch.columns[i], table, &data->children[i]);
   fill_array(out, data, batch.rows, 0);
@@ -134,7 +134,7 @@ int stream_next(ArrowArrayStream* stream, ArrowArray* out) {
     *out = ArrowArray{};  // the end: a released array
     return 0;
   }
-  export_batch(data->table->batches[data->next++], data->table, out);
+  export_struct(data->table->batches[data->next++], data->table, out);
   return 0;
 }
 
@@ -185,14 +185,25 @@ std::string arrow_format(arrow_type type, const std::string& timezone) {
   return "u";
 }
 
-void export_schema(const arrow_table& table, ArrowSchema* out) {
-  auto* data = new schema_data{"+s", "", "", std::vector<ArrowSchema>(table.fields.size()), {}};
-  for (std::size_t i = 0; i < table.fields.size(); ++i) {
-    const arrow_field& field = table.fields[i];
-    auto* child = new schema_data{arrow_format(table.type(i), field.timezone), field.name, metadata_of(field), {}, {}};
+void export_schema(const std::vector<arrow_field>& fields, const std::vector<arrow_type>& types, ArrowSchema* out) {
+  auto* data = new schema_data{"+s", "", "", std::vector<ArrowSchema>(fields.size()), {}};
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const arrow_field& field = fields[i];
+    const arrow_type type = i < types.size() ? types[i] : arrow_type::utf8;
+    auto* child = new schema_data{arrow_format(type, field.timezone), field.name, metadata_of(field), {}, {}};
     fill_schema(&data->children[i], child, ARROW_FLAG_NULLABLE);
   }
   fill_schema(out, data, 0);
+}
+
+void export_schema(const arrow_table& table, ArrowSchema* out) {
+  std::vector<arrow_type> types;
+  for (std::size_t i = 0; i < table.fields.size(); ++i) types.push_back(table.type(i));
+  export_schema(table.fields, types, out);
+}
+
+void export_batch(std::shared_ptr<const arrow_table> table, std::size_t batch, ArrowArray* out) {
+  export_struct(table->batches[batch], table, out);
 }
 
 void export_to_arrow(arrow_table table, ArrowArrayStream* out) {

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <zvtextparser/import/table/arrow_c_abi.h>
 #include <zvtextparser/import/export.hpp>
@@ -17,6 +18,13 @@ namespace textio::import {
 // named by the field, with its unit and description as metadata
 // ("unit", "description") where the file had them.
 ZVTEXTIMPORT_API void export_schema(const arrow_table& table, ArrowSchema* out);
+
+// The schema of `fields` with these column types.
+ZVTEXTIMPORT_API void export_schema(const std::vector<arrow_field>& fields, const std::vector<arrow_type>& types,
+                                    ArrowSchema* out);
+
+// Batch `batch` of `table` as a struct array that keeps the table alive.
+ZVTEXTIMPORT_API void export_batch(std::shared_ptr<const arrow_table> table, std::size_t batch, ArrowArray* out);
 
 // A stream of the table's batches in order: get_schema as export_schema,
 // then one struct array a batch. The stream owns the table.

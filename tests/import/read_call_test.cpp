@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -151,6 +153,44 @@ TEST(ReadCall, ThreadsGiveTheSameTable) {
   EXPECT_GT(streamed.batches.size(), a.table.batches.size());
   EXPECT_EQ(streamed.fields[2].name, "word");
   EXPECT_EQ(cells(streamed), cells(a.table));
+}
+
+// A consumer pulls batches from the reader's thread; releasing the stream
+// early stops the read, and an array outlives its stream.
+TEST(ReadCall, StreamGivesBatchesAsPulled) {
+  std::string text = "n,word\n";
+  for (int i = 0; i < 2500; ++i) text += std::to_string(i) + ",w" + std::to_string(i) + "\n";
+  const batch_limits thousand{1000, std::size_t{1} << 30};
+  ArrowArrayStream stream;
+  stream_to_arrow(read_source::memory(text), {}, {}, thousand, &stream);
+  ArrowSchema schema;
+  ASSERT_EQ(stream.get_schema(&stream, &schema), 0);
+  ASSERT_EQ(schema.n_children, 2);
+  EXPECT_EQ(std::string(schema.children[0]->format) + schema.children[1]->format, "gu");
+  schema.release(&schema);
+  std::vector<double> firsts;
+  std::int64_t rows = 0;
+  for (ArrowArray batch; stream.get_next(&stream, &batch) == 0 && batch.release != nullptr; batch.release(&batch)) {
+    double first = 0;
+    std::memcpy(&first, batch.children[0]->buffers[1], sizeof first);
+    firsts.push_back(first);
+    rows += batch.length;
+  }
+  stream.release(&stream);
+  EXPECT_EQ(firsts, (std::vector<double>{0, 1000, 2000}));
+  EXPECT_EQ(rows, 2500);
+
+  stream_to_arrow(read_source::memory(text), {}, {}, thousand, &stream);
+  ArrowArray kept;
+  ASSERT_EQ(stream.get_next(&stream, &kept), 0);
+  stream.release(&stream);
+  EXPECT_EQ(kept.length, 1000);
+  kept.release(&kept);
+
+  stream_to_arrow(read_source::memory(std::string_view("\x01\x02 no text", 11)), {}, {}, thousand, &stream);
+  EXPECT_EQ(stream.get_schema(&stream, &schema), EIO);
+  EXPECT_NE(std::string(stream.get_last_error(&stream)).find("not text"), std::string::npos);
+  stream.release(&stream);
 }
 
 }  // namespace
