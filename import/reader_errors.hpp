@@ -74,6 +74,18 @@ struct NotText : resource_core::BaseMsgID {
   }
 };
 
+// Compressed input that is corrupt or cut short; arguments: the input's
+// name, the compression ("gzip", "bzip2", ...) and how many compressed bytes
+// were read when it showed.
+struct CorruptInput : resource_core::BaseMsgID {
+  CorruptInput(const std::string& name, const std::string& format, std::uint64_t offset)
+      : resource_core::BaseMsgID(catalog_name, "CorruptInput") {
+    args.emplace_back(std::in_place_index<1>, name);
+    args.emplace_back(std::in_place_index<1>, format);
+    args.emplace_back(std::in_place_index<0>, offset);
+  }
+};
+
 // A type asked for by a variable name that the table does not have;
 // argument: the name.
 struct UnknownVariable : resource_core::BaseMsgID {

@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build g++ clang-14 pkg-config
   libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libhwy-dev libuchardet-dev libfast-float-dev
+  zlib1g-dev libbz2-dev liblzma-dev libzstd-dev
 )
 
 missing=()

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "import/reader_errors.hpp"
+#include "import/input/decompressor.hpp"
 #include "import/input/transcoder.hpp"
 #include "import/input/utf8_text.hpp"
 
@@ -35,9 +36,13 @@ utf8_input::utf8_input(const std::string& path) : name_(path == "-" ? "standard 
     owns_fd_ = true;
   }
   note_file_state();
+  find_compression();
 }
 
-utf8_input::utf8_input(int fd, std::string name) : fd_(fd), name_(std::move(name)) { note_file_state(); }
+utf8_input::utf8_input(int fd, std::string name) : fd_(fd), name_(std::move(name)) {
+  note_file_state();
+  find_compression();
+}
 
 utf8_input::utf8_input(int fd, std::string name, std::uint64_t offset)
     : fd_(fd), name_(std::move(name)), offset_(offset), positional_(true), position_(offset), started_(true) {
@@ -45,9 +50,47 @@ utf8_input::utf8_input(int fd, std::string name, std::uint64_t offset)
 }
 
 utf8_input::utf8_input(std::string_view bytes, std::string name)
-    : name_(std::move(name)), in_memory_(true), memory_(bytes.data()), memory_size_(bytes.size()) {}
+    : name_(std::move(name)), in_memory_(true), memory_(bytes.data()), memory_size_(bytes.size()) {
+  find_compression();
+}
 
 std::size_t utf8_input::read_some(char* into, std::size_t size) {
+  if (decompressor_) return decompressor_->read(into, size);
+  if (!head_.empty()) {
+    const std::size_t n = std::min(size, head_.size());
+    std::memcpy(into, head_.data(), n);
+    head_.erase(0, n);
+    return n;
+  }
+  return read_raw(into, size);
+}
+
+void utf8_input::find_compression() {
+  head_.resize(compression_magic_bytes);
+  std::size_t got = 0;
+  while (got < head_.size()) {
+    const std::size_t n = read_raw(head_.data() + got, head_.size() - got);
+    if (n == 0) break;
+    got += n;
+  }
+  head_.resize(got);
+  const compression kind = compression_of(head_);
+  if (kind == compression::none) return;
+  decompressor_ = std::make_unique<decompressor>(
+      kind,
+      [this, head = std::exchange(head_, {})](char* into, std::size_t size) mutable {
+        if (head.empty()) return read_raw(into, size);
+        const std::size_t n = std::min(size, head.size());
+        std::memcpy(into, head.data(), n);
+        head.erase(0, n);
+        return n;
+      },
+      name_);
+  // Its bytes are not the file's: no size to measure progress by, no parts.
+  from_file_start_ = false;
+}
+
+std::size_t utf8_input::read_raw(char* into, std::size_t size) {
   if (in_memory_) {
     const std::size_t n = static_cast<std::size_t>(std::min<std::uint64_t>(size, memory_size_ - position_));
     if (n != 0) std::memcpy(into, memory_ + position_, n);

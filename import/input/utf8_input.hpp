@@ -1,7 +1,8 @@
 // A file (or standard input) read as UTF-8 in large blocks: the byte-order
 // mark is skipped, and every block handed out ends at a character boundary
-// and holds only well-formed UTF-8. Input in another encoding is converted
-// to UTF-8 as it is read. Memory: one block.
+// and holds only well-formed UTF-8. Compressed input (decompressor.hpp) is
+// decompressed and input in another encoding converted to UTF-8 as it is
+// read. Memory: one block.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +13,7 @@
 
 namespace textio::import {
 
+class decompressor;
 class transcoder;
 
 class utf8_input {
@@ -60,11 +62,13 @@ class utf8_input {
   // The amount a reader asks for at least when it needs more text.
   std::size_t block_size() const noexcept { return block_size_; }
 
-  // The file's size when it is a regular file, else 0.
-  std::uint64_t size() const noexcept { return size_; }
+  // The file's size when it is a regular file and not compressed, else 0.
+  std::uint64_t size() const noexcept { return decompressor_ ? 0 : size_; }
   // A regular file read from its first byte, so that an offset in the text
   // read is the same offset in the file (parts of it can be read at once).
   bool is_whole_regular_file() const noexcept { return regular_ && from_file_start_; }
+  // Whether the input is compressed (and decompressed as it is read).
+  bool compressed() const noexcept { return decompressor_ != nullptr; }
   // Whether the input is converted from another encoding.
   bool converts() const noexcept { return transcoder_ != nullptr; }
   int descriptor() const noexcept { return fd_; }
@@ -82,9 +86,15 @@ class utf8_input {
   void note_file_state() noexcept;
   // Reads raw bytes into pending_; false at the end of the input.
   bool fill(std::size_t want);
-  // One read of the descriptor (positional from position_ when set),
-  // retried when interrupted; throws CannotReadFile.
+  // Raw bytes, decompressed when the input is compressed.
   std::size_t read_some(char* into, std::size_t size);
+  // One read of the descriptor (positional from position_ when set) or of
+  // the memory, retried when interrupted; throws CannotReadFile.
+  std::size_t read_raw(char* into, std::size_t size);
+  // Looks at the input's first bytes for a compression's magic, when it is
+  // opened (a part of a file is not looked at: the file was, whole); a
+  // compressed input is no regular file of text to cut into parts.
+  void find_compression();
   // read() for input in another encoding than UTF-8.
   bool read_converted(std::string& out, std::size_t want);
 
@@ -108,6 +118,8 @@ class utf8_input {
   std::size_t read_limit_ = static_cast<std::size_t>(-1);
   std::size_t block_size_ = std::size_t{1} << 18;
   std::unique_ptr<transcoder> transcoder_;  // none: the input is UTF-8
+  std::string head_;                        // raw bytes it read, handed out first when not compressed
+  std::unique_ptr<decompressor> decompressor_;
 };
 
 }  // namespace textio::import

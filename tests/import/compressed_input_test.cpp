@@ -1,0 +1,117 @@
+// Compressed input, told by its first bytes: each format read from a file and
+// from standard input gives the records of the plain text; a stream that is
+// cut short or corrupt is a reading error, never a partial result with
+// status 0; text that only looks like a magic number stays text.
+#include <bzlib.h>
+#include <fcntl.h>
+#include <lzma.h>
+#include <unistd.h>
+#include <zlib.h>
+#include <zstd.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "import/input/decompressor.hpp"
+#include "import/read_helpers.hpp"
+#include "support/run_tool.hpp"
+
+namespace {
+
+using test_support::run_tool;
+
+const std::string table = "id,note\n1,plain\n2,\"two\nlines\"\n3,\"a, b\"\n";
+
+std::string gzip(const std::string& text, int window_bits = 15 + 16) {
+  z_stream z{};
+  deflateInit2(&z, 6, Z_DEFLATED, window_bits, 8, Z_DEFAULT_STRATEGY);
+  std::string out(deflateBound(&z, text.size()) + 32, '\0');
+  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+  z.avail_in = static_cast<uInt>(text.size());
+  z.next_out = reinterpret_cast<Bytef*>(out.data());
+  z.avail_out = static_cast<uInt>(out.size());
+  deflate(&z, Z_FINISH);
+  out.resize(z.total_out);
+  deflateEnd(&z);
+  return out;
+}
+std::string zlib(const std::string& text) { return gzip(text, 15); }
+
+std::string bzip2(const std::string& text) {
+  std::string out(text.size() + 1024, '\0');
+  auto size = static_cast<unsigned>(out.size());
+  BZ2_bzBuffToBuffCompress(out.data(), &size, const_cast<char*>(text.data()), static_cast<unsigned>(text.size()), 9,
+                           0, 0);
+  out.resize(size);
+  return out;
+}
+
+std::string xz(const std::string& text) {
+  std::string out(text.size() + 1024, '\0');
+  std::size_t size = 0;
+  lzma_easy_buffer_encode(6, LZMA_CHECK_CRC64, nullptr, reinterpret_cast<const std::uint8_t*>(text.data()),
+                          text.size(), reinterpret_cast<std::uint8_t*>(out.data()), &size, out.size());
+  out.resize(size);
+  return out;
+}
+
+std::string zstd(const std::string& text) {
+  std::string out(ZSTD_compressBound(text.size()), '\0');
+  out.resize(ZSTD_compress(out.data(), out.size(), text.data(), text.size(), 3));
+  return out;
+}
+
+TEST(CompressedInput, EachFormatReadsAsItsText) {
+  const std::string plain = run_tool({"read", import_test::write_file(table), "--format", "csv"}).out;
+  ASSERT_NE(plain.find("lines"), std::string::npos);
+  const struct {
+    const char* name;
+    std::string bytes;
+  } cases[] = {{"gzip", gzip(table)},           {"zlib", zlib(table)},   {"bzip2", bzip2(table)},
+               {"xz", xz(table)},               {"zstd", zstd(table)},   {"gzip members", gzip(table) + gzip("4,x\n")},
+               {"zstd frames", zstd(table) + zstd("4,x\n")}};
+  for (const auto& c : cases) {
+    const std::string path = import_test::write_file(c.bytes);
+    const auto from_file = run_tool({"read", path, "--format", "csv"});
+    EXPECT_EQ(from_file.status, 0) << c.name << from_file.err;
+    const bool two = std::string(c.name).find(' ') != std::string::npos;
+    EXPECT_EQ(from_file.out, two ? plain + "4,x\r\n" : plain) << c.name;
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    test_support::tool_setup piped;
+    piped.stdin_fd = fd;
+    const auto from_stdin = run_tool({"read", "-", "--format", "csv"}, piped);
+    ::close(fd);
+    EXPECT_EQ(from_stdin.out, from_file.out) << c.name << from_stdin.err;
+  }
+}
+
+TEST(CompressedInput, CutShortOrCorruptIsAReadingError) {
+  const std::string whole = gzip(table);
+  std::string flipped = xz(table);
+  flipped[flipped.size() / 2] = static_cast<char>(flipped[flipped.size() / 2] ^ 0x55);
+  const std::string cases[] = {whole.substr(0, whole.size() - 6), whole + "garbage", flipped,
+                               bzip2(table).substr(0, 30), zstd(table).substr(0, 20)};
+  for (const std::string& bytes : cases) {
+    const auto run = run_tool({"read", import_test::write_file(bytes), "--format", "csv"});
+    EXPECT_EQ(run.status, 4) << run.err;
+    EXPECT_NE(run.err.find("ZORVEK:textio:reader:CorruptInput: "), std::string::npos) << run.err;
+  }
+}
+
+TEST(CompressedInput, OnlyTheMagicOfEachFormatCounts) {
+  using textio::import::compression;
+  using namespace std::string_view_literals;
+  EXPECT_EQ(textio::import::compression_of(gzip("x")), compression::gzip);
+  EXPECT_EQ(textio::import::compression_of(zlib("x")), compression::zlib);
+  EXPECT_EQ(textio::import::compression_of(bzip2("x")), compression::bzip2);
+  EXPECT_EQ(textio::import::compression_of(bzip2("")), compression::bzip2);
+  EXPECT_EQ(textio::import::compression_of(xz("x")), compression::xz);
+  EXPECT_EQ(textio::import::compression_of(zstd("x")), compression::zstd);
+  for (const std::string_view text : {"x^2,y\n"sv, "BZh9 is a name\n"sv, "xx\n"sv, ""sv, "\x1F"sv}) {
+    EXPECT_EQ(textio::import::compression_of(text), compression::none) << text;
+  }
+}
+
+}  // namespace
