@@ -64,28 +64,6 @@ double control_share(std::string_view text) {
   return static_cast<double>(control) / static_cast<double>(text.size());
 }
 
-// The number format of the fields below the first row.
-number_separators guess_number_format(const sample_table& table, char delimiter, bool blanks) {
-  number_votes v;
-  std::size_t seen = 0;
-  for (std::size_t r = 1; r < table.records.size() && seen < 20000; ++r) {
-    const sample_record& rec = table.records[r];
-    if (rec.blank || rec.comment) continue;
-    for (std::size_t j = 0; j < rec.fields.size(); ++j, ++seen) vote_number_format(rec.fields[j], v);
-  }
-  number_separators f;
-  const bool comma_free = delimiter != ',' || blanks;
-  if (comma_free && v.decimal_comma >= 1 && v.decimal_comma > v.decimal_point) f.decimal = ',';
-  if (f.decimal == ',' && v.thousands_dot >= 1 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';
-  if (f.decimal == '.' && v.thousands_comma >= 1 && (comma_free || v.thousands_comma * 2 > seen / 4)) {
-    f.thousands = ',';
-  }
-  if (f.thousands == '\0' && v.thousands_space >= 1 && !blanks) f.thousands = ' ';
-  // A comma splits the fields: a grouping comma can only be inside quotes.
-  if (f.thousands == ',' && !comma_free) f.thousands = '\0';
-  return f;
-}
-
 struct chosen_layout {
   dialect d;
   bool fixed_width = false;
@@ -251,7 +229,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
 
   // Numbers, then the layout read with them.
   number_separators numbers;
-  if (!chosen.fixed_width) numbers = guess_number_format(chosen.table, chosen.d.delimiter, chosen.d.blanks);
+  if (!chosen.fixed_width) numbers = guess_number_format(chosen.table, chosen.d);
   if (!open("DecimalSeparator")) numbers.decimal = static_cast<char>(opts.decimal_separator());
   if (!open("ThousandsSeparator")) {
     numbers.thousands = opts.thousands_separator().empty() ? '\0' : static_cast<char>(opts.thousands_separator()[0]);

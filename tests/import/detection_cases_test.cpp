@@ -129,6 +129,32 @@ TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   EXPECT_EQ(layout_of(detect("a;b\n1;2\n3;4\n", true, given, choices)), "; 1 1 2 . - - \" double -");
 }
 
+// Grouping separators only where a column groups every number by three and
+// the delimiter cannot be mistaken for them; decimal separators as before.
+TEST(Detection, GuessesAGroupingSeparatorOnlyWithEvidence) {
+  const std::array<std::string, 3> cases[] = {
+      // Three numbers in one field of a tab or comma table stay apart.
+      {"tab_blank_triples", "a\tb\tc\n255 250 250\t\tsnow\n1 2 3\t\tx\n248 248 255\t\tghost\n", ". -"},
+      {"tab_blank_triples_only", "a\tb\n255 250 250\tsnow\n248 248 255\tghost\n245 245 245\tsmoke\n", ". -"},
+      {"tab_blank_grouped", "a\tb\n1 234 567\tx\n12 345\ty\n3 000\tz\n", ". -"},
+      {"comma_blank_grouped", "a,b\n1 234 567,x\n12 345,y\n3 000,z\n", ". -"},
+      // With a semicolon a blank groups, when some number is clearly grouped.
+      {"semicolon_blank_grouped", "a;b\n1 234,5;x\n12 345,25;y\n999,5;z\n", ", blank"},
+      {"semicolon_blank_triples", "a;b\n255 250 250;x\n248 248 255;y\n245 245 245;z\n", ". -"},
+      // A column that also holds 1.2.3, dates or long ungrouped numbers.
+      {"dot_with_dates", "a;b\n1.234.567;x\n05.02.2020;y\n2.345,5;z\n999,5;w\n", ", -"},
+      {"dot_consistent", "a;b\n1.234.567;x\n2.345,5;y\n999,5;z\n", ", ."},
+      {"dot_and_long_ungrouped", "a;b\n1.234,5;x\n12345,5;y\n999,5;z\n", ", -"},
+      {"comma_grouped_tab", "a\tb\n1,234,567\tx\n2,345.5\ty\n999.5\tz\n", ". ,"},
+      {"comma_with_indian_grouping", "a\tb\n1,234,567\tx\n12,34,567\ty\n999.5\tz\n", ". -"},
+  };
+  for (const auto& [name, text, want] : cases) {
+    const auto got = detection_corpus::fields_of(detect(text, true, {}, {}));
+    const std::string thousands = got.at("thousands") == " " ? "blank" : got.at("thousands");
+    EXPECT_EQ(got.at("decimal") + " " + thousands, want) << name;
+  }
+}
+
 TEST(Detection, WhatTheUserGaveStays) {
   textio::parser::options given;
   given.delimiter(std::vector<std::u16string>{u"|"});
