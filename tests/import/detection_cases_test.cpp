@@ -155,6 +155,26 @@ TEST(Detection, GuessesAGroupingSeparatorOnlyWithEvidence) {
   }
 }
 
+// A colon that is part of a URL or a time does not delimit, though it would
+// cut each of these rows into the same number of fields and tab does not.
+TEST(Detection, ColonsInsideValuesDoNotDelimit) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"urls",
+       "alpha\thttp://example.org/a\t1\nbeta\thttps://example.org/b\t2\t\ngamma\thttp://example.net/c\n"
+       "x\thttp://example.com/d\t4\t5\n"},
+      {"times", "a b\t12:30\tx\nc\t08:00\ty\t\nd e f\t10:10\tz\ng\t11:20\tw\t\nh\t11:25\tv\n"},
+      {"date_times",
+       "a b\t2020-01-01 12:30\tx y\nc\t2020-01-02 08:00\ty\t\nd e f\t2020-01-03 10:10\tz\n"
+       "g\t2020-01-04 11:20\tw\t\nh\t2020-01-05 11:25\tv u\n"},
+  };
+  for (const auto& [name, text] : cases) {
+    EXPECT_EQ(detection_corpus::fields_of(detect(text, true, {}, {})).at("delimiter"), "tab") << name;
+  }
+  // Where the colon delimits, it still wins.
+  EXPECT_EQ(detection_corpus::fields_of(detect("root:x:0:0\ndaemon:x:1:1\nbin:x:2:2\n", true, {}, {})).at("delimiter"),
+            ":");
+}
+
 TEST(Detection, WhatTheUserGaveStays) {
   textio::parser::options given;
   given.delimiter(std::vector<std::u16string>{u"|"});
