@@ -194,8 +194,12 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       const bool blanks_regular = blank_layout.body_fit >= 0.95 &&
                                   (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows);
       const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
-      use_fixed =
-          fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 && (!blanks_regular || blanks_split_fields);
+      // Or when most rows have as many fields as the columns and only the
+      // last column holds words apart by blanks.
+      const bool blanks_split_last =
+          by_blanks.dominant_fields == starts.size() && by_blanks.consistency < 1 && words_only_in_last_column(fixed);
+      use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
+                  (!blanks_regular || blanks_split_fields || blanks_split_last);
       if (use_fixed) {
         chosen.fixed_width = true;
         chosen.widths = widths_from_starts(starts, lines);

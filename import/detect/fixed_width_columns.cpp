@@ -118,4 +118,16 @@ sample_table cut_fixed_width(const std::vector<sample_line>& lines, const std::v
   return table;
 }
 
+bool words_only_in_last_column(const sample_table& fixed) {
+  bool last_has_words = false;
+  for (const sample_record& r : fixed.records) {
+    for (std::size_t j = 0; j < r.fields.size(); ++j) {
+      const bool words = r.fields[j].find_first_of(" \t") != std::string::npos;
+      if (words && j + 1 < r.fields.size()) return false;
+      last_has_words = last_has_words || words;
+    }
+  }
+  return last_has_words;
+}
+
 }  // namespace textio::import

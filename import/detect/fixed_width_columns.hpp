@@ -27,4 +27,9 @@ std::vector<std::uint64_t> widths_from_starts(const std::vector<std::size_t>& st
 sample_table cut_fixed_width(const std::vector<sample_line>& lines, const std::vector<std::size_t>& starts,
                              std::string_view comment_marker, std::size_t max_records);
 
+// Whether the cut table holds text of several words in its last column on
+// some row and in no other column on any row: a free-text last column that
+// runs of blanks would cut into more fields.
+bool words_only_in_last_column(const sample_table& fixed);
+
 }  // namespace textio::import
