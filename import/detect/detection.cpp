@@ -166,7 +166,11 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
   const dialect_score best = ranked.empty() ? dialect_score{} : ranked.front();
   chosen.table = split_records(lines, chosen.d, marker, max_records);
-  if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8)) {
+  // A rule line under the names gives the columns, or at least where the
+  // rows start.
+  const rule_line rule = choose_parser ? find_rule_line(lines, marker) : rule_line{};
+  const bool ruled_columns = rule.starts.size() >= 2;
+  if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8 || ruled_columns)) {
     // Blank-aligned columns: separate by runs of blanks when every row then
     // has the same number of fields, else cut at fixed positions.
     const dialect blanks{' ', true, '"', escape_style::doubled};
@@ -176,11 +180,12 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     // Columns shared by the body as runs of blanks see it, else by all lines
     // (runs of blanks may have found no body), else past a preamble.
     fixed_columns columns;
-    for (const std::size_t from :
-         {static_cast<std::size_t>(blank_layout.header_lines), std::size_t{0}, lines.size() / 4, lines.size() / 2}) {
+    for (const std::size_t from : {static_cast<std::size_t>(rule.line > 0 ? rule.line : blank_layout.header_lines),
+                                   std::size_t{0}, lines.size() / 4, lines.size() / 2}) {
       columns = fixed_width_starts(lines, from, marker);
       if (columns.starts.size() >= 2) break;
     }
+    if (ruled_columns) columns.starts = rule.starts;
     const std::vector<std::size_t>& starts = columns.starts;
     bool use_fixed = false;
     if (starts.size() >= 2) {
@@ -199,7 +204,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       const bool blanks_split_last =
           by_blanks.dominant_fields == starts.size() && by_blanks.consistency < 1 && words_only_in_last_column(fixed);
       use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
-                  (!blanks_regular || blanks_split_fields || blanks_split_last);
+                  (!blanks_regular || blanks_split_fields || blanks_split_last || ruled_columns);
       if (use_fixed) {
         chosen.fixed_width = true;
         chosen.widths = widths_from_starts(starts, lines);
@@ -238,7 +243,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   if (!open("ThousandsSeparator")) {
     numbers.thousands = opts.thousands_separator().empty() ? '\0' : static_cast<char>(opts.thousands_separator()[0]);
   }
-  const table_layout layout = analyse_layout(chosen.table, numbers);
+  table_layout layout = analyse_layout(chosen.table, numbers);
+  if (chosen.fixed_width || chosen.d.blanks) follow_rule_line(layout, chosen.table, rule);
 
   // Fill in what was left open.
   if (choose_delimiter) {

@@ -98,6 +98,16 @@ const std::array<std::string, 3> layout_cases[] = {
     // quote, though it would cut the same table.
     {"backslash_escape", "a,b\n1,\"say \\\"hi\\\", then\"\n2,\"x\"\n3,\"and \\\"bye\\\"\"\n",
      ", 1 1 2 . - - \" backslash -"},
+    // A rule line under the names: a header line, and its runs are the
+    // columns; rules above the names too; a rule of one run leaves the
+    // columns to the rows.
+    {"rule_line_columns",
+     "Col1      Col2 Col3\n---- --------- ----\n 1.2   's world    1\n 2.4     hello    2\n 3.6         x    3\n",
+     "fixed 2 1 3 . - - \" double -"},
+    {"rules_around_names", "===== =====\nname  value\n===== =====\nab c    1.5\nde      2.5\nfg h    3.5\n",
+     "fixed 3 2 2 . - - \" double -"},
+    {"one_run_rule", "name   value  note\n------------------\nab c   1.5    x\nde     2.5    y\nfg h   3.5    z\n",
+     "fixed 2 1 3 . - - \" double -"},
     {"stray_quote", "a,b\n1,2\n3,4\n5,\"6\n", ", 1 1 2 . - - none double -"},
 };
 
