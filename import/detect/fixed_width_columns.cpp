@@ -68,24 +68,25 @@ fixed_columns fixed_width_starts(const std::vector<sample_line>& lines, std::siz
     }
     if (last > 0) ++ending[last - 1];
   }
-  // Lines with text after each position: where few lines go on, a line
-  // that goes on with text is a long value, not one disagreeing line.
+  // Lines with text after each position.
   std::vector<std::size_t> going_on(longest + 1, 0);
   for (std::size_t p = longest; p-- > 0;) going_on[p] = going_on[p + 1] + ending[p + 1];
   if (n < 2) return {};
-  // A gap: a position blank on every line (one line in fifty of those with
-  // text after it may disagree).
+  // A gap: a position blank on every line (one line in fifty may disagree).
   const std::size_t allowed = n / 50;
   fixed_columns out;
   bool in_gap = true;
   std::size_t gap_width = 0;
   for (std::size_t p = 0; p < longest; ++p) {
-    const bool gap = filled[p] <= std::min(allowed, going_on[p] / 50);
+    const bool gap = filled[p] <= allowed;
     // On a few lines, one blank between letters on most of them is more
     // likely two words of one text aligned by chance (John Smith, Mary
     // Hartford) than two columns; on many lines it is a column edge.
     const bool word_gap = n <= few_lines && gap_width == 1 && p >= 2 && letters[p - 2] * 2 > n && letters[p] * 2 > n;
-    if (!gap && in_gap && !word_gap) {
+    // Text that a tenth of the lines reach at the most is the ragged end
+    // of a last column of free text, not a column of its own.
+    const bool ragged_end = going_on[p] + ending[p] < std::max(allowed + 1, n / 10);
+    if (!gap && in_gap && !word_gap && !ragged_end) {
       if (!out.starts.empty()) {
         out.narrowest_gap = out.starts.size() == 1 ? gap_width : std::min(out.narrowest_gap, gap_width);
       }
@@ -176,7 +177,9 @@ rule_line find_rule_line(const std::vector<sample_line>& lines, std::string_view
         runs.back().second = p;
       }
     }
-    if (!rule || dashes < 3) {
+    // Runs of one dash are more likely missing values (- - -).
+    const bool short_run = std::ranges::any_of(runs, [](const auto& r) { return r.first == r.second; });
+    if (!rule || dashes < 3 || short_run) {
       if (out.line > 0 && !top) break;  // the data after the rule
       continue;
     }

@@ -12,6 +12,7 @@
 #include "import/detect/detection.hpp"
 #include "import/detection_corpus.hpp"
 #include "import/detect/encoding.hpp"
+#include "import/detect/fixed_width_columns.hpp"
 
 namespace {
 
@@ -106,6 +107,9 @@ const std::array<std::string, 3> layout_cases[] = {
      "fixed 2 1 3 . - - \" double -"},
     {"rules_around_names", "===== =====\nname  value\n===== =====\nab c    1.5\nde      2.5\nfg h    3.5\n",
      "fixed 3 2 2 . - - \" double -"},
+    {"rule_over_an_empty_column", "a    b    c\n---- ---- ----\n1.5       x\n2.5       y\n3.5       z\n",
+     "fixed 2 1 3 . - - \" double -"},
+    {"missing_values_are_no_rule", "x y z\n- - -\n1 2 3\n4 5 6\n7 8 9\n", "blanks 1 1 3 . - - \" double -"},
     {"one_run_rule", "name   value  note\n------------------\nab c   1.5    x\nde     2.5    y\nfg h   3.5    z\n",
      "fixed 2 1 3 . - - \" double -"},
     {"stray_quote", "a,b\n1,2\n3,4\n5,\"6\n", ", 1 1 2 . - - none double -"},
@@ -183,6 +187,26 @@ TEST(Detection, ColonsInsideValuesDoNotDelimit) {
   // Where the colon delimits, it still wins.
   EXPECT_EQ(detection_corpus::fields_of(detect("root:x:0:0\ndaemon:x:1:1\nbin:x:2:2\n", true, {}, {})).at("delimiter"),
             ":");
+}
+
+// Fixed-width columns found from the rows: a reference list of an object
+// name, a 19-character code ending in a letter and free text of any length,
+// a few lines of which run far past the others.
+TEST(FixedWidth, FreeTextEndsTheLastColumn) {
+  const char* names[] = {"LZ Aqr", "V1333 Aql", "Cyg X-2", "GX 339-4", "Her X-1"};
+  const char* words[] = {"Tomsick,", "J.A.,", "et", "al.", "2002,", "ApJ", "581,", "570", "(Orb.Per.)"};
+  std::string text;
+  for (int i = 0; i < 150; ++i) {
+    std::string line = names[i % 5];
+    line.resize(13, ' ');
+    line += "2002ApJ..." + std::to_string(100 + i) + "..570" + static_cast<char>('A' + i % 26) + " ";
+    const int count = i % 30 == 7 ? 40 : 2 + i % 7;  // five lines run far
+    for (int w = 0; w < count; ++w) line += std::string(words[(i * 7 + w * w + w) % 9]) + " ";
+    text += line + "\n";
+  }
+  const auto lines = textio::import::split_lines(text, 1000);
+  const auto starts = textio::import::fixed_width_starts(lines, 0, "").starts;
+  EXPECT_EQ(starts, (std::vector<std::size_t>{0, 10, 33})) << text.substr(0, 200);
 }
 
 TEST(Detection, WhatTheUserGaveStays) {
