@@ -195,9 +195,12 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       // same fields, or when they cut more fields than the columns hold and
       // the columns stand at least two blanks apart (words inside a field
       // are one blank apart).
-      // (Runs of blanks that leave a body of one or two rows found no table.)
-      const bool blanks_regular = blank_layout.body_fit >= 0.95 &&
-                                  (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows);
+      // (Runs of blanks that leave a body of one or two rows, or of less
+      // than half the rows the columns cut, found no table.)
+      const bool blanks_regular =
+          blank_layout.body_fit >= 0.95 &&
+          (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows) &&
+          blank_layout.body_rows * 2 >= fixed_layout.body_rows;
       const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
       // Or when most rows have as many fields as the columns and only the
       // last column holds words apart by blanks.

@@ -129,8 +129,9 @@ sample_table cut_fixed_width(const std::vector<sample_line>& lines, const std::v
     const std::u32string cps = code_points(line);
     for (std::size_t c = 0; c < starts.size(); ++c) {
       const std::size_t end = c + 1 < starts.size() ? starts[c + 1] : cps.size();
-      if (starts[c] >= cps.size()) break;  // a short line has fewer fields
-      r.fields.push_back(trimmed_utf8(cps, starts[c], end));
+      // A line that ends before a column has an empty field there, as the
+      // reader reads it.
+      r.fields.push_back(starts[c] >= cps.size() ? std::string() : trimmed_utf8(cps, starts[c], end));
       r.quoted.push_back(false);
       ++r.field_count;
     }
