@@ -3,6 +3,7 @@
 #include <array>
 #include <cctype>
 #include <string>
+#include <vector>
 
 #include "import/detect/blanks.hpp"
 
@@ -157,7 +158,10 @@ cell_type classify(std::string_view field, const number_separators& format) {
   return cell_type::text;
 }
 
-void vote_number_format(std::string_view s, number_votes& v) {
+namespace {
+
+// The votes of one field, without the evidence against grouping.
+void vote_shape(std::string_view s, number_votes& v) {
   if (!s.empty() && (s.front() == '-' || s.front() == '+')) s.remove_prefix(1);
   if (s.empty() || !digit(s.front())) return;
   // Shape: runs of digits separated by single '.', ',' or ' '.
@@ -181,7 +185,10 @@ void vote_number_format(std::string_view s, number_votes& v) {
   }
   if (run == 0) return;
   runs[nruns++] = run;
-  if (seps.empty()) return;
+  if (seps.empty()) {
+    v.long_ungrouped += run > 3;
+    return;
+  }
   auto groups_of_three = [&](std::size_t from, std::size_t to) {
     if (runs[from] > 3) return false;
     for (std::size_t k = from + 1; k < to; ++k) {
@@ -195,6 +202,12 @@ void vote_number_format(std::string_view s, number_votes& v) {
     if (last == '.') ++v.decimal_point;
     if (last == ',' && runs[1] != 3) ++v.decimal_comma;
     if (last == ',' && runs[1] == 3 && runs[0] > 3) ++v.decimal_comma;
+    // 1,234 and 1.234 say nothing alone; 1 234 groups.
+    if (last == ' ' && groups_of_three(0, 2)) {
+      ++v.thousands_space;
+      v.thousands_space_clear += runs[0] < 3;
+    }
+    if (last != ' ' && runs[0] > 3) ++v.long_ungrouped;
     return;
   }
   if (!mixed) {
@@ -202,7 +215,10 @@ void vote_number_format(std::string_view s, number_votes& v) {
     if (!groups_of_three(0, nruns)) return;
     if (last == '.') ++v.thousands_dot;
     if (last == ',') ++v.thousands_comma;
-    if (last == ' ') ++v.thousands_space;
+    if (last == ' ') {
+      ++v.thousands_space;
+      v.thousands_space_clear += runs[0] < 3;
+    }
     return;
   }
   // A grouping separator then one decimal separator.
@@ -217,8 +233,85 @@ void vote_number_format(std::string_view s, number_votes& v) {
     ++v.decimal_point;
   } else if (group == ' ') {
     ++v.thousands_space;
+    ++v.thousands_space_clear;
     last == ',' ? ++v.decimal_comma : ++v.decimal_point;
   }
+}
+
+// 1,234 or 1.234: a grouping or a decimal separator, undecided.
+bool lone_group(std::string_view s) {
+  const std::size_t at = s.find_first_of(".,");
+  if (at == std::string_view::npos || at == 0 || at > 3 || s.size() != at + 4) return false;
+  for (std::size_t i = 0; i < s.size(); ++i) {
+    if (i != at && !digit(s[i])) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void vote_number_format(std::string_view s, number_votes& v) {
+  s = trim_blanks(s);
+  number_votes w;
+  vote_shape(s, w);
+  std::string_view unsigned_part = s;
+  if (!unsigned_part.empty() && (unsigned_part.front() == '-' || unsigned_part.front() == '+')) {
+    unsigned_part.remove_prefix(1);
+  }
+  if (!unsigned_part.empty() && digit(unsigned_part.front())) {
+    // A separator that is neither grouping nor decimal separator here; a
+    // lone 1,234 or 1.234 says nothing either way.
+    const bool lone_three = lone_group(unsigned_part);
+    const bool has_dot = s.find('.') != std::string_view::npos;
+    const bool has_comma = s.find(',') != std::string_view::npos;
+    const bool has_space = s.find(' ') != std::string_view::npos;
+    v.broken_dot += has_dot && !lone_three && w.thousands_dot == 0 && w.decimal_point == 0;
+    v.broken_comma += has_comma && !lone_three && w.thousands_comma == 0 && w.decimal_comma == 0;
+    v.broken_space += has_space && w.thousands_space == 0;
+  }
+  v.decimal_point += w.decimal_point;
+  v.decimal_comma += w.decimal_comma;
+  v.thousands_dot += w.thousands_dot;
+  v.thousands_comma += w.thousands_comma;
+  v.thousands_space += w.thousands_space;
+  v.thousands_space_clear += w.thousands_space_clear;
+  v.long_ungrouped += w.long_ungrouped;
+}
+
+number_separators guess_number_format(const sample_table& table, const dialect& d) {
+  // Votes column by column: grouping counts only from columns that group
+  // every number the same way.
+  std::vector<number_votes> columns;
+  std::size_t seen = 0;
+  for (std::size_t r = 1; r < table.records.size() && seen < 20000; ++r) {
+    const sample_record& rec = table.records[r];
+    if (rec.blank || rec.comment) continue;
+    if (columns.size() < rec.fields.size()) columns.resize(rec.fields.size());
+    for (std::size_t j = 0; j < rec.fields.size(); ++j, ++seen) vote_number_format(rec.fields[j], columns[j]);
+  }
+  number_votes v;
+  for (const number_votes& c : columns) {
+    v.decimal_point += c.decimal_point;
+    v.decimal_comma += c.decimal_comma;
+    if (c.long_ungrouped > 0) continue;
+    if (c.broken_dot == 0) v.thousands_dot += c.thousands_dot;
+    if (c.broken_comma == 0) v.thousands_comma += c.thousands_comma;
+    if (c.broken_space == 0 && c.thousands_space_clear > 0) v.thousands_space += c.thousands_space;
+  }
+  number_separators f;
+  const bool comma_free = d.delimiter != ',' || d.blanks;
+  if (comma_free && v.decimal_comma >= 1 && v.decimal_comma > v.decimal_point) f.decimal = ',';
+  if (f.decimal == ',' && v.thousands_dot >= 1 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';
+  if (f.decimal == '.' && v.thousands_comma >= 1 && (comma_free || v.thousands_comma * 2 > seen / 4)) {
+    f.thousands = ',';
+  }
+  // A blank only groups digits where blanks and tabs do not part fields, nor
+  // does a comma (1 234,5 would be two fields).
+  const bool blank_free = !d.blanks && d.delimiter != '\t' && d.delimiter != ',';
+  if (f.thousands == '\0' && v.thousands_space >= 1 && blank_free) f.thousands = ' ';
+  // A comma splits the fields: a grouping comma can only be inside quotes.
+  if (f.thousands == ',' && !comma_free) f.thousands = '\0';
+  return f;
 }
 
 }  // namespace textio::import

@@ -64,28 +64,6 @@ double control_share(std::string_view text) {
   return static_cast<double>(control) / static_cast<double>(text.size());
 }
 
-// The number format of the fields below the first row.
-number_separators guess_number_format(const sample_table& table, char delimiter, bool blanks) {
-  number_votes v;
-  std::size_t seen = 0;
-  for (std::size_t r = 1; r < table.records.size() && seen < 20000; ++r) {
-    const sample_record& rec = table.records[r];
-    if (rec.blank || rec.comment) continue;
-    for (std::size_t j = 0; j < rec.fields.size(); ++j, ++seen) vote_number_format(rec.fields[j], v);
-  }
-  number_separators f;
-  const bool comma_free = delimiter != ',' || blanks;
-  if (comma_free && v.decimal_comma >= 1 && v.decimal_comma > v.decimal_point) f.decimal = ',';
-  if (f.decimal == ',' && v.thousands_dot >= 1 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';
-  if (f.decimal == '.' && v.thousands_comma >= 1 && (comma_free || v.thousands_comma * 2 > seen / 4)) {
-    f.thousands = ',';
-  }
-  if (f.thousands == '\0' && v.thousands_space >= 1 && !blanks) f.thousands = ' ';
-  // A comma splits the fields: a grouping comma can only be inside quotes.
-  if (f.thousands == ',' && !comma_free) f.thousands = '\0';
-  return f;
-}
-
 struct chosen_layout {
   dialect d;
   bool fixed_width = false;
@@ -189,7 +167,11 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
   const dialect_score best = ranked.empty() ? dialect_score{} : ranked.front();
   chosen.table = split_records(lines, chosen.d, marker, max_records);
-  if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8)) {
+  // A rule line under the names gives the columns, or at least where the
+  // rows start.
+  const rule_line rule = choose_parser ? find_rule_line(lines, marker) : rule_line{};
+  const bool ruled_columns = rule.starts.size() >= 2;
+  if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8 || ruled_columns)) {
     // Blank-aligned columns: separate by runs of blanks when every row then
     // has the same number of fields, else cut at fixed positions.
     const dialect blanks{' ', true, '"', escape_style::doubled};
@@ -199,11 +181,12 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     // Columns shared by the body as runs of blanks see it, else by all lines
     // (runs of blanks may have found no body), else past a preamble.
     fixed_columns columns;
-    for (const std::size_t from :
-         {static_cast<std::size_t>(blank_layout.header_lines), std::size_t{0}, lines.size() / 4, lines.size() / 2}) {
+    for (const std::size_t from : {static_cast<std::size_t>(rule.line > 0 ? rule.line : blank_layout.header_lines),
+                                   std::size_t{0}, lines.size() / 4, lines.size() / 2}) {
       columns = fixed_width_starts(lines, from, marker);
       if (columns.starts.size() >= 2) break;
     }
+    if (ruled_columns) columns.starts = rule.starts;
     const std::vector<std::size_t>& starts = columns.starts;
     bool use_fixed = false;
     if (starts.size() >= 2) {
@@ -213,12 +196,19 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       // same fields, or when they cut more fields than the columns hold and
       // the columns stand at least two blanks apart (words inside a field
       // are one blank apart).
-      // (Runs of blanks that leave a body of one or two rows found no table.)
-      const bool blanks_regular = blank_layout.body_fit >= 0.95 &&
-                                  (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows);
+      // (Runs of blanks that leave a body of one or two rows, or of less
+      // than half the rows the columns cut, found no table.)
+      const bool blanks_regular =
+          blank_layout.body_fit >= 0.95 &&
+          (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows) &&
+          blank_layout.body_rows * 2 >= fixed_layout.body_rows;
       const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
-      use_fixed =
-          fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 && (!blanks_regular || blanks_split_fields);
+      // Or when most rows have as many fields as the columns and only the
+      // last column holds words apart by blanks.
+      const bool blanks_split_last =
+          by_blanks.dominant_fields == starts.size() && by_blanks.consistency < 1 && words_only_in_last_column(fixed);
+      use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
+                  (!blanks_regular || blanks_split_fields || blanks_split_last || ruled_columns);
       if (use_fixed) {
         chosen.fixed_width = true;
         chosen.widths = widths_from_starts(starts, lines);
@@ -252,12 +242,13 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
 
   // Numbers, then the layout read with them.
   number_separators numbers;
-  if (!chosen.fixed_width) numbers = guess_number_format(chosen.table, chosen.d.delimiter, chosen.d.blanks);
+  if (!chosen.fixed_width) numbers = guess_number_format(chosen.table, chosen.d);
   if (!open("DecimalSeparator")) numbers.decimal = static_cast<char>(opts.decimal_separator());
   if (!open("ThousandsSeparator")) {
     numbers.thousands = opts.thousands_separator().empty() ? '\0' : static_cast<char>(opts.thousands_separator()[0]);
   }
-  const table_layout layout = analyse_layout(chosen.table, numbers);
+  table_layout layout = analyse_layout(chosen.table, numbers);
+  if (chosen.fixed_width || chosen.d.blanks) follow_rule_line(layout, chosen.table, rule);
 
   // Fill in what was left open.
   if (choose_delimiter) {

@@ -29,6 +29,32 @@ cell_type kind_for_scoring(std::string_view field, const dialect& d) {
   return classify(field, {',', '\0'});
 }
 
+bool digit(char c) { return c >= '0' && c <= '9'; }
+
+// Whether most of the delimiter's occurrences on the lines are part of a
+// value: the colon of a URL's scheme (http://), or of a time (12:30) when
+// the delimiter is ':'. A delimiter found mostly there cuts values apart.
+bool mostly_inside_values(const std::vector<sample_line>& lines, char delimiter, std::string_view comment_marker) {
+  std::size_t total = 0;
+  std::size_t inside = 0;
+  std::size_t examined = 0;
+  for (const sample_line& l : lines) {
+    if (examined >= scored_records) break;
+    if (is_comment(l.text, comment_marker)) continue;
+    ++examined;
+    const std::string_view t = l.text;
+    for (std::size_t i = 0; i < t.size(); ++i) {
+      if (t[i] != delimiter) continue;
+      ++total;
+      const bool url = t.substr(i + 1, 2) == "//";
+      const bool time = delimiter == ':' && i > 0 && digit(t[i - 1]) && i + 2 < t.size() && digit(t[i + 1]) &&
+                        digit(t[i + 2]) && (i + 3 == t.size() || !digit(t[i + 3]));
+      inside += url || time;
+    }
+  }
+  return total > 0 && inside * 2 >= total;
+}
+
 // Order of preference among equally good candidates.
 int preference(const dialect& d) {
   static constexpr std::string_view order = ",\t;|:";
@@ -146,6 +172,7 @@ dialect_score score_dialect(const std::vector<sample_line>& lines, const dialect
   if (unparsed_quotes > 0) {
     s.score *= 1 - 0.5 * std::min(1.0, 4.0 * static_cast<double>(unparsed_quotes) / static_cast<double>(cells));
   }
+  if (!d.blanks && mostly_inside_values(lines, d.delimiter, comment_marker)) s.score *= 0.1;
   if (d.quote != '\0') {
     // Quotes that do not pair up, or text after a closing quote, say the
     // quote or its escape is wrong.

@@ -38,6 +38,16 @@ class cursor {
     return s_.substr(b, i_ - b);
   }
   std::size_t pos() const { return i_; }
+  // AM or PM in either case, after at most one blank: 0 for AM, 12 for PM,
+  // -1 (nothing taken) when there is none.
+  int meridiem() {
+    const std::size_t at = i_ + (peek() == ' ' ? 1 : 0);
+    if (at + 2 > s_.size() || lower(s_[at + 1]) != 'm' || (at + 2 < s_.size() && is_alpha(s_[at + 2]))) return -1;
+    const char c = lower(s_[at]);
+    if (c != 'a' && c != 'p') return -1;
+    i_ = at + 2;
+    return c == 'a' ? 0 : 12;
+  }
 
  private:
   std::string_view s_;
@@ -131,9 +141,10 @@ bool parse_date(cursor& c, date_order order, datetime_value& v) {
   return true;
 }
 
-// hh:mm[:ss[.fff]] then an optional Z or offset.
-bool parse_time(cursor& c, datetime_value& v) {
-  const auto h = c.number(1, 2);
+// hh:mm[:ss[.fff]], then AM or PM on a 12-hour clock (12 AM is midnight),
+// then an optional Z or offset. `clock`: AM or PM must be there.
+bool parse_time(cursor& c, datetime_value& v, bool clock = false) {
+  auto h = c.number(1, 2);
   if (!h || *h > 23 || !c.take(':')) return false;
   const auto m = c.number(2, 2);
   if (!m || *m > 59) return false;
@@ -152,6 +163,12 @@ bool parse_time(cursor& c, datetime_value& v) {
       if (digits == 0) return false;
       for (std::size_t k = digits; k < 9; ++k) fraction *= 10;
     }
+  }
+  const int half = c.meridiem();
+  if (half < 0 && clock) return false;
+  if (half >= 0) {
+    if (*h < 1 || *h > 12) return false;
+    h = *h % 12 + half;
   }
   v.has_time = true;
   v.nanoseconds = ((*h * 60LL + *m) * 60 + s) * 1'000'000'000LL + fraction;
@@ -181,7 +198,15 @@ std::optional<datetime_value> parse_datetime(std::string_view text, date_order o
   if (text.size() < 6 || text.size() > 40) return std::nullopt;
   cursor c(text);
   datetime_value v;
-  if (!parse_date(c, order, v)) return std::nullopt;
+  if (!parse_date(c, order, v)) {
+    // A time of day alone reads as one when it says AM or PM; without, it
+    // is a duration.
+    cursor t(text);
+    datetime_value time_only;
+    time_only.has_date = false;
+    if (!parse_time(t, time_only, true) || !t.done()) return std::nullopt;
+    return time_only;
+  }
   if (c.done()) return v;
   if (!(c.take('T') || c.take(' '))) return std::nullopt;
   if (!parse_time(c, v) || !c.done()) return std::nullopt;
@@ -203,11 +228,14 @@ double datetime_value::seconds_since_epoch() const {
 
 std::string datetime_value::iso_text() const {
   char buf[64];
-  int n = std::snprintf(buf, sizeof buf, "%04d-%02u-%02u", static_cast<int>(year), unsigned{month}, unsigned{day});
+  int n = has_date
+              ? std::snprintf(buf, sizeof buf, "%04d-%02u-%02u", static_cast<int>(year), unsigned{month}, unsigned{day})
+              : 0;
   if (has_time) {
     const std::int64_t secs = nanoseconds / 1'000'000'000;
-    n += std::snprintf(buf + n, sizeof buf - static_cast<std::size_t>(n), "T%02d:%02d:%02d",
-                       static_cast<int>(secs / 3600), static_cast<int>(secs / 60 % 60), static_cast<int>(secs % 60));
+    n += std::snprintf(buf + n, sizeof buf - static_cast<std::size_t>(n),
+                       has_date ? "T%02d:%02d:%02d" : "%02d:%02d:%02d", static_cast<int>(secs / 3600),
+                       static_cast<int>(secs / 60 % 60), static_cast<int>(secs % 60));
     if (fraction_digits > 0) {
       char frac[16];
       std::snprintf(frac, sizeof frac, "%09lld", static_cast<long long>(nanoseconds % 1'000'000'000));

@@ -1,7 +1,8 @@
 // Dates and date-times as written in text files: ISO 8601 (a date, or a date
 // and a time joined by T or a blank, with fractional seconds and Z or an
 // offset), day-first and month-first dates with '/', '-' or '.', two- and
-// four-digit years, and English month names and abbreviations.
+// four-digit years, English month names and abbreviations, and times on a
+// 12-hour clock with AM or PM, also without a date.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +18,7 @@ struct datetime_value {
   std::int32_t year = 1970;
   std::uint8_t month = 1;
   std::uint8_t day = 1;
+  bool has_date = true;  // false: a time of day alone, on 1970-01-01
   bool has_time = false;
   std::int64_t nanoseconds = 0;                // of the day
   std::uint8_t fraction_digits = 0;            // as written
@@ -25,7 +27,7 @@ struct datetime_value {
   // Seconds since 1970-01-01T00:00:00, at UTC when there is a zone.
   double seconds_since_epoch() const;
   // ISO 8601 with the precision the text had: 2020-03-04, or
-  // 2020-03-04T05:06:07.25+01:00.
+  // 2020-03-04T05:06:07.25+01:00, or 17:05:00 for a time alone.
   std::string iso_text() const;
 };
 

@@ -12,6 +12,7 @@
 #include "import/detect/detection.hpp"
 #include "import/detection_corpus.hpp"
 #include "import/detect/encoding.hpp"
+#include "import/detect/fixed_width_columns.hpp"
 
 namespace {
 
@@ -98,6 +99,19 @@ const std::array<std::string, 3> layout_cases[] = {
     // quote, though it would cut the same table.
     {"backslash_escape", "a,b\n1,\"say \\\"hi\\\", then\"\n2,\"x\"\n3,\"and \\\"bye\\\"\"\n",
      ", 1 1 2 . - - \" backslash -"},
+    // A rule line under the names: a header line, and its runs are the
+    // columns; rules above the names too; a rule of one run leaves the
+    // columns to the rows.
+    {"rule_line_columns",
+     "Col1      Col2 Col3\n---- --------- ----\n 1.2   's world    1\n 2.4     hello    2\n 3.6         x    3\n",
+     "fixed 2 1 3 . - - \" double -"},
+    {"rules_around_names", "===== =====\nname  value\n===== =====\nab c    1.5\nde      2.5\nfg h    3.5\n",
+     "fixed 3 2 2 . - - \" double -"},
+    {"rule_over_an_empty_column", "a    b    c\n---- ---- ----\n1.5       x\n2.5       y\n3.5       z\n",
+     "fixed 2 1 3 . - - \" double -"},
+    {"missing_values_are_no_rule", "x y z\n- - -\n1 2 3\n4 5 6\n7 8 9\n", "blanks 1 1 3 . - - \" double -"},
+    {"one_run_rule", "name   value  note\n------------------\nab c   1.5    x\nde     2.5    y\nfg h   3.5    z\n",
+     "fixed 2 1 3 . - - \" double -"},
     {"stray_quote", "a,b\n1,2\n3,4\n5,\"6\n", ", 1 1 2 . - - none double -"},
 };
 
@@ -127,6 +141,72 @@ TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   // The delimited reader given without a delimiter: the delimiter is found.
   given.parser_type(ParserType::Delimited);
   EXPECT_EQ(layout_of(detect("a;b\n1;2\n3;4\n", true, given, choices)), "; 1 1 2 . - - \" double -");
+}
+
+// Grouping separators only where a column groups every number by three and
+// the delimiter cannot be mistaken for them; decimal separators as before.
+TEST(Detection, GuessesAGroupingSeparatorOnlyWithEvidence) {
+  const std::array<std::string, 3> cases[] = {
+      // Three numbers in one field of a tab or comma table stay apart.
+      {"tab_blank_triples", "a\tb\tc\n255 250 250\t\tsnow\n1 2 3\t\tx\n248 248 255\t\tghost\n", ". -"},
+      {"tab_blank_triples_only", "a\tb\n255 250 250\tsnow\n248 248 255\tghost\n245 245 245\tsmoke\n", ". -"},
+      {"tab_blank_grouped", "a\tb\n1 234 567\tx\n12 345\ty\n3 000\tz\n", ". -"},
+      {"comma_blank_grouped", "a,b\n1 234 567,x\n12 345,y\n3 000,z\n", ". -"},
+      // With a semicolon a blank groups, when some number is clearly grouped.
+      {"semicolon_blank_grouped", "a;b\n1 234,5;x\n12 345,25;y\n999,5;z\n", ", blank"},
+      {"semicolon_blank_triples", "a;b\n255 250 250;x\n248 248 255;y\n245 245 245;z\n", ". -"},
+      // A column that also holds 1.2.3, dates or long ungrouped numbers.
+      {"dot_with_dates", "a;b\n1.234.567;x\n05.02.2020;y\n2.345,5;z\n999,5;w\n", ", -"},
+      {"dot_consistent", "a;b\n1.234.567;x\n2.345,5;y\n999,5;z\n", ", ."},
+      {"dot_and_long_ungrouped", "a;b\n1.234,5;x\n12345,5;y\n999,5;z\n", ", -"},
+      {"comma_grouped_tab", "a\tb\n1,234,567\tx\n2,345.5\ty\n999.5\tz\n", ". ,"},
+      {"comma_with_indian_grouping", "a\tb\n1,234,567\tx\n12,34,567\ty\n999.5\tz\n", ". -"},
+  };
+  for (const auto& [name, text, want] : cases) {
+    const auto got = detection_corpus::fields_of(detect(text, true, {}, {}));
+    const std::string thousands = got.at("thousands") == " " ? "blank" : got.at("thousands");
+    EXPECT_EQ(got.at("decimal") + " " + thousands, want) << name;
+  }
+}
+
+// A colon that is part of a URL or a time does not delimit, though it would
+// cut each of these rows into the same number of fields and tab does not.
+TEST(Detection, ColonsInsideValuesDoNotDelimit) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"urls",
+       "alpha\thttp://example.org/a\t1\nbeta\thttps://example.org/b\t2\t\ngamma\thttp://example.net/c\n"
+       "x\thttp://example.com/d\t4\t5\n"},
+      {"times", "a b\t12:30\tx\nc\t08:00\ty\t\nd e f\t10:10\tz\ng\t11:20\tw\t\nh\t11:25\tv\n"},
+      {"date_times",
+       "a b\t2020-01-01 12:30\tx y\nc\t2020-01-02 08:00\ty\t\nd e f\t2020-01-03 10:10\tz\n"
+       "g\t2020-01-04 11:20\tw\t\nh\t2020-01-05 11:25\tv u\n"},
+  };
+  for (const auto& [name, text] : cases) {
+    EXPECT_EQ(detection_corpus::fields_of(detect(text, true, {}, {})).at("delimiter"), "tab") << name;
+  }
+  // Where the colon delimits, it still wins.
+  EXPECT_EQ(detection_corpus::fields_of(detect("root:x:0:0\ndaemon:x:1:1\nbin:x:2:2\n", true, {}, {})).at("delimiter"),
+            ":");
+}
+
+// Fixed-width columns found from the rows: a reference list of an object
+// name, a 19-character code ending in a letter and free text of any length,
+// a few lines of which run far past the others.
+TEST(FixedWidth, FreeTextEndsTheLastColumn) {
+  const char* names[] = {"LZ Aqr", "V1333 Aql", "Cyg X-2", "GX 339-4", "Her X-1"};
+  const char* words[] = {"Tomsick,", "J.A.,", "et", "al.", "2002,", "ApJ", "581,", "570", "(Orb.Per.)"};
+  std::string text;
+  for (int i = 0; i < 150; ++i) {
+    std::string line = names[i % 5];
+    line.resize(13, ' ');
+    line += "2002ApJ..." + std::to_string(100 + i) + "..570" + static_cast<char>('A' + i % 26) + " ";
+    const int count = i % 30 == 7 ? 40 : 2 + i % 7;  // five lines run far
+    for (int w = 0; w < count; ++w) line += std::string(words[(i * 7 + w * w + w) % 9]) + " ";
+    text += line + "\n";
+  }
+  const auto lines = textio::import::split_lines(text, 1000);
+  const auto starts = textio::import::fixed_width_starts(lines, 0, "").starts;
+  EXPECT_EQ(starts, (std::vector<std::size_t>{0, 10, 33})) << text.substr(0, 200);
 }
 
 TEST(Detection, WhatTheUserGaveStays) {
