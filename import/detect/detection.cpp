@@ -193,7 +193,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     // has the same number of fields, else cut at fixed positions.
     const dialect blanks{' ', true, '"', escape_style::doubled};
     const dialect_score by_blanks = score_dialect(lines, blanks, marker);
-    const sample_table blank_table = split_records(lines, blanks, marker, max_records);
+    sample_table blank_table = split_records(lines, blanks, marker, max_records);
     const table_layout blank_layout = analyse_layout(blank_table, {});
     // Columns shared by the body as runs of blanks see it, else by all lines
     // (runs of blanks may have found no body), else past a preamble.
@@ -225,6 +225,13 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       }
     }
     if (!use_fixed && best.dominant_fields <= 1 && by_blanks.dominant_fields <= 1) chosen.single_column = true;
+    // Tabs that line columns up (one tab or two, by the width of the text
+    // before them) cut an irregular table, runs of blanks a regular one.
+    if (!use_fixed && !best.d.blanks && best.d.delimiter == '\t' && best.consistency < 0.5 &&
+        by_blanks.dominant_fields >= 2 && by_blanks.consistency >= 2 * best.consistency) {
+      chosen.d = blanks;
+      chosen.table = std::move(blank_table);
+    }
   }
   if (parser_given && opts.parser_type() == ParserType::FixedWidth) {
     // Fixed width given without widths: the columns the lines share.
@@ -256,6 +263,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   if (!open("ThousandsSeparator")) {
     numbers.thousands = opts.thousands_separator().empty() ? '\0' : static_cast<char>(opts.thousands_separator()[0]);
   }
+  // Lines beyond those looked at: the table's last record may be cut there.
+  if (!whole_file || text.find_first_not_of("\r\n", examined.size()) != std::string::npos) chosen.table.cut = true;
   const table_layout layout = analyse_layout(chosen.table, numbers);
 
   // Fill in what was left open.

@@ -113,6 +113,62 @@ TEST(Detection, FindsTheLayout) {
   }
 }
 
+// A table of `counts[i]` rows of `i + 1` fields each, names first.
+std::string ragged_table(const std::vector<std::size_t>& counts) {
+  std::string text;
+  std::size_t row = 0;
+  for (std::size_t fields = 1; fields <= counts.size(); ++fields) {
+    for (std::size_t n = 0; n < counts[fields - 1]; ++n, ++row) {
+      for (std::size_t f = 0; f < fields; ++f) {
+        if (f > 0) text += ',';
+        text += row == 0 ? "name" + std::to_string(f + 1) : std::to_string(row * 10 + f) + ".5";
+      }
+      text += '\n';
+    }
+  }
+  return text;
+}
+
+// Records whose third field is quoted over four lines: a 1000-line sample
+// ends inside one.
+std::string register_table(int records = 3000) {
+  std::string text = "id,name,address,postcode,phone,joined\n";
+  for (int i = 1; i <= records; ++i) {
+    const std::string n = std::to_string(i);
+    text += n + ",Company " + n + ",\"" + n + " High Street\nUnit " + n + "\nSpringfield\nNorthshire\",AB" + n +
+            " 1CD,0161 555 " + n + ",2015-06-01\n";
+  }
+  return text;
+}
+
+// Rows of another field count that run on from the table are its records;
+// only a break (a blank line, a line of one field) followed by rows that do
+// not fit ends it, and a record cut by the sample's end never does.
+TEST(Detection, KeepsEveryRecordOfTheTable) {
+  const std::string table = "a,b,c,d\n1,2,3,4\n5,6,7,8\n9,10,11,12\n13,14,15,16\n";
+  // Line 998 is blank; the sample's last record, from line 999, is cut.
+  const std::string blank_line_and_cut = register_table(249) + "\n" + register_table(1).substr(38);
+  const struct {
+    const char* name;
+    std::string text;
+    const char* layout;
+  } cases[] = {
+      {"record_cut_by_the_line_bound", register_table(), ", 1 1 6 . - - \" double -"},
+      {"blank_line_and_a_cut_record", blank_line_and_cut, ", 1 1 6 . - - \" double -"},
+      {"columns_added", ragged_table({0, 0, 0, 0, 0, 7, 2, 12}), ", 1 1 8 . - - \" double -"},
+      {"columns_added_later", ragged_table({0, 0, 0, 0, 0, 11, 10, 10}), ", 1 1 8 . - - \" double -"},
+      {"columns_dropped", "a,b,c,d,e\n1,2,3,4,5\n6,7,8,9,10\n1,2,3\n4,5,6\n7,8,9\n1,2,3\n",
+       ", 1 1 5 . - - \" double -"},
+      {"second_table_after_a_blank_line", table + "\nx,y\n1,2\n3,4\n5,6\n", ", 1 1 4 . - 6 \" double -"},
+      {"notes_after_the_table", table + "Note one\nNote two\nNote three\n", ", 1 1 4 . - 6 \" double -"},
+      {"rows_of_two_fields_run_on", table + "1,2\n3,4\n5,6\n7,8\n9,10\n11,12\n", ", 1 1 4 . - - \" double -"},
+  };
+  for (const auto& c : cases) {
+    const detection_result r = detect(c.text, true, {}, {});
+    EXPECT_EQ(layout_of(r), c.layout) << c.name;
+  }
+}
+
 TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   const detection_result r = detect(fixed_width_table, true, {}, {});
   EXPECT_EQ(r.report.variable_names, (std::vector<std::string>{"name", "year", "value"}));
