@@ -332,6 +332,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
   if (layout.end_line) {
     fmt.table_end_line = layout.end_line;
+    fmt.table_end_detected = true;
     rep.filled.push_back(
         {"TableEnd", "the rows after line " + std::to_string(*layout.end_line - 1) + " do not fit the table"});
   }
