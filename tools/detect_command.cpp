@@ -47,6 +47,8 @@ void write_detected(json_writer& out, const textio::import::detection_result& re
     if (report.date_order_unsettled[i]) out.unsigned_value(i + 1);
   }
   out.end_array();
+  out.key("names_generated");
+  out.bool_value(report.names_generated);
   out.key("table_end_line");
   if (report.table_end_line) {
     out.unsigned_value(*report.table_end_line);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "import/detect/blanks.hpp"
 #include "import/detect/cell_types.hpp"
@@ -86,6 +87,43 @@ number_separators guess_number_format(const sample_table& table, char delimiter,
   return f;
 }
 
+// A block of "key: value" lines between "---" lines (YAML front matter)
+// ahead of the table.
+struct front_matter {
+  std::size_t text_end = 0;       // offset of the first line after it
+  std::optional<char> delimiter;  // from its sep: or delimiter: key
+};
+
+// Finds the front matter and blanks its lines, so that the rest of
+// detection takes them as blank lines above the table.
+front_matter take_front_matter(std::vector<sample_line>& lines) {
+  front_matter out;
+  if (lines.empty() || trim_blanks(lines[0].text) != "---") return out;
+  std::size_t end = 0;
+  for (std::size_t i = 1; i < lines.size() && i < 200 && end == 0; ++i) {
+    const std::string_view t = trim_blanks(lines[i].text);
+    if (t == "---" || t == "...") end = i + 1;
+  }
+  if (end == 0) return out;
+  for (std::size_t i = 1; i + 1 < end; ++i) {
+    const std::string_view t = trim_blanks(lines[i].text);
+    for (const std::string_view key : {"sep:", "delimiter:"}) {
+      if (!t.starts_with(key)) continue;
+      std::string_view v = trim_blanks(t.substr(key.size()));
+      if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
+        v = v.substr(1, v.size() - 2);
+      if (v == "\\t" || v == "\t" || v == "tab") {
+        out.delimiter = '\t';
+      } else if (v.size() == 1 && v[0] != ' ') {
+        out.delimiter = v[0];
+      }
+    }
+  }
+  out.text_end = end < lines.size() ? lines[end].offset : lines.back().offset + lines.back().text.size();
+  for (std::size_t i = 0; i < end; ++i) lines[i].text = lines[i].text.substr(0, 0);
+  return out;
+}
+
 struct chosen_layout {
   dialect d;
   bool fixed_width = false;
@@ -132,15 +170,18 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     const std::size_t last = text.find_last_of("\r\n");
     if (last != std::string::npos) text.resize(last + 1);
   }
-  const std::vector<sample_line> lines = split_lines(text, max_lines);
+  std::vector<sample_line> lines = split_lines(text, max_lines);
+  const front_matter front = take_front_matter(lines);
   // The part of the sample that is looked at.
   const std::string_view examined =
       lines.empty() ? std::string_view()
-                    : std::string_view(text).substr(0, lines.back().offset + lines.back().text.size());
+                    : std::string_view(text).substr(front.text_end,
+                                                    lines.back().offset + lines.back().text.size() - front.text_end);
   const bool parser_given = !open("ParserType");
-  // The reader is chosen when nobody gave it; the delimiter also when the
-  // delimited reader was given without one.
-  const bool choose_parser = opts.detecting_delimiter() && !parser_given;
+  // The reader is chosen when nobody gave it (and the front matter does not
+  // name the delimiter); the delimiter also when the delimited reader was
+  // given without one.
+  const bool choose_parser = opts.detecting_delimiter() && !parser_given && !front.delimiter;
   const bool choose_delimiter =
       opts.detecting_delimiter() && (!parser_given || opts.parser_type() == ParserType::Delimited);
 
@@ -164,7 +205,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   chosen_layout chosen;
   std::vector<char> delimiters;
   bool with_blanks = false;
-  if (choose_delimiter) {
+  if (choose_delimiter && front.delimiter) {
+    delimiters = {*front.delimiter};
+  } else if (choose_delimiter) {
     delimiters = candidate_delimiters(lines, marker);
     with_blanks = choose_parser;
   } else if (opts.parser_type() == ParserType::Tabular) {
@@ -284,7 +327,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     } else {
       opts.delimiter(
           std::vector<ustring>{ustring(1, static_cast<char16_t>(static_cast<unsigned char>(chosen.d.delimiter)))});
-      rep.filled.push_back({"Delimiter", printable(chosen.d.delimiter) + " gives the most regular table"});
+      rep.filled.push_back(
+          {"Delimiter", printable(chosen.d.delimiter) +
+                            (front.delimiter ? " is named by the front matter" : " gives the most regular table")});
     }
   }
   fmt.quote = choices.quote ? *choices.quote : chosen.fixed_width || chosen.single_column ? '"' : chosen.d.quote;
@@ -317,14 +362,20 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       rep.filled.push_back({"VariableNamesLine", layout.names_rows > 1
                                                      ? "the table's first rows hold names spread over several lines"
                                                      : "the table's first row differs in kind from the values below"});
-      if (layout.names_rows > 1 || (!layout.names.empty() && layout.names.front().empty()))
-        fmt.variable_names = layout.names;
+      if (layout.names_rows > 1 || layout.names_filled) fmt.variable_names = layout.names;
     }
   }
   if (opts.detecting_num_variables()) {
     opts.num_variables(chosen.fixed_width ? chosen.widths.size() : chosen.single_column ? 1 : layout.num_variables);
     opts.detecting_num_variables(false);
     rep.filled.push_back({"NumVariables", "the body's rows have this many fields"});
+  }
+  if (open("VariableNamesLine") && layout.names_line == 0 && fmt.variable_names.empty() && opts.num_variables() > 0 &&
+      opts.num_variables() <= max_kept_fields) {
+    // No names row: the variables are named by their position.
+    for (std::uint64_t j = 1; j <= opts.num_variables(); ++j) fmt.variable_names.push_back("Var" + std::to_string(j));
+    rep.names_generated = true;
+    rep.filled.push_back({"VariableNames", "no row names the variables: Var1, Var2, ..."});
   }
   if (layout.trailing_delimiter && open("TrailingDelimitersRule") && !chosen.fixed_width) {
     opts.trailing_delim_rule(textio::enums::TrailingDelimiterRule::Ignore);

@@ -42,6 +42,7 @@ struct detection_report {
   char quote = '"';
   escape_style escape = escape_style::doubled;
   std::vector<std::string> variable_names;  // UTF-8
+  bool names_generated = false;             // no names row: Var1, Var2, ...
   std::optional<std::uint64_t> table_end_line;
   double confidence = 0;  // 0 to 1
   std::vector<detected_setting> filled;

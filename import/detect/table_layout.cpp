@@ -259,6 +259,7 @@ table_layout analyse_layout(const sample_table& table, const number_separators& 
 
   std::size_t data_start = s;
   std::size_t wide_names = 0;
+  std::size_t shift = 0;  // names that start at the second variable (row names first)
   if (s < e && names_like(s)) {
     out.names_rows = 1;
     while (any_typed && out.names_rows < 3 && s + out.names_rows + 1 < e && names_like(s + out.names_rows)) {
@@ -280,9 +281,11 @@ table_layout analyse_layout(const sample_table& table, const number_separators& 
       out.names_line = rec(s - 1).first_line;
       out.names.emplace_back();
       for (const std::string& f : rec(s - 1).fields) out.names.push_back(f);
+      shift = 1;
     }
   }
   std::size_t names_row = out.names_rows > 0 ? (data_start == s + 2 && out.names_rows == 1 ? s + 1 : s) : 0;
+  if (shift == 1) names_row = s - 1;
   if (out.names_rows == 0 && s > 0 && rec(s - 1).field_count > k && rec(s - 1).last_line + 1 == rec(s).first_line) {
     // A names row with more names than the rows have fields: the rows lack
     // their last fields.
@@ -303,20 +306,31 @@ table_layout analyse_layout(const sample_table& table, const number_separators& 
   } else {
     out.header_lines = rec(rows.size() - 1).last_line;
   }
+  // A names row one name short over rows that all have one field more: the
+  // rows start with row names, which have no name.
+  if (out.names_rows == 1 && out.names.empty() && names_row == s && data_start < e &&
+      rec(names_row).field_count + 1 == widest && narrowest == widest) {
+    bool all_wider = true;
+    bool last_given = false;  // not a delimiter at the end of every row
+    for (std::size_t r = data_start; r < e; ++r) {
+      all_wider = all_wider && rec(r).field_count == widest;
+      last_given = last_given || (rec(r).fields.size() == widest && !rec(r).fields.back().empty());
+    }
+    shift = all_wider && last_given ? 1 : 0;
+  }
   if (out.names_rows > 0 && out.names.empty()) {
     const std::size_t n = std::max(widest, wide_names);
     std::vector<std::string> names(n);
     for (std::size_t r = names_row; r < names_row + out.names_rows; ++r) {
       const sample_record& row = rec(r);
-      for (std::size_t j = 0; j < n && j < row.fields.size(); ++j) {
+      for (std::size_t j = 0; j + shift < n && j < row.fields.size(); ++j) {
         if (row.fields[j].empty()) continue;
-        if (!names[j].empty()) names[j] += ' ';
-        names[j] += row.fields[j];
+        if (!names[j + shift].empty()) names[j + shift] += ' ';
+        names[j + shift] += row.fields[j];
       }
     }
     out.names = std::move(names);
   }
-
   // Variables: the widest regular count, less a trailing delimiter on every
   // row; shorter rows are read with missing values at their end.
   out.num_variables = std::max(widest, wide_names);
@@ -339,6 +353,17 @@ table_layout analyse_layout(const sample_table& table, const number_separators& 
     out.num_variables = k - 1;
     if (out.names.size() == k && out.names.back().empty()) out.names.pop_back();
   }
+  // Variables the names row does not reach (row names, columns added after
+  // it) are named by their position, so that names and values agree.
+  if (out.names_rows > 0) {
+    const std::size_t named = rec(names_row).field_count;
+    for (std::size_t j = 0; j < out.names.size() && j < out.num_variables; ++j) {
+      if (!out.names[j].empty() || (j >= shift && j < named + shift)) continue;
+      out.names[j] = "Var" + std::to_string(j + 1);
+      out.names_filled = true;
+    }
+  }
+
   out.body_rows = e > data_start ? e - data_start : 0;
   out.body_fit = out.body_rows == 0 ? 0 : static_cast<double>(with_k + ragged) / static_cast<double>(out.body_rows);
   return out;

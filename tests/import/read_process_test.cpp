@@ -151,10 +151,10 @@ TEST(ReadChangedFile, IsReportedAndFailsWithStrict) {
 TEST(ReadProcess, CsvWithARecordOfOneMissingValueAdvisesEmptyLineRuleRead) {
   const std::string path = import_test::write_file("x\nNA\ny\n");
   const auto lone = run_tool({"read", path, "TreatAsMissing", "NA", "--format", "csv"});
-  EXPECT_EQ(lone.out, "x\r\n\r\ny\r\n");
+  EXPECT_EQ(lone.out, "Var1\r\nx\r\n\r\ny\r\n");
   EXPECT_NE(lone.err.find("EmptyLineRule read"), std::string::npos) << lone.err;
   const auto two = run_tool({"read", path, "TreatAsMissing", "NA", "NumVariables", "2", "--format", "csv"});
-  EXPECT_EQ(two.out, "x,\r\n,\r\ny,\r\n");
+  EXPECT_EQ(two.out, "Var1,Var2\r\nx,\r\n,\r\ny,\r\n");
   EXPECT_EQ(two.err, "");
 }
 
