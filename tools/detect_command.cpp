@@ -57,6 +57,10 @@ void write_detected(json_writer& out, const textio::import::detection_result& re
   }
   out.key("confidence");
   out.double_value(report.confidence);
+  out.key("doubts");
+  out.begin_array();
+  for (const std::string& doubt : report.doubts) out.bytes_value(doubt);
+  out.end_array();
   out.key("reasons");
   out.begin_object();
   for (const auto& filled : report.filled) {

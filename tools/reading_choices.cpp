@@ -181,6 +181,7 @@ std::string report_text(const textio::import::detection_report& report) {
   if (report.table_end_line) {
     text.append("  the table ends before line ").append(std::to_string(*report.table_end_line)).append("\n");
   }
+  for (const std::string& doubt : report.doubts) text.append("  confidence lowered: ").append(doubt).append("\n");
   return text;
 }
 

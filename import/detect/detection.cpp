@@ -390,15 +390,31 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
 
   // How sure: the encoding, how regular the body is, how far ahead the
   // dialect was, and how much table there was to go by.
+  // Each lowering that matters is said in the report.
   double confidence = encoding_confidence;
+  const auto lower = [&](double factor, std::string why) {
+    confidence *= factor;
+    if (factor < 0.95) rep.doubts.push_back(std::move(why));
+  };
+  if (encoding_confidence < 0.85) rep.doubts.emplace_back("the encoding is a guess");
   if (lines.empty()) {
     confidence = 0;
+    rep.doubts.emplace_back("the sample is empty");
   } else {
-    confidence *= 0.4 + 0.6 * layout.body_fit;
-    confidence *= 0.6 + 0.4 * std::min(1.0, chosen.margin * 4);
-    if (layout.body_rows < 3) confidence *= 0.5;
-    if (control_share(examined) > 0.01) confidence *= 0.1;
-    if (chosen.single_column) confidence *= 0.7;
+    lower(0.4 + 0.6 * layout.body_fit, "not every row of the table has the same number of fields");
+    lower(0.6 + 0.4 * std::min(1.0, chosen.margin * 4), "another delimiter cuts a table nearly as regular");
+    if (layout.body_rows < 3) {
+      lower(0.5, "the table has fewer than 3 rows of data");
+    } else if (layout.body_rows < 10) {
+      lower(0.7 + 0.03 * static_cast<double>(layout.body_rows),
+            "the guess rests on " + std::to_string(layout.body_rows) + " rows of data");
+    }
+    if (layout.end_line) {
+      lower(0.8, "the table seems to end at line " + std::to_string(*layout.end_line) +
+                     ", and what follows is read only while it fits the table");
+    }
+    if (control_share(examined) > 0.01) lower(0.1, "the sample holds control characters");
+    if (chosen.single_column) lower(0.7, "no delimiter splits the lines");
   }
   rep.quote = fmt.quote;
   rep.escape = fmt.escape;

@@ -214,6 +214,23 @@ TEST(Detection, NamesTheVariablesAsAPersonWould) {
   }
 }
 
+// The confidence falls with each reason to doubt, and the report says why.
+TEST(Detection, ConfidenceSaysWhatItDoubts) {
+  std::string long_table = "a,b,c\n";
+  for (int i = 0; i < 40; ++i) long_table += std::to_string(i) + "," + std::to_string(i * 2) + ".5,x\n";
+  const std::string few_rows = "a,b,c\n1,2.5,x\n2,3.5,y\n3,4.5,z\n";
+  const std::string with_notes = long_table + "\nNote one\nNote two\nNote three\n";
+  const detection_result sure = detect(long_table, true, {}, {});
+  EXPECT_TRUE(sure.report.doubts.empty()) << sure.report.doubts.front();
+  for (const auto& [text, doubt] : {std::pair<std::string, std::string>{few_rows, "the guess rests on 3 rows of data"},
+                                    {with_notes, "the table seems to end at line 42"}}) {
+    const detection_result r = detect(text, true, {}, {});
+    EXPECT_LT(r.report.confidence, sure.report.confidence - 0.1) << doubt;
+    ASSERT_EQ(r.report.doubts.size(), 1u) << doubt;
+    EXPECT_TRUE(r.report.doubts[0].starts_with(doubt)) << r.report.doubts[0];
+  }
+}
+
 TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   const detection_result r = detect(fixed_width_table, true, {}, {});
   EXPECT_EQ(r.report.variable_names, (std::vector<std::string>{"name", "year", "value"}));
