@@ -358,7 +358,9 @@ class table_reader {
       if (apply_delimiter_rules(fields, rules).fault != delimiter_fault::none || fields.size() != *variables_)
         return false;
     }
-    table_end_ = rec_.next_line;
+    // (Records that end inside a line, under line endings of other units,
+    // take the rest of their line with them: the end always moves on.)
+    table_end_ = std::max(rec_.next_line, line + 1);
     return true;
   }
 
@@ -369,7 +371,7 @@ class table_reader {
         opts_.parser_type() != ParserType::Delimited ||
         !keeps_every_field({opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()}))
       return false;
-    table_end_ = r.next_line;
+    table_end_ = std::max(r.next_line, r.line + 1);
     return true;
   }
 
