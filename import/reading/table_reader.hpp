@@ -338,9 +338,8 @@ class table_reader {
   // the end moves past it; skipped blank lines and comments move it too. A given end,
   // or one of a table that is not delimited, holds.
   bool table_goes_on(std::uint64_t line) {
-    using enum ParserType;
     if (!text_.table_end_detected || !variables_ ||
-        (opts_.parser_type() != Delimited && opts_.parser_type() != Tabular))
+        (opts_.parser_type() != ParserType::Delimited && opts_.parser_type() != ParserType::Tabular))
       return false;
     for (;;) {
       const scan_result result = data_scanner_.scan(window_.view(), window_.at_end(), line, rec_);
