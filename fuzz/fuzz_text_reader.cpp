@@ -220,7 +220,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   const std::size_t read_size = 1 + in.below(16);
   // The reader's own format: quote, escape, a detected quote, an encoding
-  // to convert from, a table end.
+  // to convert from, a table end (given or detected).
   textio::import::text_format format;
   static constexpr char quotes[] = {'"', '\'', '\0'};
   static constexpr const char* encodings[] = {"UTF-8", "UTF-8", "WINDOWS-1252", "UTF-16LE", "UTF-32BE"};
@@ -230,6 +230,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   format.quote_detected = (format_bits & 8) != 0;
   format.encoding = in.pick(encodings);
   if ((format_bits & 16) != 0) format.table_end_line = 1 + in.below(8);
+  format.table_end_detected = (format_bits & 32) != 0;  // records that fit read on past it
 
   // Variable types by position, as detection gives them (Table output only),
   // some with a missing marker and month-first dates. They come from a hash

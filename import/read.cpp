@@ -156,9 +156,15 @@ read_outcome read_into(const read_source& source, const textio::parser::options&
     out.format = std::move(detected.format);
     out.report = std::move(detected.report);
   }
-  if (settings.table_end_line) out.format.table_end_line = settings.table_end_line;
+  if (settings.table_end_line) {
+    out.format.table_end_line = settings.table_end_line;
+    out.format.table_end_detected = false;
+  }
   if (!settings.variable_names.empty()) out.format.variable_names = settings.variable_names;
-  if (settings.all_lines) out.format.table_end_line.reset();
+  if (settings.all_lines) {
+    out.format.table_end_line.reset();
+    out.format.table_end_detected = false;
+  }
   out.format.structural_scan = !settings.exact_scan;
   out.format.threads = settings.threads != 0 ? settings.threads : std::max(1U, std::thread::hardware_concurrency());
   if (out.options.output_type() == textio::enums::OutputBuilderType::Table && !out.empty_input) {

@@ -17,6 +17,8 @@ using stray_quote_callback = std::function<void(std::uint64_t line, std::uint64_
 struct read_summary {
   // Physical lines after the format's table end, counted but not read.
   std::uint64_t lines_left_unread = 0;
+  // The first of them (0: none).
+  std::uint64_t first_line_unread = 0;
   // Parts of the file read on other threads (text_format::threads).
   std::uint64_t parts_on_threads = 0;
 };

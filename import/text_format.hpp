@@ -29,6 +29,10 @@ struct text_format {
   // The physical line (1-based) after the table's last line; reading stops
   // before it. None: read to the end of the input.
   std::optional<std::uint64_t> table_end_line;
+  // The end was detected, not given: records from it on that have the
+  // table's field count are read too, up to the first that has not
+  // (delimited and blank-separated tables).
+  bool table_end_detected = false;
   // Names to use instead of those of the options' names line, e.g. a header
   // spread over several lines joined column by column. Empty: none.
   std::vector<std::string> variable_names;

@@ -47,6 +47,8 @@ void write_detected(json_writer& out, const textio::import::detection_result& re
     if (report.date_order_unsettled[i]) out.unsigned_value(i + 1);
   }
   out.end_array();
+  out.key("names_generated");
+  out.bool_value(report.names_generated);
   out.key("table_end_line");
   if (report.table_end_line) {
     out.unsigned_value(*report.table_end_line);
@@ -55,6 +57,10 @@ void write_detected(json_writer& out, const textio::import::detection_result& re
   }
   out.key("confidence");
   out.double_value(report.confidence);
+  out.key("doubts");
+  out.begin_array();
+  for (const std::string& doubt : report.doubts) out.bytes_value(doubt);
+  out.end_array();
   out.key("reasons");
   out.begin_object();
   for (const auto& filled : report.filled) {

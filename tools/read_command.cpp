@@ -185,9 +185,10 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     const textio::import::read_summary summary =
         textio::import::read_typed_table(record, input, *sink, text, types, progress_bar(input), warn);
     if (summary.lines_left_unread > 0) {
-      result.err += "zvtextparser: the table ends before line " + std::to_string(*text.table_end_line) + "; " +
-                    std::to_string(summary.lines_left_unread) +
-                    " more lines were left unread (--all-lines reads them)\n";
+      result.err += "zvtextparser: the table ends before line " + std::to_string(summary.first_line_unread) + "; " +
+                    std::to_string(summary.lines_left_unread) + " lines from line " +
+                    std::to_string(summary.first_line_unread) + " on were left unread (--all-lines reads them)\n";
+      if (args.has("--strict")) result.status = exit_reading_error;
     }
     if (args.has("--verbose")) {
       result.err += "zvtextparser: " + std::to_string(summary.parts_on_threads) + " parts read on " +

@@ -188,17 +188,21 @@ std::string report_text(const textio::import::detection_report& report) {
   if (report.table_end_line) {
     text.append("  the table ends before line ").append(std::to_string(*report.table_end_line)).append("\n");
   }
+  for (const std::string& doubt : report.doubts) text.append("  confidence lowered: ").append(doubt).append("\n");
   return text;
 }
 
 void apply_table_options(const parsed_arguments& args, textio::import::text_format& text) {
-  if (const auto end = args.value("--table-end")) {
+  for (const char* option : {"--table-end", "--table-may-end"}) {
+    const auto end = args.value(option);
+    if (!end) continue;
     std::uint64_t line = 0;
     const auto [ptr, ec] = std::from_chars(end->data(), end->data() + end->size(), line);
     if (ec != std::errc() || ptr != end->data() + end->size() || line == 0) {
-      throw usage_error("--table-end takes a line number from 1, not '" + *end + "'");
+      throw usage_error(std::string(option) + " takes a line number from 1, not '" + *end + "'");
     }
     text.table_end_line = line;
+    text.table_end_detected = std::string_view(option) == "--table-may-end";
   }
   if (const auto names = args.value("--variable-names")) {
     const auto json = parse_json(*names);
@@ -207,7 +211,10 @@ void apply_table_options(const parsed_arguments& args, textio::import::text_form
     }
     text.variable_names = json->get<std::vector<std::string>>();
   }
-  if (args.has("--all-lines")) text.table_end_line.reset();
+  if (args.has("--all-lines")) {
+    text.table_end_line.reset();
+    text.table_end_detected = false;
+  }
   if (args.has("--exact-scan")) text.structural_scan = false;
   text.threads = std::max(1U, std::thread::hardware_concurrency());
   if (const auto threads = args.value("--threads")) {
@@ -249,7 +256,10 @@ std::vector<std::string> reproducing_arguments(const textio::parser::options& re
   if (format.encoding != "UTF-8") args.insert(args.end(), {"--encoding", format.encoding});
   if (format.quote != '"') args.insert(args.end(), {"--quote", quote_name(format.quote)});
   if (format.escape != escape_style::doubled) args.insert(args.end(), {"--escape", escape_name(format.escape)});
-  if (format.table_end_line) args.insert(args.end(), {"--table-end", std::to_string(*format.table_end_line)});
+  if (format.table_end_line) {
+    args.insert(args.end(), {format.table_end_detected ? "--table-may-end" : "--table-end",
+                             std::to_string(*format.table_end_line)});
+  }
   if (!format.variable_names.empty()) {
     args.insert(args.end(), {"--variable-names", nlohmann::ordered_json(format.variable_names).dump()});
   }

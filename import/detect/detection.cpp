@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "import/detect/blanks.hpp"
 #include "import/detect/cell_types.hpp"
@@ -64,6 +65,43 @@ double control_share(std::string_view text) {
   return static_cast<double>(control) / static_cast<double>(text.size());
 }
 
+// A block of "key: value" lines between "---" lines (YAML front matter)
+// ahead of the table.
+struct front_matter {
+  std::size_t text_end = 0;       // offset of the first line after it
+  std::optional<char> delimiter;  // from its sep: or delimiter: key
+};
+
+// Finds the front matter and blanks its lines, so that the rest of
+// detection takes them as blank lines above the table.
+front_matter take_front_matter(std::vector<sample_line>& lines) {
+  front_matter out;
+  if (lines.empty() || trim_blanks(lines[0].text) != "---") return out;
+  std::size_t end = 0;
+  for (std::size_t i = 1; i < lines.size() && i < 200 && end == 0; ++i) {
+    const std::string_view t = trim_blanks(lines[i].text);
+    if (t == "---" || t == "...") end = i + 1;
+  }
+  if (end == 0) return out;
+  for (std::size_t i = 1; i + 1 < end; ++i) {
+    const std::string_view t = trim_blanks(lines[i].text);
+    for (const std::string_view key : {"sep:", "delimiter:"}) {
+      if (!t.starts_with(key)) continue;
+      std::string_view v = trim_blanks(t.substr(key.size()));
+      if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
+        v = v.substr(1, v.size() - 2);
+      if (v == "\\t" || v == "\t" || v == "tab") {
+        out.delimiter = '\t';
+      } else if (v.size() == 1 && v[0] != ' ') {
+        out.delimiter = v[0];
+      }
+    }
+  }
+  out.text_end = end < lines.size() ? lines[end].offset : lines.back().offset + lines.back().text.size();
+  for (std::size_t i = 0; i < end; ++i) lines[i].text = lines[i].text.substr(0, 0);
+  return out;
+}
+
 struct chosen_layout {
   dialect d;
   bool fixed_width = false;
@@ -111,15 +149,18 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     const std::size_t last = text.find_last_of("\r\n");
     if (last != std::string::npos) text.resize(last + 1);
   }
-  const std::vector<sample_line> lines = split_lines(text, max_lines);
+  std::vector<sample_line> lines = split_lines(text, max_lines);
+  const front_matter front = take_front_matter(lines);
   // The part of the sample that is looked at.
   const std::string_view examined =
       lines.empty() ? std::string_view()
-                    : std::string_view(text).substr(0, lines.back().offset + lines.back().text.size());
+                    : std::string_view(text).substr(front.text_end,
+                                                    lines.back().offset + lines.back().text.size() - front.text_end);
   const bool parser_given = !open("ParserType");
-  // The reader is chosen when nobody gave it; the delimiter also when the
-  // delimited reader was given without one.
-  const bool choose_parser = opts.detecting_delimiter() && !parser_given;
+  // The reader is chosen when nobody gave it (and the front matter does not
+  // name the delimiter); the delimiter also when the delimited reader was
+  // given without one.
+  const bool choose_parser = opts.detecting_delimiter() && !parser_given && !front.delimiter;
   const bool choose_delimiter =
       opts.detecting_delimiter() && (!parser_given || opts.parser_type() == ParserType::Delimited);
 
@@ -143,7 +184,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   chosen_layout chosen;
   std::vector<char> delimiters;
   bool with_blanks = false;
-  if (choose_delimiter) {
+  if (choose_delimiter && front.delimiter) {
+    delimiters = {*front.delimiter};
+  } else if (choose_delimiter) {
     delimiters = candidate_delimiters(lines, marker);
     with_blanks = choose_parser;
   } else if (opts.parser_type() == ParserType::Tabular) {
@@ -176,7 +219,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     // has the same number of fields, else cut at fixed positions.
     const dialect blanks{' ', true, '"', escape_style::doubled};
     const dialect_score by_blanks = score_dialect(lines, blanks, marker);
-    const sample_table blank_table = split_records(lines, blanks, marker, max_records);
+    sample_table blank_table = split_records(lines, blanks, marker, max_records);
     const table_layout blank_layout = analyse_layout(blank_table, {});
     // Columns shared by the body as runs of blanks see it, else by all lines
     // (runs of blanks may have found no body), else past a preamble.
@@ -216,6 +259,13 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       }
     }
     if (!use_fixed && best.dominant_fields <= 1 && by_blanks.dominant_fields <= 1) chosen.single_column = true;
+    // Tabs that line columns up (one tab or two, by the width of the text
+    // before them) cut an irregular table, runs of blanks a regular one.
+    if (!use_fixed && !best.d.blanks && best.d.delimiter == '\t' && best.consistency < 0.5 &&
+        by_blanks.dominant_fields >= 2 && by_blanks.consistency >= 2 * best.consistency) {
+      chosen.d = blanks;
+      chosen.table = std::move(blank_table);
+    }
   }
   if (parser_given && opts.parser_type() == ParserType::FixedWidth) {
     // Fixed width given without widths: the columns the lines share.
@@ -247,6 +297,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   if (!open("ThousandsSeparator")) {
     numbers.thousands = opts.thousands_separator().empty() ? '\0' : static_cast<char>(opts.thousands_separator()[0]);
   }
+  // Lines beyond those looked at: the table's last record may be cut there.
+  if (!whole_file || text.find_first_not_of("\r\n", examined.size()) != std::string::npos) chosen.table.cut = true;
   table_layout layout = analyse_layout(chosen.table, numbers);
   if (chosen.fixed_width || chosen.d.blanks) follow_rule_line(layout, chosen.table, rule);
 
@@ -267,7 +319,9 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     } else {
       opts.delimiter(
           std::vector<ustring>{ustring(1, static_cast<char16_t>(static_cast<unsigned char>(chosen.d.delimiter)))});
-      rep.filled.push_back({"Delimiter", printable(chosen.d.delimiter) + " gives the most regular table"});
+      rep.filled.push_back(
+          {"Delimiter", printable(chosen.d.delimiter) +
+                            (front.delimiter ? " is named by the front matter" : " gives the most regular table")});
     }
   }
   fmt.quote = choices.quote ? *choices.quote : chosen.fixed_width || chosen.single_column ? '"' : chosen.d.quote;
@@ -300,8 +354,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
       rep.filled.push_back({"VariableNamesLine", layout.names_rows > 1
                                                      ? "the table's first rows hold names spread over several lines"
                                                      : "the table's first row differs in kind from the values below"});
-      if (layout.names_rows > 1 || (!layout.names.empty() && layout.names.front().empty()))
-        fmt.variable_names = layout.names;
+      if (layout.names_rows > 1 || layout.names_filled) fmt.variable_names = layout.names;
     }
   }
   if (opts.detecting_num_variables()) {
@@ -309,27 +362,51 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
     opts.detecting_num_variables(false);
     rep.filled.push_back({"NumVariables", "the body's rows have this many fields"});
   }
+  if (open("VariableNamesLine") && layout.names_line == 0 && fmt.variable_names.empty() && opts.num_variables() > 0 &&
+      opts.num_variables() <= max_kept_fields) {
+    // No names row: the variables are named by their position.
+    for (std::uint64_t j = 1; j <= opts.num_variables(); ++j) fmt.variable_names.push_back("Var" + std::to_string(j));
+    rep.names_generated = true;
+    rep.filled.push_back({"VariableNames", "no row names the variables: Var1, Var2, ..."});
+  }
   if (layout.trailing_delimiter && open("TrailingDelimitersRule") && !chosen.fixed_width) {
     opts.trailing_delim_rule(textio::enums::TrailingDelimiterRule::Ignore);
     rep.filled.push_back({"TrailingDelimitersRule", "every row ends with a delimiter"});
   }
   if (layout.end_line) {
     fmt.table_end_line = layout.end_line;
+    fmt.table_end_detected = true;
     rep.filled.push_back(
         {"TableEnd", "the rows after line " + std::to_string(*layout.end_line - 1) + " do not fit the table"});
   }
 
   // How sure: the encoding, how regular the body is, how far ahead the
   // dialect was, and how much table there was to go by.
+  // Each lowering that matters is said in the report.
   double confidence = encoding_confidence;
+  const auto lower = [&](double factor, std::string why) {
+    confidence *= factor;
+    if (factor < 0.95) rep.doubts.push_back(std::move(why));
+  };
+  if (encoding_confidence < 0.85) rep.doubts.emplace_back("the encoding is a guess");
   if (lines.empty()) {
     confidence = 0;
+    rep.doubts.emplace_back("the sample is empty");
   } else {
-    confidence *= 0.4 + 0.6 * layout.body_fit;
-    confidence *= 0.6 + 0.4 * std::min(1.0, chosen.margin * 4);
-    if (layout.body_rows < 3) confidence *= 0.5;
-    if (control_share(examined) > 0.01) confidence *= 0.1;
-    if (chosen.single_column) confidence *= 0.7;
+    lower(0.4 + 0.6 * layout.body_fit, "not every row of the table has the same number of fields");
+    lower(0.6 + 0.4 * std::min(1.0, chosen.margin * 4), "another delimiter cuts a table nearly as regular");
+    if (layout.body_rows < 3) {
+      lower(0.5, "the table has fewer than 3 rows of data");
+    } else if (layout.body_rows < 10) {
+      lower(0.7 + 0.03 * static_cast<double>(layout.body_rows),
+            "the guess rests on " + std::to_string(layout.body_rows) + " rows of data");
+    }
+    if (layout.end_line) {
+      lower(0.8, "the table seems to end at line " + std::to_string(*layout.end_line) +
+                     ", and what follows is read only while it fits the table");
+    }
+    if (control_share(examined) > 0.01) lower(0.1, "the sample holds control characters");
+    if (chosen.single_column) lower(0.7, "no delimiter splits the lines");
   }
   rep.quote = fmt.quote;
   rep.escape = fmt.escape;

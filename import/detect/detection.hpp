@@ -42,11 +42,13 @@ struct detection_report {
   char quote = '"';
   escape_style escape = escape_style::doubled;
   std::vector<std::string> variable_names;  // UTF-8
+  bool names_generated = false;             // no names row: Var1, Var2, ...
   std::optional<std::uint64_t> table_end_line;
   // Where the sample shows it is no text (first_binary_byte), when the
   // encoding was left open: the byte offset. Confidence is then 0.
   std::optional<std::uint64_t> not_text_at;
-  double confidence = 0;  // 0 to 1
+  double confidence = 0;            // 0 to 1
+  std::vector<std::string> doubts;  // why the confidence is below 1, one short sentence each
   std::vector<detected_setting> filled;
   // Per variable: its type name ("double", "datetime", ...), the missing
   // markers found in it, and for a datetime whether its dates are

@@ -104,6 +104,10 @@ sample_table split_records(const std::vector<sample_line>& lines, const dialect&
           }
           continue;
         }
+        // A comment runs to the line's end, as the reader takes it.
+        if (!comment_marker.empty() && line.substr(i, comment_marker.size()) == comment_marker) {
+          break;
+        }
         const bool at_delim = d.blanks ? is_blank(c) : c == d.delimiter;
         if (at_delim) {
           if (d.blanks) {
@@ -136,10 +140,18 @@ sample_table split_records(const std::vector<sample_line>& lines, const dialect&
       done = true;
     }
     finish_field(true);
+    // Blanks before a comment at a line's end are no field.
+    if (d.blanks && rec.field_count > 1 && rec.fields.size() == rec.field_count && rec.fields.back().empty() &&
+        !rec.quoted.back()) {
+      rec.fields.pop_back();
+      rec.quoted.pop_back();
+      --rec.field_count;
+    }
     rec.last_line = li + 1;
     table.records.push_back(std::move(rec));
     ++li;
   }
+  table.cut = li < lines.size();
   return table;
 }
 

@@ -45,6 +45,9 @@ struct sample_record {
 struct sample_table {
   std::vector<sample_record> records;
   bool unclosed_quote = false;  // a quoted field was still open at the end of the sample
+  // The records stop before the input does (the sample's byte or line bound,
+  // or the record bound): the last record may be cut.
+  bool cut = false;
   std::size_t quoted_fields = 0;
   std::size_t text_after_quote = 0;  // quoted fields with more text after the closing quote
 };

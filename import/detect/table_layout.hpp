@@ -19,6 +19,7 @@ struct table_layout {
   std::uint64_t names_line = 0;    // physical line of the (first) names row, 0: none
   std::size_t names_rows = 0;      // rows that make up the names
   std::vector<std::string> names;  // one per variable; pieces of several names rows joined with a blank
+  bool names_filled = false;       // some are VarN: variables the names row does not reach
   std::size_t num_variables = 0;
   bool trailing_delimiter = false;        // every row ends with an empty field after a delimiter
   std::optional<std::uint64_t> end_line;  // the physical line after the table, when more text follows

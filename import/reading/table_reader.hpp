@@ -146,9 +146,11 @@ class table_reader {
         stopped_at_ = part_state{window_offset(), line, variables_};
         return;
       }
-      if (text_.table_end_line && line >= *text_.table_end_line) {
+      if (table_end_ && line >= *table_end_) {
+        if (table_goes_on(line)) continue;
         finish();
         summary_.lines_left_unread = count_lines_left(window_, raw_rules_);
+        if (summary_.lines_left_unread > 0) summary_.first_line_unread = line;
         return;
       }
       const bool header_line = line <= header_lines_;
@@ -157,7 +159,7 @@ class table_reader {
         if (structural_ && line >= first_structural_line_ && window_.view().size() <= data_rules_.max_record_units) {
           const structural_stop what = counting_ ? count_structurally() : read_structurally();
           if (what == structural_stop::end_of_input) break;
-          if ((text_.table_end_line && line >= *text_.table_end_line) || at_stop()) continue;
+          if ((table_end_ && line >= *table_end_) || at_stop()) continue;
           // Otherwise the exact scanner takes the next record: one that the
           // scan leaves to it, or the one at the window's end, which the
           // exact scanner may find complete where the scan waits for another
@@ -204,7 +206,7 @@ class table_reader {
       std::size_t taken = 0;  // of the window, up to the record being read
       const auto r = structural_->scan(w, window_.at_end(), line_, [&](const structural_record& rec) {
         if (base + rec.begin >= stop_) return false;
-        if (text_.table_end_line && rec.line >= *text_.table_end_line) return false;
+        if (table_end_ && rec.line >= *table_end_ && !goes_on_plainly(rec)) return false;
         if (plain_ && plain_record(w, rec)) return true;
         if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
         // Shaping and values read the record at the start of the window.
@@ -330,6 +332,48 @@ class table_reader {
     }
   }
 
+  // At a detected table end: whether the record at `line` goes on as a
+  // record of the table, with as many fields (after the delimiter rules) as
+  // the table has variables. It is then read like the records before it and
+  // the end moves past it; skipped blank lines and comments move it too. A given end,
+  // or one of a table that is not delimited, holds.
+  bool table_goes_on(std::uint64_t line) {
+    if (!text_.table_end_detected || !variables_ ||
+        (opts_.parser_type() != ParserType::Delimited && opts_.parser_type() != ParserType::Tabular))
+      return false;
+    for (;;) {
+      const scan_result result = data_scanner_.scan(window_.view(), window_.at_end(), line, rec_);
+      if (result == scan_result::end_of_input) return false;
+      if (result != scan_result::need_more) break;
+      more();
+    }
+    if (rec_.empty) {
+      // Blank lines that the reader skips, and comments, are no records.
+      if (!rec_.had_comment && opts_.empty_line_rule() != EmptyLineRule::Skip) return false;
+    } else {
+      field_list fields = rec_.fields;
+      const delimiter_rule_set rules{opts_.leading_delim_rule(), opts_.trailing_delim_rule(),
+                                     opts_.consecutive_delim_rule()};
+      if (apply_delimiter_rules(fields, rules).fault != delimiter_fault::none || fields.size() != *variables_)
+        return false;
+    }
+    // (Records that end inside a line, under line endings of other units,
+    // take the rest of their line with them: the end always moves on.)
+    table_end_ = std::max(rec_.next_line, line + 1);
+    return true;
+  }
+
+  // table_goes_on for a record of the structural scan whose fields the
+  // delimiter rules all keep.
+  bool goes_on_plainly(const structural_record& r) {
+    if (!text_.table_end_detected || !variables_ || r.empty || r.fields != *variables_ ||
+        opts_.parser_type() != ParserType::Delimited ||
+        !keeps_every_field({opts_.leading_delim_rule(), opts_.trailing_delim_rule(), opts_.consecutive_delim_rule()}))
+      return false;
+    table_end_ = std::max(r.next_line, r.line + 1);
+    return true;
+  }
+
   void more() {
     // A part that started inside a quoted field may see one field run on to
     // the end of the input; the record it waits for is left to a reader
@@ -342,7 +386,7 @@ class table_reader {
   // A record that the structural scan found; false when the full scanner
   // must take it (an empty line that is an error).
   bool counted_fast(const structural_record& r) {
-    if (text_.table_end_line && r.line >= *text_.table_end_line) return false;  // the table has ended
+    if (table_end_ && r.line >= *table_end_ && !goes_on_plainly(r)) return false;  // the table may have ended
     if (r.empty) {
       if (r.had_comment) return true;
       if (opts_.empty_line_rule() == EmptyLineRule::Error) return false;
@@ -364,7 +408,7 @@ class table_reader {
     t.max_fields =
         opts_.extra_columns_rule() == ExtraColumnsRule::Ignore ? std::numeric_limits<std::size_t>::max() : *variables_;
     if (stop_ != std::numeric_limits<std::uint64_t>::max()) t.stop = stop_ > base ? stop_ - base : 0;
-    if (text_.table_end_line) t.line_limit = *text_.table_end_line;
+    if (table_end_) t.line_limit = *table_end_;
     return t;
   }
 
@@ -498,7 +542,10 @@ class table_reader {
 
   header_lines<CharT> header_;
 
-  std::uint64_t line_ = 1;                                          // the physical line of the record being read
+  std::uint64_t line_ = 1;  // the physical line of the record being read
+  // The line before which the table ends, moved on past records that go on
+  // after a detected end (table_goes_on).
+  std::optional<std::uint64_t> table_end_ = text_.table_end_line;
   std::uint64_t stop_ = std::numeric_limits<std::uint64_t>::max();  // see part_plan
   bool worker_ = false;
   std::optional<part_state> stopped_at_;

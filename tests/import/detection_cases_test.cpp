@@ -127,6 +127,124 @@ TEST(Detection, FindsTheLayout) {
   }
 }
 
+// A table of `counts[i]` rows of `i + 1` fields each, names first.
+std::string ragged_table(const std::vector<std::size_t>& counts) {
+  std::string text;
+  std::size_t row = 0;
+  for (std::size_t fields = 1; fields <= counts.size(); ++fields) {
+    for (std::size_t n = 0; n < counts[fields - 1]; ++n, ++row) {
+      for (std::size_t f = 0; f < fields; ++f) {
+        if (f > 0) text += ',';
+        text += row == 0 ? "name" + std::to_string(f + 1) : std::to_string(row * 10 + f) + ".5";
+      }
+      text += '\n';
+    }
+  }
+  return text;
+}
+
+// Records whose third field is quoted over four lines: a 1000-line sample
+// ends inside one.
+std::string register_table(int records = 3000) {
+  std::string text = "id,name,address,postcode,phone,joined\n";
+  for (int i = 1; i <= records; ++i) {
+    const std::string n = std::to_string(i);
+    text += n + ",Company " + n + ",\"" + n + " High Street\nUnit " + n + "\nSpringfield\nNorthshire\",AB" + n +
+            " 1CD,0161 555 " + n + ",2015-06-01\n";
+  }
+  return text;
+}
+
+// Rows of another field count that run on from the table are its records;
+// only a break (a blank line, a line of one field) followed by rows that do
+// not fit ends it, and a record cut by the sample's end never does.
+TEST(Detection, KeepsEveryRecordOfTheTable) {
+  const std::string table = "a,b,c,d\n1,2,3,4\n5,6,7,8\n9,10,11,12\n13,14,15,16\n";
+  // The names row names six of eight variables; the others by position.
+  const std::string ragged_names = " [name1] [name2] [name3] [name4] [name5] [name6] [Var7] [Var8]";
+  // Line 998 is blank; the sample's last record, from line 999, is cut.
+  const std::string blank_line_and_cut = register_table(249) + "\n" + register_table(1).substr(38);
+  const struct {
+    const char* name;
+    std::string text;
+    std::string layout;
+  } cases[] = {
+      {"record_cut_by_the_line_bound", register_table(), ", 1 1 6 . - - \" double -"},
+      {"blank_line_and_a_cut_record", blank_line_and_cut, ", 1 1 6 . - - \" double -"},
+      {"columns_added", ragged_table({0, 0, 0, 0, 0, 7, 2, 12}), ", 1 1 8 . - - \" double -" + ragged_names},
+      {"columns_added_later", ragged_table({0, 0, 0, 0, 0, 11, 10, 10}), ", 1 1 8 . - - \" double -" + ragged_names},
+      {"columns_dropped", "a,b,c,d,e\n1,2,3,4,5\n6,7,8,9,10\n1,2,3\n4,5,6\n7,8,9\n1,2,3\n",
+       ", 1 1 5 . - - \" double -"},
+      {"second_table_after_a_blank_line", table + "\nx,y\n1,2\n3,4\n5,6\n", ", 1 1 4 . - 6 \" double -"},
+      {"notes_after_the_table", table + "Note one\nNote two\nNote three\n", ", 1 1 4 . - 6 \" double -"},
+      {"rows_of_two_fields_run_on", table + "1,2\n3,4\n5,6\n7,8\n9,10\n11,12\n", ", 1 1 4 . - - \" double -"},
+  };
+  for (const auto& c : cases) {
+    const detection_result r = detect(c.text, true, {}, {});
+    EXPECT_EQ(layout_of(r), c.layout) << c.name;
+  }
+}
+
+// Header lines and names: what is above the table is header, every variable
+// gets a name that agrees with its values.
+TEST(Detection, NamesTheVariablesAsAPersonWould) {
+  const std::string invoices = "2015-06-01,Acme Ltd,300.50\n2015-06-03,Bolt plc,451.00\n2015-06-09,Crane Co,260.75\n";
+  const struct {
+    const char* name;
+    std::string text;
+    std::uint64_t header_lines;
+    std::string names;
+    bool generated;
+  } cases[] = {
+      {"no_names_row", "1,2.5,x\n3,4.5,y\n5,6.5,z\n", 0, "Var1 Var2 Var3", true},
+      {"row_names_blank_separated", "\"x\" \"y\"\n\"1\" 0.5 7\n\"2\" 0.25 8\n\"3\" 1.5 9\n", 1, "Var1 x y", false},
+      {"row_names_one_column", "\"x\"\n\"a\" 0.5\n\"b\" 0.25\n\"c\" 1.5\n", 1, "Var1 x", false},
+      {"title_and_blank_line",
+       "Invoices over \xC2\xA3"
+       "250 paid in June 2015\n\nDate,Supplier,Amount\n" +
+           invoices,
+       3, "Date Supplier Amount", false},
+      {"comment_block", "# exported 2015-06-30\n# by the finance office\nDate,Supplier,Amount\n" + invoices, 3,
+       "Date Supplier Amount", false},
+      {"names_over_units", "name,height,weight\n,m,kg\nann,1.61,55.5\nbob,1.82,80.25\ncid,1.75,70.5\n", 2,
+       "name height m weight kg", false},
+      {"quoted_names_with_blanks",
+       "\"Parent Department\",\"Organisation\",\"Expense Type\",\"Amount\"\n\"Health\",\"NHS Trust\",\"IT\",1200.5\n"
+       "\"Health\",\"Public Health\",\"Office\",300\n\"Home Office\",\"Border Force\",\"Travel\",455.25\n",
+       1, "Parent Department Organisation Expense Type Amount", false},
+      // Without the sep: key the comma would win the tie.
+      {"front_matter_naming_the_delimiter", "---\nsep: \";\"\n---\nname;city,country\nann;Leeds,UK\nbob;York,UK\n", 4,
+       "name city,country", false},
+      {"front_matter", "---\ntitle: Prices\n---\nname,price\napple,1.5\npear,2\nfig,3\n", 4, "name price", false},
+  };
+  for (const auto& c : cases) {
+    const detection_result r = detect(c.text, true, {}, {});
+    std::string names;
+    for (const std::string& n : r.report.variable_names) names += (names.empty() ? "" : " ") + n;
+    EXPECT_EQ(r.options.num_header_lines(), c.header_lines) << c.name;
+    EXPECT_EQ(names, c.names) << c.name;
+    EXPECT_EQ(r.report.names_generated, c.generated) << c.name;
+    EXPECT_EQ(r.report.variable_names.size(), r.options.num_variables()) << c.name;
+  }
+}
+
+// The confidence falls with each reason to doubt, and the report says why.
+TEST(Detection, ConfidenceSaysWhatItDoubts) {
+  std::string long_table = "a,b,c\n";
+  for (int i = 0; i < 40; ++i) long_table += std::to_string(i) + "," + std::to_string(i * 2) + ".5,x\n";
+  const std::string few_rows = "a,b,c\n1,2.5,x\n2,3.5,y\n3,4.5,z\n";
+  const std::string with_notes = long_table + "\nNote one\nNote two\nNote three\n";
+  const detection_result sure = detect(long_table, true, {}, {});
+  EXPECT_TRUE(sure.report.doubts.empty()) << sure.report.doubts.front();
+  for (const auto& [text, doubt] : {std::pair<std::string, std::string>{few_rows, "the guess rests on 3 rows of data"},
+                                    {with_notes, "the table seems to end at line 42"}}) {
+    const detection_result r = detect(text, true, {}, {});
+    EXPECT_LT(r.report.confidence, sure.report.confidence - 0.1) << doubt;
+    ASSERT_EQ(r.report.doubts.size(), 1u) << doubt;
+    EXPECT_TRUE(r.report.doubts[0].starts_with(doubt)) << r.report.doubts[0];
+  }
+}
+
 TEST(Detection, FixedWidthCutsTheNamesRowToo) {
   const detection_result r = detect(fixed_width_table, true, {}, {});
   EXPECT_EQ(r.report.variable_names, (std::vector<std::string>{"name", "year", "value"}));

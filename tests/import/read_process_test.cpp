@@ -151,11 +151,72 @@ TEST(ReadChangedFile, IsReportedAndFailsWithStrict) {
 TEST(ReadProcess, CsvWithARecordOfOneMissingValueAdvisesEmptyLineRuleRead) {
   const std::string path = import_test::write_file("x\nNA\ny\n");
   const auto lone = run_tool({"read", path, "TreatAsMissing", "NA", "--format", "csv"});
-  EXPECT_EQ(lone.out, "x\r\n\r\ny\r\n");
+  EXPECT_EQ(lone.out, "Var1\r\nx\r\n\r\ny\r\n");
   EXPECT_NE(lone.err.find("EmptyLineRule read"), std::string::npos) << lone.err;
   const auto two = run_tool({"read", path, "TreatAsMissing", "NA", "NumVariables", "2", "--format", "csv"});
-  EXPECT_EQ(two.out, "x,\r\n,\r\ny,\r\n");
-  EXPECT_EQ(two.err, "");
+  EXPECT_EQ(two.out, "Var1,Var2\r\nx,\r\n,\r\ny,\r\n");
+  EXPECT_EQ(two.err.find("EmptyLineRule"), std::string::npos) << two.err;
+}
+
+// Past a detected end (--table-may-end, as detect gives it) records with the
+// table's field count are read on, skipped blank lines too; a given end
+// (--table-end) holds. Lines left unread are named on standard error and
+// fail the read under --strict, after the records.
+TEST(ReadProcess, LinesAfterTheTableEnd) {
+  const std::string path = import_test::write_file("a,b\n1,2\n3,4\n5,6\n\n7,8\nNote\nmore\n");
+  const std::string left_7 = "the table ends before line 7; 2 lines from line 7 on were left unread";
+  const std::string left_5 = "the table ends before line 5; 4 lines from line 5 on were left unread";
+  const struct {
+    std::vector<std::string> args;
+    int status;
+    std::string out;
+    std::string err_has;
+  } cases[] = {
+      {{"--table-may-end", "5"}, 0, "a,b\r\n1,2\r\n3,4\r\n5,6\r\n7,8\r\n", left_7},
+      {{"--table-may-end", "5", "--exact-scan"}, 0, "a,b\r\n1,2\r\n3,4\r\n5,6\r\n7,8\r\n", left_7},
+      {{"--table-may-end", "5", "--count"}, 0, "{\"records\": 4, \"fields\": 8}\n", left_7},
+      {{"--table-may-end", "5", "--strict"}, 4, "a,b\r\n1,2\r\n3,4\r\n5,6\r\n7,8\r\n", left_7},
+      {{"--table-end", "5"}, 0, "a,b\r\n1,2\r\n3,4\r\n5,6\r\n", left_5},
+      {{"--table-end", "5", "--strict", "--count"}, 4, "{\"records\": 3, \"fields\": 6}\n", left_5},
+      {{"--table-may-end", "5", "--all-lines", "--strict"},
+       0,
+       "a,b\r\n1,2\r\n3,4\r\n5,6\r\n7,8\r\nNote,\r\nmore,\r\n",
+       ""},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> args{"read", path,       "--no-detect", "VariableNamesLine", "1", "NumHeaderLines",
+                                  "1",    "--format", "csv"};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const auto run = run_tool(args);
+    const std::string name = c.args[0] + " " + c.args.back();
+    EXPECT_EQ(run.status, c.status) << name << ": " << run.err;
+    EXPECT_EQ(run.out, c.out) << name;
+    if (c.err_has.empty()) {
+      EXPECT_EQ(run.err, "") << name;
+    } else {
+      EXPECT_NE(run.err.find(c.err_has), std::string::npos) << name << ": " << run.err;
+    }
+  }
+}
+
+// Detection keeps every record of a table whose records are longer than the
+// sample's lines, of one whose rows gain fields, and of a list with comments.
+TEST(ReadProcess, DetectionReadsEveryRecord) {
+  std::string quoted = "id,address,code\n";
+  for (int i = 0; i < 1000; ++i) quoted += std::to_string(i) + ",\"" + std::to_string(i) + " Street\nTown\",X1\n";
+  std::string ragged = "version,date,size\n";
+  for (int i = 0; i < 30; ++i) {
+    ragged += "1." + std::to_string(i) + ",2015-01-01," + std::to_string(i * 10) + (i >= 10 ? ",sha" : "") +
+              (i >= 20 ? ",7" : "") + "\n";
+  }
+  const std::string services = std::string(ZVTP_DETECT_CORPUS) + "/netbase__services";
+  for (const auto& [path, records] : {std::pair<std::string, std::string>{import_test::write_file(quoted), "1000"},
+                                      {import_test::write_file(ragged), "30"},
+                                      {services, "125"}}) {
+    const auto run = run_tool({"read", path, "--count", "--strict"});
+    EXPECT_EQ(run.status, 0) << path << ": " << run.err;
+    EXPECT_TRUE(run.out.starts_with("{\"records\": " + records + ",")) << path << ": " << run.out;
+  }
 }
 
 // Bytes that no text encoding explains end in NotText with the offset of the
