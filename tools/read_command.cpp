@@ -140,8 +140,9 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   std::optional<csv_writer> csv;
   count_writer counter;
   textio::import::record_sink* sink = &counter;
-  if (format == read_format::jsonl) sink = &jsonl.emplace(out);
-  if (format == read_format::csv) sink = &csv.emplace(out);
+  const value_text values = args.has("--canonical") ? value_text::canonical : value_text::as_written;
+  if (format == read_format::jsonl) sink = &jsonl.emplace(out, values);
+  if (format == read_format::csv) sink = &csv.emplace(out, values);
   const auto flush_records = [&] {
     if (jsonl) jsonl->flush();
     if (csv) csv->flush();

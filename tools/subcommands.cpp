@@ -23,6 +23,7 @@ constexpr std::array read_options{
     struct_option,
     tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
+    tool_option{"--canonical", "", "write typed values in canonical form (1.5, 2018-01-28) instead of as read"},
     tool_option{"--types", "JSON",
                 "types by position [\"double\", \"auto\"] or by name {\"when\": \"datetime\"}; auto: detect"},
     tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},

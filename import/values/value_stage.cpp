@@ -123,9 +123,11 @@ void value_stage<CharT>::convert_in_place(std::span<output_value> values) {
   if constexpr (sizeof(CharT) == 1) {  // (plain_text_values gives UTF-8 values only)
     for (std::size_t i = 0; i < values.size(); ++i) {
       output_value& v = values[i];
-      // (The values of the record before, converted here, left numbers.)
+      // (The values of the record before, converted here, left numbers and
+      // their texts.)
       v.number = 0;
       v.integer = 0;
+      v.written = {};
       if (v.kind != value_kind::text) continue;  // missing stays missing
       const std::string_view text = v.bytes;
       if (matrix_) {

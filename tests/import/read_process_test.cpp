@@ -158,6 +158,64 @@ TEST(ReadProcess, CsvWithARecordOfOneMissingValueAdvisesEmptyLineRuleRead) {
   EXPECT_EQ(two.err, "");
 }
 
+// What read writes for typed values, detected from standard input or given
+// with --types: by default each value's text as read (CSV) or, for a
+// number whose text is a JSON number, in JSON; --canonical writes the
+// shortest numbers and ISO 8601 datetimes.
+TEST(ReadProcess, TypedValuesAreWrittenAsRead) {
+  const std::string zips = "zip,city\n08123,Camden\n02134,Boston\n";
+  const std::string dates = "when,amount\n28/01/2018,4000.00\n01/01/2006 00:15,+1\n";
+  const std::string commas = "a;b\n1,5;x\n2,25;y\n";
+  const std::vector<std::string> typed = {"--no-detect", "NumHeaderLines",    "1",    "VariableNamesLine",
+                                          "1",           "OutputBuilderType", "table"};
+  const auto with = [](std::vector<std::string> args, const std::vector<std::string>& more) {
+    args.insert(args.end(), more.begin(), more.end());
+    return args;
+  };
+  const struct {
+    const char* name;
+    std::string input;
+    std::vector<std::string> args;
+    std::string out;  // the records, after the header line in JSON lines
+  } cases[] = {
+      {"leading zeros", zips, {"--format", "csv"}, "zip,city\r\n08123,Camden\r\n02134,Boston\r\n"},
+      {"leading zeros typed double", zips, with(typed, {"--types", R"(["double"])", "--format", "csv"}),
+       "zip,city\r\n08123,Camden\r\n02134,Boston\r\n"},
+      {"leading zeros typed int32 in json", zips, with(typed, {"--types", R"(["int32"])"}),
+       "[8123, \"Camden\"]\n[2134, \"Boston\"]\n"},
+      {"dates and decimals",
+       dates,
+       {"--format", "csv"},
+       "when,amount\r\n28/01/2018,4000.00\r\n01/01/2006 00:15,+1\r\n"},
+      {"dates and decimals canonical",
+       dates,
+       {"--format", "csv", "--canonical"},
+       "when,amount\r\n2018-01-28,4000\r\n2006-01-01T00:15:00,1\r\n"},
+      {"json numbers", dates, {}, "[\"2018-01-28\", 4000.00]\n[\"2006-01-01T00:15:00\", 1]\n"},
+      {"json numbers canonical", dates, {"--canonical"}, "[\"2018-01-28\", 4000]\n[\"2006-01-01T00:15:00\", 1]\n"},
+      {"decimal comma quoted",
+       commas,
+       {"DecimalSeparator", ",", "--format", "csv"},
+       "a,b\r\n\"1,5\",x\r\n\"2,25\",y\r\n"},
+      {"decimal comma in json", commas, {"DecimalSeparator", ","}, "[1.5, \"x\"]\n[2.25, \"y\"]\n"},
+      {"unquoted and trimmed", "n\n\"7.50\"\n  8.0  \n", with(typed, {"--types", R"(["double"])", "--format", "csv"}),
+       "n\r\n7.50\r\n8.0\r\n"},
+  };
+  for (const auto& c : cases) {
+    const int fd = ::open(import_test::write_file(c.input).c_str(), O_RDONLY);
+    ASSERT_GE(fd, 0);
+    tool_setup setup;
+    setup.stdin_fd = fd;
+    std::vector<std::string> args = {"read", "-"};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const auto run = run_tool(args, setup);
+    ::close(fd);
+    EXPECT_EQ(run.status, 0) << c.name << ": " << run.err;
+    const bool csv = run.out.find('\r') != std::string::npos;
+    EXPECT_EQ(csv ? run.out : run.out.substr(run.out.find('\n') + 1), c.out) << c.name;
+  }
+}
+
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool address_sanitizer = true;
 #elif defined(__has_feature)
