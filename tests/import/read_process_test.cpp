@@ -179,6 +179,8 @@ TEST(ReadProcess, TypedValuesAreWrittenAsRead) {
     std::string out;  // the records, after the header line in JSON lines
   } cases[] = {
       {"leading zeros", zips, {"--format", "csv"}, "zip,city\r\n08123,Camden\r\n02134,Boston\r\n"},
+      {"leading zeros detected as text", zips, {}, "[\"08123\", \"Camden\"]\n[\"02134\", \"Boston\"]\n"},
+      {"negative leading zero detected as text", "n,m\n5,0.5\n-01,-0\n", {}, "[\"5\", 0.5]\n[\"-01\", -0]\n"},
       {"leading zeros typed double", zips, with(typed, {"--types", R"(["double"])", "--format", "csv"}),
        "zip,city\r\n08123,Camden\r\n02134,Boston\r\n"},
       {"leading zeros typed int32 in json", zips, with(typed, {"--types", R"(["int32"])"}),

@@ -198,6 +198,13 @@ TEST(TypeDetection, NarrowestTypeOfEveryValue) {
       {{"2020-01-02", "2020-01-03T04:05:06"}, "datetime"},
       {{"01:02:03", "100:00:00"}, "duration"},
       {{"1", "x"}, "string"},
+      // A zero before another digit makes a code, not a number.
+      {{"1", "007"}, "string"},
+      {{"08123", "02134"}, "string"},
+      {{"5", "-01"}, "string"},
+      {{"+00"}, "string"},
+      {{"0930", "1200"}, "string"},
+      {{"0", "0.5", "-0.5", "0e5", "-0", "10"}, "double"},
       {{"", "  "}, "string"},
       {{"NA", "-"}, "string"},
       {{"1.5", "NA", "null", "2", "NA"}, "double", {"NA", "null"}},
