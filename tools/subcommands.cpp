@@ -27,7 +27,9 @@ constexpr std::array read_options{
     tool_option{"--types", "JSON",
                 "types by position [\"double\", \"auto\"] or by name {\"when\": \"datetime\"}; auto: detect"},
     tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},
-    tool_option{"--strict", "", "exit 5 when FILE changed while it was read (a warning is printed in any case)"},
+    tool_option{"--strict", "",
+                "exit 5 when FILE changed while it was read (a warning is printed in any case); a value that does "
+                "not convert to its variable's type is a reading error"},
     tool_option{"--no-detect", "", "read with the options as they stand; detect nothing"},
     encoding_option,
     quote_option,
@@ -75,7 +77,11 @@ goes to standard error in every case. In csv a record of one missing value
 is an empty line, which reads back only under EmptyLineRule read; a note on
 standard error says so when such a record was written. A regular FILE that
 changed while it was read gives a warning on standard error (and status 5
-with --strict). A failed write ends the tool with status 5, a closed pipe
+with --strict). Typed values are written as read (in jsonl a number when its
+text is a JSON number, else its canonical form); --canonical writes the
+canonical forms. A value that does not convert to a detected type is kept
+as text, to a --types type ImportErrorRule applies; a note on standard
+error counts them per variable, and --strict makes them a reading error. A failed write ends the tool with status 5, a closed pipe
 quietly with status 141. Unless --no-detect is given, what the options
 leave open is first detected as the detect subcommand does. Standard error
 also says when a detected quote never closed (it is then read as text) and

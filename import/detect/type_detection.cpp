@@ -33,6 +33,7 @@ bool has_leading_zero(std::string_view s) {
 // The type of one variable's values (none missing).
 detected_type type_of(const std::vector<std::string_view>& values, const type_detection_settings& settings) {
   detected_type result;
+  result.typing.unconverted = unconverted_value::text;  // a guess from a sample
   if (values.empty()) return result;
   conversion_settings conv;
   conv.numbers = settings.numbers;

@@ -133,6 +133,7 @@ class table_reader {
     } catch (const std::bad_alloc&) {
       throw_msg_id_exception(ZORVEK::textio::reader::OutOfMemory(line_, memory_user()));
     }
+    summary_.unconverted = values_.unconverted();
     return summary_;
   }
 
@@ -229,7 +230,7 @@ class table_reader {
     } else {
       if (!variables_ || rec.fields > value_stage<CharT>::record_part_size) return false;
       if (!plain_text_values(w, rec, data_rules_, plain_scratch_, plain_values_)) return false;
-      values_.convert_in_place(plain_values_);
+      values_.convert_in_place(plain_values_, rec.line);
     }
     line_ = rec.line;
     send_header();  // before the variables grow, as data_record sends it
@@ -286,14 +287,14 @@ class table_reader {
         (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar);
     // Counting needs no values when no rule looks at them.
     counting_ = sink_.counts_only() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
-                (!converts || opts_.import_error_rule() == BadDataRule::Fill) &&
+                (!converts || opts_.import_error_rule() == BadDataRule::Fill) && !values_.strict() &&
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
     // A long record goes to the sink in parts (see emit).
     parts_ = sink_.takes_parts() && !buffering_;
-    rules_may_drop_ =
-        opts_.missing_rule() != BadDataRule::Fill || (converts && opts_.import_error_rule() != BadDataRule::Fill);
+    rules_may_drop_ = opts_.missing_rule() != BadDataRule::Fill ||
+                      (converts && opts_.import_error_rule() != BadDataRule::Fill) || values_.strict();
 
     // Without a given count, a fixed-width record has a variable per width.
     const std::vector<std::uint64_t>& widths = rules_.widths;
@@ -488,7 +489,7 @@ class table_reader {
   bool buffering_ = false;
   bool counting_ = false;
   bool parts_ = false;                            // values handed on in parts of record_part_size
-  bool rules_may_drop_ = false;                   // a missing or import-error rule may drop or fail a record
+  bool rules_may_drop_ = false;                   // a rule or strict typing may drop or fail a record
   std::optional<structural_scanner> structural_;  // plain delimited UTF-8 records
   std::uint64_t first_structural_line_ = 0;       // after header and meta lines
   // Records of text values go from the structural scan to the sink (plain_record).

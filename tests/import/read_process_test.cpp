@@ -218,6 +218,44 @@ TEST(ReadProcess, TypedValuesAreWrittenAsRead) {
   }
 }
 
+// A value after the detection sample that its guessed type does not fit is
+// kept as its text; under a type the user gave, ImportErrorRule applies.
+// Either way a note ends standard error; --strict makes it a reading error.
+TEST(ReadProcess, ValuesThatDoNotConvertAreNeverLostSilently) {
+  std::string text = "a,b\n";
+  for (int i = 0; i < 1500; ++i) text += std::to_string(i) + "," + std::to_string(i * 2) + "\n";
+  const std::string path = import_test::write_file(text + "0&&&&&&&&,5\n");
+  const std::string note =
+      "zvtextparser: note: variable \"a\": 1 value did not convert to double (first at line 1502); ";
+  const struct {
+    std::vector<std::string> args;
+    std::string last;     // the last line written
+    std::string err_end;  // how standard error ends
+    int status = 0;
+  } cases[] = {
+      {{"--format", "csv"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{"--format", "csv", "--threads", "2"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{"--format", "csv", "--canonical"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{}, "[\"0&&&&&&&&\", 5]\n", note + "written as text\n"},
+      {{"--types", R"(["double"])", "--format", "csv"}, ",5\r\n", note + "ImportErrorRule fill made it missing\n"},
+      {{"--types", R"(["double"])", "ImportErrorRule", "omitrow", "--format", "csv"},
+       "1499,2998\r\n",
+       note + "ImportErrorRule omitrow left out its record\n"},
+      {{"--strict", "--format", "csv"}, "1499,2998\r\n", "line 1502, column 1 does not convert to double.\n", 4},
+      {{"--strict", "--types", R"(["double"])"}, "{\"error\"", "line 1502, column 1 does not convert to double.\n", 4},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> args = {"read", path};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const auto run = run_tool(args);
+    const std::string named = args.back();
+    EXPECT_EQ(run.status, c.status) << named << ": " << run.err;
+    const std::size_t last = run.out.rfind('\n', run.out.size() - 2);
+    EXPECT_TRUE(run.out.substr(last + 1).starts_with(c.last)) << named << ": " << run.out.substr(last + 1);
+    EXPECT_TRUE(run.err.ends_with(c.err_end)) << named << ": " << run.err;
+  }
+}
+
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool address_sanitizer = true;
 #elif defined(__has_feature)
