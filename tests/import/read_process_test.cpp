@@ -166,6 +166,8 @@ TEST(ReadProcess, TypedValuesAreWrittenAsRead) {
   const std::string zips = "zip,city\n08123,Camden\n02134,Boston\n";
   const std::string dates = "when,amount\n28/01/2018,4000.00\n01/01/2006 00:15,+1\n";
   const std::string commas = "a;b\n1,5;x\n2,25;y\n";
+  const std::string held = "d,n,x\n28/01/2018,007,\n01/02/2018,+1,\n";
+  const std::string types = R"(["datetime", "int32"])";
   const std::vector<std::string> typed = {"--no-detect", "NumHeaderLines",    "1",    "VariableNamesLine",
                                           "1",           "OutputBuilderType", "table"};
   const auto with = [](std::vector<std::string> args, const std::vector<std::string>& more) {
@@ -200,6 +202,17 @@ TEST(ReadProcess, TypedValuesAreWrittenAsRead) {
        {"DecimalSeparator", ",", "--format", "csv"},
        "a,b\r\n\"1,5\",x\r\n\"2,25\",y\r\n"},
       {"decimal comma in json", commas, {"DecimalSeparator", ","}, "[1.5, \"x\"]\n[2.25, \"y\"]\n"},
+      // Held for OmitVar (x is all missing), and read in UTF-16 units (which
+      // a non-ASCII whitespace asks for).
+      {"held rows", held, with(typed, {"--types", types, "MissingRule", "omitvar", "--format", "csv"}),
+       "d,n\r\n28/01/2018,007\r\n01/02/2018,+1\r\n"},
+      {"utf-16 units", held, with(typed, {"--types", types, "Whitespace", "\u3000", "--format", "csv"}),
+       "d,n,x\r\n28/01/2018,007,\r\n01/02/2018,+1,\r\n"},
+      {"utf-16 units held", held,
+       with(typed, {"--types", types, "Whitespace", "\u3000", "MissingRule", "omitvar", "--format", "csv"}),
+       "d,n\r\n28/01/2018,007\r\n01/02/2018,+1\r\n"},
+      {"utf-16 units in json", "n\n4000.00\n+1\n", with(typed, {"--types", R"(["double"])", "Whitespace", "\u3000"}),
+       "[4000.00]\n[1]\n"},
       {"unquoted and trimmed", "n\n\"7.50\"\n  8.0  \n", with(typed, {"--types", R"(["double"])", "--format", "csv"}),
        "n\r\n7.50\r\n8.0\r\n"},
   };
@@ -236,6 +249,7 @@ TEST(ReadProcess, ValuesThatDoNotConvertAreNeverLostSilently) {
       {{"--format", "csv"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
       {{"--format", "csv", "--threads", "2"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
       {{"--format", "csv", "--canonical"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{"--format", "csv", "--exact-scan"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
       {{}, "[\"0&&&&&&&&\", 5]\n", note + "written as text\n"},
       {{"--types", R"(["double"])", "--format", "csv"}, ",5\r\n", note + "ImportErrorRule fill made it missing\n"},
       {{"--types", R"(["double"])", "ImportErrorRule", "omitrow", "--format", "csv"},
@@ -254,6 +268,17 @@ TEST(ReadProcess, ValuesThatDoNotConvertAreNeverLostSilently) {
     EXPECT_TRUE(run.out.substr(last + 1).starts_with(c.last)) << named << ": " << run.out.substr(last + 1);
     EXPECT_TRUE(run.err.ends_with(c.err_end)) << named << ": " << run.err;
   }
+  // A record long enough to go out in parts, under a rule that may drop it,
+  // is checked first and then written: its value is counted once.
+  std::string wide = "x";
+  for (int i = 0; i < 5000; ++i) wide += ",1";
+  const auto run = run_tool({"read", import_test::write_file(wide + "\n"), "--no-detect", "OutputBuilderType", "table",
+                             "MissingRule", "omitrow", "--types", R"(["double"])", "--format", "csv"});
+  EXPECT_TRUE(run.out.starts_with(",1,1,")) << run.out.substr(0, 20);
+  EXPECT_TRUE(
+      run.err.ends_with("variable 1: 1 value did not convert to double (first at line 1); ImportErrorRule fill "
+                        "made it missing\n"))
+      << run.err;
 }
 
 #if defined(__SANITIZE_ADDRESS__)

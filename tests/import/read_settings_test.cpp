@@ -180,6 +180,7 @@ const setting_case setting_cases[] = {
     {"markers_detected", "a,b\n1,NA\n2,x\nnull,y\n", typed({"ImportErrorRule", "error"}),
      R"([1, "NA"] | [2, "x"] | [null, "y"])"},
     {"marker_omitrow", "a\n1\nnull\n", typed({"MissingRule", "omitrow"}), "[1]"},
+    {"marker_fill", "a,b\n1,NA\n2,3\n", typed({}), "[1, null] | [2, 3]"},
     {"typed_import_error_fill", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("fill"),
      "[1, true] | [null, false] | [300, true]"},
     {"typed_import_error_omitrow", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("omitrow"), "[1, true] | [300, true]"},
