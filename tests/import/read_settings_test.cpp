@@ -169,6 +169,7 @@ const setting_case setting_cases[] = {
     {"plain_numbers_canonical", "1,-2.5,3e2,+4,1D1,.5,4000.00", numbers({"--canonical"}),
      R"([1, -2.5, 300, 4, 10, 0.5, 4000])"},
     {"not_a_number_fills_nan", "1,x,", numbers({}), R"([1, "NaN", null])"},
+    {"nan_after_numbers", "1,2\n3,4\n1.5,x\n", numbers({}), R"([1, 2] | [3, 4] | [1.5, "NaN"])"},
     {"separators", "1.234,5;7,5E-1;1.234",
      numbers({"Delimiter", ";", "DecimalSeparator", ",", "ThousandsSeparator", ".", "ExpChars", "E"}),
      R"([1234.5, 0.75, 1234])"},
