@@ -230,7 +230,6 @@ class table_reader {
     } else {
       if (!variables_ || rec.fields > value_stage<CharT>::record_part_size) return false;
       if (!plain_text_values(w, rec, data_rules_, plain_scratch_, plain_values_)) return false;
-      values_.convert_in_place(plain_values_, rec.line);
     }
     line_ = rec.line;
     send_header();  // before the variables grow, as data_record sends it
@@ -239,7 +238,10 @@ class table_reader {
       if (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
       fields = *variables_;  // Ignore
     }
-    sink_.padded_record(std::span<const output_value>(plain_values_).first(fields), *variables_ - fields);
+    // (The fields that Ignore drops are not values: nothing converts them.)
+    const std::span<output_value> values = std::span<output_value>(plain_values_).first(fields);
+    values_.convert_in_place(values, rec.line);
+    sink_.padded_record(values, *variables_ - fields);
     return true;
   }
 
