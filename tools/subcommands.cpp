@@ -77,15 +77,18 @@ goes to standard error in every case. In csv a record of one missing value
 is an empty line, which reads back only under EmptyLineRule read; a note on
 standard error says so when such a record was written. A regular FILE that
 changed while it was read gives a warning on standard error (and status 5
-with --strict). Typed values are written as read (in jsonl a number when its
-text is a JSON number, else its canonical form); --canonical writes the
-canonical forms. A value that does not convert to a detected type is kept
-as text, to a --types type ImportErrorRule applies; a note on standard
-error counts them per variable, and --strict makes them a reading error. A failed write ends the tool with status 5, a closed pipe
+with --strict). A failed write ends the tool with status 5, a closed pipe
 quietly with status 141. Unless --no-detect is given, what the options
 leave open is first detected as the detect subcommand does. Standard error
 also says when a detected quote never closed (it is then read as text) and
 how many lines were left after the table's end.
+
+Typed values are written as read: in csv each field's text, in jsonl a
+number's text when it is a JSON number (else its shortest form) and ISO 8601
+datetimes; --canonical writes the canonical forms in both. A value that does
+not convert to a detected type is kept as text; to a --types type
+ImportErrorRule applies. A note on standard error counts such values per
+variable, and --strict makes them a reading error (status 4).
 )";
 
 constexpr std::string_view detect_details =
