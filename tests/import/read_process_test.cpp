@@ -201,7 +201,6 @@ TEST(ReadProcess, TypedValuesAreWrittenAsRead) {
        commas,
        {"DecimalSeparator", ",", "--format", "csv"},
        "a,b\r\n\"1,5\",x\r\n\"2,25\",y\r\n"},
-      {"decimal comma in json", commas, {"DecimalSeparator", ","}, "[1.5, \"x\"]\n[2.25, \"y\"]\n"},
       // Held for OmitVar (x is all missing), and read in UTF-16 units (which
       // a non-ASCII whitespace asks for).
       {"held rows", held, with(typed, {"--types", types, "MissingRule", "omitvar", "--format", "csv"}),
