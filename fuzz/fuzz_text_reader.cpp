@@ -181,6 +181,8 @@ class checking_sink : public textio::import::record_sink {
       log.append(reinterpret_cast<const char*>(v.units.data()), v.units.size() * sizeof(char16_t));
       log.append(reinterpret_cast<const char*>(&v.number), sizeof v.number);
       log.append(reinterpret_cast<const char*>(&v.integer), sizeof v.integer);
+      log.append(v.written);
+      log += v.json_number ? 'j' : '-';
       log += '\x1f';
     }
   }
@@ -246,6 +248,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (pick() % 2 != 0) t.dates = textio::import::date_order::month_first;
     if (pick() % 3 == 0) t.missing_markers.push_back(pick() % 2 != 0 ? "N" : "-");
   }
+  // What becomes of a value that does not convert: the rule, text (a guessed
+  // type) or a reading error (strict).
+  for (auto& t : types) t.unconverted = static_cast<textio::import::unconverted_value>(pick() % 3);
 
   // The rest of the bytes are the file.
   std::vector<std::uint8_t> file;
@@ -269,6 +274,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       input.limit_reads(read_size);
       const auto summary = textio::import::read_typed_table(record, input, sink, format, types, {}, stray);
       outcome = "read all;" + outcome + std::to_string(summary.lines_left_unread);
+      for (const auto& u : summary.unconverted) {
+        outcome += ";" + std::to_string(u.count) + "@" + std::to_string(u.first_line);
+      }
     } catch (const foundation::core::except::IMsgIDException& e) {
       // A reading error is a normal end.
       outcome = std::string(e.what()) + ";" + outcome;

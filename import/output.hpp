@@ -17,17 +17,25 @@ namespace textio::import {
 // was already in that form), for outputs to copy; logical holds 0 or 1 in
 // `number`; datetime and duration hold seconds
 // in `number` (since 1970 at UTC for a datetime) and their canonical ISO 8601
-// text in `bytes` (ASCII, also when `utf16`).
+// text in `bytes` (ASCII, also when `utf16`). A typed value also keeps the
+// text it was read from, for outputs that write values as written.
 enum class value_kind : std::uint8_t { missing, text, number, integer, unsigned_integer, logical, datetime, duration };
 
 struct output_value {
   value_kind kind = value_kind::missing;
   // Text in the reader's units: UTF-16 when `utf16`, else UTF-8 bytes.
   bool utf16 = false;
+  // A number (of any kind) whose written text is a JSON number of its value.
+  bool json_number = false;
   std::string_view bytes;
   std::u16string_view units;
   double number = 0;
   std::int64_t integer = 0;
+  // A typed value's field text as read (unquoted, unescaped and trimmed as
+  // the settings ask): UTF-8 here, or in `units` with `utf16` set when the
+  // reader reads UTF-16. Empty for a value with no text of its own (NaN
+  // filled in for a field that is no number).
+  std::string_view written;
 };
 
 // `count` variables in a row of one type.

@@ -134,6 +134,9 @@ void find_types(read_outcome& out, const read_settings& settings, std::string_vi
   }
   if (!out.format.variable_names.empty()) names = out.format.variable_names;
   out.types = apply_request(std::move(types), settings.types, names);
+  if (settings.strict) {
+    for (variable_typing& t : out.types) t.unconverted = unconverted_value::reading_error;
+  }
   for (std::size_t i = 0; i < unsettled.size() && i < out.types.size(); ++i) {
     if (unsettled[i] && out.types[i].type == value_type::datetime) out.date_order_unsettled.push_back(i);
   }

@@ -75,6 +75,10 @@ struct read_settings {
   std::vector<std::string> variable_names;
   // Read every record with the exact scanner (the same records, slower).
   bool exact_scan = false;
+  // A value that does not convert to its variable's type is the reading
+  // error NotConverted (else: kept as text under a detected type,
+  // ImportErrorRule under a type asked for).
+  bool strict = false;
   progress_callback progress;
   stray_quote_callback stray_quote;
 };

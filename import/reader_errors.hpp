@@ -46,6 +46,17 @@ ZVTI_POSITION_TAG(UnterminatedQuote);
 
 #undef ZVTI_POSITION_TAG
 
+// A field that does not convert to its variable's type when reading is
+// strict; arguments: line, column and the type's name.
+struct NotConverted : resource_core::BaseMsgID {
+  NotConverted(std::uint64_t line, std::uint64_t column, const std::string& type)
+      : resource_core::BaseMsgID(catalog_name, "NotConverted") {
+    args.emplace_back(std::in_place_index<0>, line);
+    args.emplace_back(std::in_place_index<0>, column);
+    args.emplace_back(std::in_place_index<1>, type);
+  }
+};
+
 // A byte sequence that is no UTF-8; argument: its byte offset from the start
 // of the input (0-based, the byte-order mark included).
 struct InvalidUtf8 : resource_core::BaseMsgID {

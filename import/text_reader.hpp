@@ -30,9 +30,10 @@ read_summary read_table(const textio::parser::options& given, utf8_input& input,
 
 // Reads as read_table does, and with OutputBuilderType Table converts each
 // variable to its type in `types` (by position; variables beyond are text).
-// A value that does not convert follows ImportErrorRule: Fill makes it
-// missing, OmitRow, OmitVar, Error as for Matrix. Other output types ignore
-// `types`.
+// A value that does not convert becomes what its typing says: under
+// ImportErrorRule (Fill makes it missing, OmitRow, OmitVar, Error as for
+// Matrix), its text, or a NotConverted error; the summary counts them per
+// variable. Other output types ignore `types`.
 read_summary read_typed_table(const textio::parser::options& given, utf8_input& input, record_sink& sink,
                               const text_format& format, std::span<const variable_typing> types,
                               const progress_callback& progress = {}, const stray_quote_callback& stray_quote = {});

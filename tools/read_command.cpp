@@ -88,15 +88,16 @@ std::string changed_warning(const std::string& file) {
 // it (`report`), or without detection from the first records of a regular
 // file, and overridden by --types. Standard input is read once, so without
 // detection only --types gives its variables types. A datetime variable whose
-// dates read both day-first and month-first gets a note in `notes`.
+// dates read both day-first and month-first gets a note in `notes`. The
+// variables' names go to `names`. With --strict a value that does not
+// convert is a reading error.
 std::vector<textio::import::variable_typing> variable_types(const parsed_arguments& args,
                                                             const textio::parser::options& record,
                                                             const textio::import::text_format& text,
                                                             const textio::import::detection_report* report,
-                                                            std::string& notes) {
+                                                            std::string& notes, std::vector<std::string>& names) {
   if (record.output_type() != textio::enums::OutputBuilderType::Table) return {};
   std::vector<textio::import::detected_type> detected;
-  std::vector<std::string> names;
   if (report) {
     detected = detected_types_of(*report);
     names = report->variable_names;
@@ -117,7 +118,40 @@ std::vector<textio::import::variable_typing> variable_types(const parsed_argumen
                " read both day-first and month-first; they are read day-first\n";
     }
   }
+  if (args.has("--strict")) {
+    for (auto& t : types) t.unconverted = textio::import::unconverted_value::reading_error;
+  }
   return types;
+}
+
+// One note per variable with values that did not convert to its type: how
+// many, the line of the first, and what became of them.
+std::string unconverted_notes(const std::vector<textio::import::unconverted_values>& unconverted,
+                              std::span<const textio::import::variable_typing> types,
+                              const std::vector<std::string>& names, textio::enums::BadDataRule rule) {
+  using textio::enums::BadDataRule;
+  std::string notes;
+  for (std::size_t i = 0; i < unconverted.size() && i < types.size(); ++i) {
+    const auto& u = unconverted[i];
+    if (u.count == 0) continue;
+    notes += "zvtextparser: note: variable " +
+             (i < names.size() && !names[i].empty() ? json_quote_bytes(names[i]) : std::to_string(i + 1)) + ": " +
+             std::to_string(u.count) + (u.count == 1 ? " value did" : " values did") + " not convert to " +
+             std::string(textio::import::type_name(types[i].type)) + " (first at line " + std::to_string(u.first_line) +
+             "); ";
+    const bool one = u.count == 1;
+    if (types[i].unconverted == textio::import::unconverted_value::text) {
+      notes += "written as text\n";
+    } else if (rule == BadDataRule::OmitRow) {
+      notes +=
+          one ? "ImportErrorRule omitrow left out its record\n" : "ImportErrorRule omitrow left out their records\n";
+    } else if (rule == BadDataRule::OmitVar) {
+      notes += "ImportErrorRule omitvar left out the variable\n";
+    } else {
+      notes += one ? "ImportErrorRule fill made it missing\n" : "ImportErrorRule fill made them missing\n";
+    }
+  }
+  return notes;
 }
 
 }  // namespace
@@ -149,8 +183,9 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   std::optional<csv_writer> csv;
   count_writer counter;
   textio::import::record_sink* sink = &counter;
-  if (format == read_format::jsonl) sink = &jsonl.emplace(out);
-  if (format == read_format::csv) sink = &csv.emplace(out);
+  const value_text values = args.has("--canonical") ? value_text::canonical : value_text::as_written;
+  if (format == read_format::jsonl) sink = &jsonl.emplace(out, values);
+  if (format == read_format::csv) sink = &csv.emplace(out, values);
   const auto flush_records = [&] {
     if (jsonl) jsonl->flush();
     if (csv) csv->flush();
@@ -158,6 +193,8 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
 
   const textio::import::user_choices choices = user_choices_of(args);
   tool_result result;
+  std::vector<std::string> names;
+  std::string unconverted;  // the notes on values that did not convert, last on standard error
   try {
     textio::import::utf8_input input(*args.operand);
     textio::import::text_format text = given_format(choices);
@@ -177,13 +214,14 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     }
     apply_table_options(args, text);
     const auto types = empty ? std::vector<textio::import::variable_typing>{}
-                             : variable_types(args, record, text, report ? &*report : nullptr, result.err);
+                             : variable_types(args, record, text, report ? &*report : nullptr, result.err, names);
     const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
       result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " +
                     std::to_string(column) + " never closes; quotes are read as text from there on\n";
     };
     const textio::import::read_summary summary =
         textio::import::read_typed_table(record, input, *sink, text, types, progress_bar(input), warn);
+    unconverted = unconverted_notes(summary.unconverted, types, names, record.import_error_rule());
     if (summary.lines_left_unread > 0) {
       result.err += "zvtextparser: the table ends before line " + std::to_string(summary.first_line_unread) + "; " +
                     std::to_string(summary.lines_left_unread) + " lines from line " +
@@ -212,6 +250,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   }
   flush_records();
   if (csv && csv->lone_missing_written()) result.err += lone_missing_advice();
+  result.err += unconverted;
   if (format == read_format::count) {
     out << "{\"records\": " << counter.records() << ", \"fields\": " << counter.fields() << "}\n";
   }

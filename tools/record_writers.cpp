@@ -17,6 +17,8 @@ namespace {
 using textio::import::output_value;
 using textio::import::value_kind;
 
+void append_csv_text(std::string& out, std::string_view text);
+
 // An integer, logical, datetime or duration value as both outputs write it;
 // JSON quotes the datetime and duration texts.
 template <class Integer>
@@ -48,8 +50,35 @@ void append_number(std::string& out, const output_value& v) {
   out += v.bytes;
 }
 
-void append_json(std::string& out, const output_value& v) {
+// A number's own text when it is a JSON number of its value; false when it
+// is not.
+bool append_json_number_as_written(std::string& out, const output_value& v) {
+  if (!v.json_number) return false;
+  if (v.utf16) {
+    for (const char16_t u : v.units) out += static_cast<char>(u);  // (ASCII)
+  } else {
+    out += v.written;
+  }
+  return true;
+}
+
+// A typed value's own text as CSV writes text; false when it has none.
+bool append_csv_as_written(std::string& out, const output_value& v) {
+  if (v.utf16 && !v.units.empty()) {
+    append_csv_text(out, foundation::core::unicode::to_utf8(v.units));
+    return true;
+  }
+  if (v.written.empty()) return false;
+  append_csv_text(out, v.written);
+  return true;
+}
+
+void append_json(std::string& out, const output_value& v, value_text values) {
   switch (v.kind) {
+    case value_kind::integer:
+    case value_kind::unsigned_integer:
+      if (values == value_text::canonical || !append_json_number_as_written(out, v)) append_typed(out, v, true);
+      return;
     default:
       append_typed(out, v, true);
       return;
@@ -57,6 +86,7 @@ void append_json(std::string& out, const output_value& v) {
       out += "null";
       return;
     case value_kind::number:
+      if (values == value_text::as_written && append_json_number_as_written(out, v)) return;
       if (std::isfinite(v.number)) {
         append_number(out, v);
       } else {
@@ -75,16 +105,16 @@ void append_json(std::string& out, const output_value& v) {
   }
 }
 
-void append_json_elements(std::string& out, std::span<const output_value> values) {
+void append_json_elements(std::string& out, std::span<const output_value> values, value_text as) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (i > 0) out += ", ";
-    append_json(out, values[i]);
+    append_json(out, values[i], as);
   }
 }
 
-void append_json_array(std::string& out, std::span<const output_value> values) {
+void append_json_array(std::string& out, std::span<const output_value> values, value_text as) {
   out += '[';
-  append_json_elements(out, values);
+  append_json_elements(out, values, as);
   out += ']';
 }
 
@@ -110,15 +140,15 @@ void append_csv_text(std::string& out, std::string_view text) {
   out += '"';
 }
 
-void append_csv(std::string& out, const output_value& v) {
+void append_csv(std::string& out, const output_value& v, value_text values) {
   switch (v.kind) {
     default:
-      append_typed(out, v, false);
+      if (values == value_text::canonical || !append_csv_as_written(out, v)) append_typed(out, v, false);
       return;
     case value_kind::missing:
       return;
     case value_kind::number:
-      append_number(out, v);
+      if (values == value_text::canonical || !append_csv_as_written(out, v)) append_number(out, v);
       return;
     case value_kind::text:
       if (v.utf16) {
@@ -130,15 +160,15 @@ void append_csv(std::string& out, const output_value& v) {
   }
 }
 
-void append_csv_fields(std::string& out, std::span<const output_value> values) {
+void append_csv_fields(std::string& out, std::span<const output_value> values, value_text as) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (i > 0) out += ',';
-    append_csv(out, values[i]);
+    append_csv(out, values[i], as);
   }
 }
 
-void append_csv_row(std::string& out, std::span<const output_value> values) {
-  append_csv_fields(out, values);
+void append_csv_row(std::string& out, std::span<const output_value> values, value_text as) {
+  append_csv_fields(out, values, as);
   out += "\r\n";
 }
 
@@ -184,11 +214,11 @@ std::string number_text(double value) {
 void jsonl_writer::header(const textio::import::table_header& header) {
   std::string& out = out_.text();
   out += "{\"variables\": ";
-  append_json_array(out, header.names);
+  append_json_array(out, header.names, values_);
   out += ", \"units\": ";
-  append_json_array(out, header.units);
+  append_json_array(out, header.units, values_);
   out += ", \"descriptions\": ";
-  append_json_array(out, header.descriptions);
+  append_json_array(out, header.descriptions, values_);
   if (!header.types.empty()) {
     out += ", \"types\": [";
     bool first = true;
@@ -210,7 +240,7 @@ void jsonl_writer::record_part(std::span<const output_value> values) {
   std::string& out = out_.text();
   if (!std::exchange(in_record_, true)) out += '[';
   for (const output_value& v : values) {
-    append_json(out, v);
+    append_json(out, v, values_);
     out += ", ";
   }
   out_.maybe_flush();
@@ -219,10 +249,10 @@ void jsonl_writer::record_part(std::span<const output_value> values) {
 void jsonl_writer::record(std::span<const output_value> values) {
   std::string& out = out_.text();
   if (std::exchange(in_record_, false)) {
-    append_json_elements(out, values);
+    append_json_elements(out, values, values_);
     out += ']';
   } else {
-    append_json_array(out, values);
+    append_json_array(out, values, values_);
   }
   out += '\n';
   out_.maybe_flush();
@@ -233,7 +263,7 @@ void jsonl_writer::padded_record(std::span<const output_value> values, std::size
   std::string& out = out_.text();
   if (!std::exchange(in_record_, false)) out += '[';
   for (std::size_t i = 0; i < values.size(); ++i) {
-    append_json(out, values[i]);
+    append_json(out, values[i], values_);
     out += ", ";
   }
   append_repeated(out_, "null, ", missing - 1);
@@ -243,14 +273,14 @@ void jsonl_writer::padded_record(std::span<const output_value> values, std::size
 
 void csv_writer::header(const textio::import::table_header& header) {
   if (header.names.empty()) return;
-  append_csv_row(out_.text(), header.names);
+  append_csv_row(out_.text(), header.names, values_);
   out_.maybe_flush();
 }
 
 void csv_writer::record(std::span<const output_value> values) { padded_record(values, 0); }
 
 void csv_writer::record_part(std::span<const output_value> values) {
-  append_csv_fields(out_.text(), values);
+  append_csv_fields(out_.text(), values, values_);
   out_.text() += ',';
   in_record_ = true;
   out_.maybe_flush();
@@ -261,7 +291,7 @@ void csv_writer::padded_record(std::span<const output_value> values, std::size_t
       (missing == 1 || values[0].kind == value_kind::missing)) {
     lone_missing_written_ = true;
   }
-  append_csv_fields(out_.text(), values);
+  append_csv_fields(out_.text(), values, values_);
   append_repeated(out_, ",", values.empty() && missing > 0 ? missing - 1 : missing);
   out_.text() += "\r\n";
   out_.maybe_flush();

@@ -51,18 +51,28 @@ class buffered_output {
 // no digits.
 std::string number_text(double value);
 
+// How typed values are written: as read (numbers in JSON only where their
+// text is a JSON number), or in their canonical forms (the shortest number
+// that reads back, ISO 8601 datetimes and durations).
+enum class value_text : std::uint8_t { as_written, canonical };
+
 // What the text writers share: a stream written in large pieces, records
 // that may come in parts, and parts of the output made on other threads
-// (a `Derived` that writes only its buffer) handed on in order. A writer
-// with more to carry from a part than its text has took_part(part).
+// (a `Derived` that writes only its buffer, as its whole writes) handed on
+// in order. A writer with more to carry from a part than its text has
+// took_part(part).
 template <class Derived>
 class text_writer : public textio::import::record_sink {
  public:
-  explicit text_writer(std::ostream& out) : out_(out) {}
+  explicit text_writer(std::ostream& out, value_text values = value_text::as_written) : out_(out), values_(values) {}
   text_writer() = default;  // a part of the output, kept
   bool takes_parts() const override { return true; }
   bool takes_part_sinks() const override { return true; }
-  std::unique_ptr<textio::import::record_sink> part_sink() override { return std::make_unique<Derived>(); }
+  std::unique_ptr<textio::import::record_sink> part_sink() override {
+    auto part = std::make_unique<Derived>();
+    part->values_ = values_;
+    return part;
+  }
   void take_part(textio::import::record_sink& part) override {
     auto& written = static_cast<Derived&>(part);
     static_cast<Derived&>(*this).took_part(written);
@@ -75,11 +85,15 @@ class text_writer : public textio::import::record_sink {
   void took_part(Derived&) {}
 
   buffered_output out_;
+  value_text values_ = value_text::as_written;
   bool in_record_ = false;  // parts of a record written
 };
 
 // A first line {"variables": [...], "units": [...], "descriptions": [...]},
-// then one JSON array per record: strings, numbers, null for missing.
+// then one JSON array per record: strings, numbers, null for missing. As
+// written, a number whose text is a JSON number keeps that text (4000.00);
+// others (+1, 1,5, NaN) are written canonically, datetimes and durations as
+// ISO 8601 strings.
 class jsonl_writer : public text_writer<jsonl_writer> {
  public:
   using text_writer::text_writer;
@@ -89,7 +103,8 @@ class jsonl_writer : public text_writer<jsonl_writer> {
   void record_part(std::span<const textio::import::output_value> values) override;
 };
 
-// RFC 4180: a header row when there are names, CRLF after every row, a field
+// RFC 4180: a header row when there are names, CRLF after every row, each
+// value as written unless canonical (a missing value empty), a field
 // quoted when it holds a comma, a quote, CR or LF, starts or ends with
 // whitespace or U+FEFF (which would read back as a byte-order mark), or is
 // empty text (an unquoted empty field is missing).

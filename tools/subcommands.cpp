@@ -23,11 +23,13 @@ constexpr std::array read_options{
     struct_option,
     tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
+    tool_option{"--canonical", "", "write typed values in canonical form (1.5, 2018-01-28) instead of as read"},
     tool_option{"--types", "JSON",
                 "types by position [\"double\", \"auto\"] or by name {\"when\": \"datetime\"}; auto: detect"},
     tool_option{"--max-memory", "SIZE", "fail with a reading error beyond SIZE (K, M, G; default: half the RAM)"},
     tool_option{"--strict", "",
-                "exit 4 when lines were left after the table's end, 5 when FILE changed while it was read"},
+                "exit 4 when lines were left after the table's end or a value does not convert to its variable's "
+                "type, 5 when FILE changed while it was read (a warning is printed in any case)"},
     tool_option{"--no-detect", "", "read with the options as they stand; detect nothing"},
     encoding_option,
     quote_option,
@@ -82,6 +84,13 @@ quietly with status 141. Unless --no-detect is given, what the options
 leave open is first detected as the detect subcommand does. Standard error
 also says when a detected quote never closed (it is then read as text) and
 how many lines were left after the table's end.
+
+Typed values are written as read: in csv each field's text, in jsonl a
+number's text when it is a JSON number (else its shortest form) and ISO 8601
+datetimes; --canonical writes the canonical forms in both. A value that does
+not convert to a detected type is kept as text; to a --types type
+ImportErrorRule applies. A note on standard error counts such values per
+variable, and --strict makes them a reading error (status 4).
 )";
 
 constexpr std::string_view detect_details =

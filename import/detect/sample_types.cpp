@@ -23,6 +23,7 @@ std::vector<variable_typing> variable_typings(const detection_report& report) {
     out[i].type = type_from_name(report.variable_types[i]).value_or(value_type::string);
     out[i].dates = report.month_first[i] ? date_order::month_first : date_order::day_first;
     out[i].missing_markers = report.missing_markers[i];
+    out[i].unconverted = unconverted_value::text;  // (a guess)
   }
   return out;
 }

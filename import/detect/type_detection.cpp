@@ -23,9 +23,17 @@ bool converts(std::string_view s, value_type type, const conversion_settings& se
   return convert_value(s, type, settings, v, canonical);
 }
 
+// Whether a number's text starts with a zero before another digit (007,
+// -01, 08123): a code or an identifier, whose zeros a number would drop.
+bool has_leading_zero(std::string_view s) {
+  if (!s.empty() && (s.front() == '-' || s.front() == '+')) s.remove_prefix(1);
+  return s.size() > 1 && s[0] == '0' && s[1] >= '0' && s[1] <= '9';
+}
+
 // The type of one variable's values (none missing).
 detected_type type_of(const std::vector<std::string_view>& values, const type_detection_settings& settings) {
   detected_type result;
+  result.typing.unconverted = unconverted_value::text;  // a guess from a sample
   if (values.empty()) return result;
   conversion_settings conv;
   conv.numbers = settings.numbers;
@@ -49,7 +57,7 @@ detected_type type_of(const std::vector<std::string_view>& values, const type_de
           ok = day_first || month_first;
         }
       } else {
-        ok = converts(v, type, conv);
+        ok = converts(v, type, conv) && !(type == value_type::double_ && has_leading_zero(v));
       }
       if (ok) {
         ++converted;

@@ -1,6 +1,10 @@
 // The type of each variable from a sample of its values: the narrowest of
 // logical, double, datetime and duration that every value converts to, else
-// string. Empty values and the given placeholders are missing; when asked,
+// string. A number with a zero before another digit at its start (007,
+// -01) makes its variable no number: such values are codes, kept as text.
+// A value after the sample that does not convert to the guessed type is
+// kept as its text (variable_typing::unconverted).
+// Empty values and the given placeholders are missing; when asked,
 // the usual missing markers (NA, N/A, NaN, null, -, .) are missing too where
 // a variable is otherwise of one type, and reported.
 #pragma once

@@ -66,7 +66,8 @@ struct part_result {
   bool done = false;
   bool failed = false;  // abandoned, or a reading error
   std::unique_ptr<record_sink> sink;
-  std::optional<part_state> stopped_at;  // none: it read to the end
+  std::optional<part_state> stopped_at;         // none: it read to the end
+  std::vector<unconverted_values> unconverted;  // lines numbered from the base line
 };
 
 class part_readers {
@@ -210,7 +211,7 @@ class part_readers {
       const progress_callback no_progress;
       const stray_quote_callback no_stray_quote;
       table_reader<char> reader(given_, input, *r.sink, no_progress, format_, no_stray_quote, types_, &plan);
-      reader.run();
+      r.unconverted = reader.run().unconverted;
       r.stopped_at = reader.stopped_at();
     } catch (...) {
       r.failed = true;
@@ -270,13 +271,15 @@ read_summary read_in_parts(const textio::parser::options& given, utf8_input& inp
     plan.start = expected;
     plan.stop = stop;
     table_reader<char> reader(given, rest, sink, progress, format, stray_quote, types, &plan);
-    reader.run();
+    read_summary read = reader.run();
     if (reader.stopped_at() && !reader.reads_in_parts()) {
       readers.stop_workers();
       reader.stop_at(std::numeric_limits<std::uint64_t>::max());
-      reader.run();
+      read = reader.run();  // (its tallies hold those of the first run)
+      add_unconverted(summary.unconverted, read.unconverted, 0);
       return false;
     }
+    add_unconverted(summary.unconverted, read.unconverted, 0);
     if (!reader.stopped_at()) return false;
     expected = *reader.stopped_at();
     return true;
@@ -298,6 +301,7 @@ read_summary read_in_parts(const textio::parser::options& given, utf8_input& inp
       if (r->stopped_at && r->stopped_at->offset == r->begin) continue;  // an empty part
       sink.take_part(*r->sink);
       ++summary.parts_on_threads;
+      add_unconverted(summary.unconverted, r->unconverted, expected.line - readers.base_line());
       readers.reuse(std::move(r->sink));
       if (progress) progress(r->end, input.size());
       if (!r->stopped_at) return summary;

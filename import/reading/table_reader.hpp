@@ -133,6 +133,7 @@ class table_reader {
     } catch (const std::bad_alloc&) {
       throw_msg_id_exception(ZORVEK::textio::reader::OutOfMemory(line_, memory_user()));
     }
+    summary_.unconverted = values_.unconverted();
     return summary_;
   }
 
@@ -231,7 +232,6 @@ class table_reader {
     } else {
       if (!variables_ || rec.fields > value_stage<CharT>::record_part_size) return false;
       if (!plain_text_values(w, rec, data_rules_, plain_scratch_, plain_values_)) return false;
-      values_.convert_in_place(plain_values_);
     }
     line_ = rec.line;
     send_header();  // before the variables grow, as data_record sends it
@@ -240,7 +240,10 @@ class table_reader {
       if (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
       fields = *variables_;  // Ignore
     }
-    sink_.padded_record(std::span<const output_value>(plain_values_).first(fields), *variables_ - fields);
+    // (The fields that Ignore drops are not values: nothing converts them.)
+    const std::span<output_value> values = std::span<output_value>(plain_values_).first(fields);
+    values_.convert_in_place(values, rec.line);
+    sink_.padded_record(values, *variables_ - fields);
     return true;
   }
 
@@ -288,14 +291,14 @@ class table_reader {
         (opts_.parser_type() == ParserType::FixedWidth && opts_.partial_field_rule() == PartialFieldRule::OmitVar);
     // Counting needs no values when no rule looks at them.
     counting_ = sink_.counts_only() && !buffering_ && opts_.missing_rule() == BadDataRule::Fill &&
-                (!converts || opts_.import_error_rule() == BadDataRule::Fill) &&
+                (!converts || opts_.import_error_rule() == BadDataRule::Fill) && !values_.strict() &&
                 (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars ||
                  opts_.extra_columns_rule() == ExtraColumnsRule::Ignore) &&
                 opts_.parser_type() != ParserType::FixedWidth;
     // A long record goes to the sink in parts (see emit).
     parts_ = sink_.takes_parts() && !buffering_;
-    rules_may_drop_ =
-        opts_.missing_rule() != BadDataRule::Fill || (converts && opts_.import_error_rule() != BadDataRule::Fill);
+    rules_may_drop_ = opts_.missing_rule() != BadDataRule::Fill ||
+                      (converts && opts_.import_error_rule() != BadDataRule::Fill) || values_.strict();
 
     // Without a given count, a fixed-width record has a variable per width.
     const std::vector<std::uint64_t>& widths = rules_.widths;
@@ -532,7 +535,7 @@ class table_reader {
   bool buffering_ = false;
   bool counting_ = false;
   bool parts_ = false;                            // values handed on in parts of record_part_size
-  bool rules_may_drop_ = false;                   // a missing or import-error rule may drop or fail a record
+  bool rules_may_drop_ = false;                   // a rule or strict typing may drop or fail a record
   std::optional<structural_scanner> structural_;  // plain delimited UTF-8 records
   std::uint64_t first_structural_line_ = 0;       // after header and meta lines
   // Records of text values go from the structural scan to the sink (plain_record).

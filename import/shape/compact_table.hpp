@@ -27,24 +27,24 @@ class compact_table {
     put_count(values.size());
     put_count(missing_after);
     for (const output_value& v : values) {
-      row_.push_back(static_cast<char>(v.kind));
+      row_.push_back(static_cast<char>(static_cast<unsigned>(v.kind) | (v.json_number ? json_number_bit : 0U)));
       if (v.kind == value_kind::number) {
         char bytes[sizeof(double)];
         std::memcpy(bytes, &v.number, sizeof bytes);
         row_.append(bytes, sizeof bytes);
+        put_units(written_of(v));
       } else if (v.kind == value_kind::text) {
-        const std::basic_string_view<CharT> t = text_of(v);
-        put_count(t.size());
-        pad_row();
-        row_.append(reinterpret_cast<const char*>(t.data()), t.size() * sizeof(CharT));
+        put_units(text_of(v));
       } else if (v.kind != value_kind::missing) {
-        // A typed value: its number, its integer and its canonical text.
+        // A typed value: its number, its integer, its canonical text and the
+        // text it was read from.
         char bytes[sizeof(double) + sizeof(std::int64_t)];
         std::memcpy(bytes, &v.number, sizeof(double));
         std::memcpy(bytes + sizeof(double), &v.integer, sizeof(std::int64_t));
         row_.append(bytes, sizeof bytes);
         put_count(v.bytes.size());
         row_.append(v.bytes.data(), v.bytes.size());
+        put_units(written_of(v));
       }
     }
     pad_row();
@@ -71,15 +71,15 @@ class compact_table {
         const std::size_t missing_after = get_count(p);
         values.assign(count, output_value{});
         for (output_value& v : values) {
-          v.kind = static_cast<value_kind>(*p++);
+          const auto kind = static_cast<unsigned char>(*p++);
+          v.kind = static_cast<value_kind>(kind & ~json_number_bit);
+          v.json_number = (kind & json_number_bit) != 0;
           if (v.kind == value_kind::number) {
             std::memcpy(&v.number, p, sizeof(double));
             p += sizeof(double);
+            set_written(v, get_units(p, base));
           } else if (v.kind == value_kind::text) {
-            const std::size_t length = get_count(p);
-            skip_padding(p, base);
-            set_text(v, std::basic_string_view<CharT>(reinterpret_cast<const CharT*>(p), length));
-            p += length * sizeof(CharT);
+            set_text(v, get_units(p, base));
           } else if (v.kind != value_kind::missing) {
             std::memcpy(&v.number, p, sizeof(double));
             std::memcpy(&v.integer, p + sizeof(double), sizeof(std::int64_t));
@@ -87,6 +87,7 @@ class compact_table {
             const std::size_t length = get_count(p);
             v.bytes = std::string_view(p, length);
             p += length;
+            set_written(v, get_units(p, base));
           }
         }
         skip_padding(p, base);
@@ -104,6 +105,7 @@ class compact_table {
 
  private:
   static constexpr std::size_t chunk_size = std::size_t{16} << 20;
+  static constexpr unsigned json_number_bit = 0x80;  // in the kind byte
 
   struct chunk {
     std::unique_ptr<char[]> data;
@@ -125,6 +127,35 @@ class compact_table {
       v.utf16 = true;
       v.units = t;
     }
+  }
+  static std::basic_string_view<CharT> written_of(const output_value& v) {
+    if constexpr (sizeof(CharT) == 1) {
+      return v.written;
+    } else {
+      return v.units;
+    }
+  }
+  static void set_written(output_value& v, std::basic_string_view<CharT> t) {
+    if constexpr (sizeof(CharT) == 1) {
+      v.written = t;
+    } else if (!t.empty()) {
+      v.utf16 = true;
+      v.units = t;
+    }
+  }
+
+  // A length, then units aligned for their size.
+  void put_units(std::basic_string_view<CharT> t) {
+    put_count(t.size());
+    pad_row();
+    row_.append(reinterpret_cast<const char*>(t.data()), t.size() * sizeof(CharT));
+  }
+  static std::basic_string_view<CharT> get_units(const char*& p, const char* base) {
+    const std::size_t length = get_count(p);
+    skip_padding(p, base);
+    const std::basic_string_view<CharT> t(reinterpret_cast<const CharT*>(p), length);
+    p += length * sizeof(CharT);
+    return t;
   }
 
   // Units wider than a byte start at a multiple of their size from the

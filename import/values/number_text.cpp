@@ -87,4 +87,38 @@ bool is_shortest_number_text(std::string_view text) {
   return number.size() <= exponent_form_length(significant);
 }
 
+namespace {
+
+template <class CharT>
+bool json_number_syntax(std::basic_string_view<CharT> text) {
+  std::size_t i = 0;
+  const auto at = [&](char c) { return i < text.size() && text[i] == static_cast<CharT>(c); };
+  const auto digits = [&] {
+    const std::size_t from = i;
+    while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
+    return i > from;
+  };
+  if (at('-')) ++i;
+  if (at('0')) {
+    ++i;
+  } else if (!digits()) {
+    return false;
+  }
+  if (at('.')) {
+    ++i;
+    if (!digits()) return false;
+  }
+  if (at('e') || at('E')) {
+    ++i;
+    if (at('+') || at('-')) ++i;
+    if (!digits()) return false;
+  }
+  return i == text.size();
+}
+
+}  // namespace
+
+bool is_json_number_text(std::string_view text) { return json_number_syntax(text); }
+bool is_json_number_text(std::u16string_view text) { return json_number_syntax(text); }
+
 }  // namespace textio::import

@@ -19,4 +19,9 @@ void append_number_text(std::string& out, double value);
 // or sign, no longer than its exponent form. False wherever that is not sure.
 bool is_shortest_number_text(std::string_view text);
 
+// Whether `text` is a number as JSON writes one (RFC 8259):
+// -?(0|[1-9][0-9]*)(\.[0-9]+)?([eE][+-]?[0-9]+)?
+bool is_json_number_text(std::string_view text);
+bool is_json_number_text(std::u16string_view text);
+
 }  // namespace textio::import

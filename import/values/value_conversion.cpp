@@ -86,38 +86,20 @@ bool integer_value(std::string_view s, value_type type, const number_format& for
   return true;
 }
 
-}  // namespace
-
-std::optional<bool> parse_logical(std::string_view s) {
-  const auto is = [&](std::string_view word) {
-    if (s.size() != word.size()) return false;
-    for (std::size_t i = 0; i < s.size(); ++i) {
-      const char c = s[i] >= 'A' && s[i] <= 'Z' ? static_cast<char>(s[i] + 32) : s[i];
-      if (c != word[i]) return false;
-    }
-    return true;
-  };
-  if (is("true")) return true;
-  if (is("false")) return false;
-  return std::nullopt;
-}
-
+// Keeps the text a value was read from (a view: nothing is copied).
 template <class CharT>
-bool number_value(std::basic_string_view<CharT> text, const number_format& format, output_value& out) {
-  double number = 0;
-  if (!to_number(text, format, number)) return false;
-  out.kind = value_kind::number;
-  out.number = number;
-  out.bytes = {};
+void keep_written(std::basic_string_view<CharT> text, output_value& out) {
   if constexpr (sizeof(CharT) == 1) {
-    if (reads_plain_decimals(format) && is_shortest_number_text(text)) out.bytes = text;
+    out.written = text;
+  } else {
+    out.utf16 = true;
+    out.units = text;
   }
-  return true;
 }
 
 template <class CharT>
-bool convert_value(std::basic_string_view<CharT> text, value_type type, const conversion_settings& settings,
-                   output_value& out, std::string& canonical) {
+bool typed_value(std::basic_string_view<CharT> text, value_type type, const conversion_settings& settings,
+                 output_value& out, std::string& canonical) {
   if (type == value_type::double_) return number_value(text, settings.numbers, out);
   if (type == value_type::single) {
     double number = 0;
@@ -153,6 +135,50 @@ bool convert_value(std::basic_string_view<CharT> text, value_type type, const co
     canonical = d->text();
   }
   out.bytes = canonical;
+  return true;
+}
+
+}  // namespace
+
+std::optional<bool> parse_logical(std::string_view s) {
+  const auto is = [&](std::string_view word) {
+    if (s.size() != word.size()) return false;
+    for (std::size_t i = 0; i < s.size(); ++i) {
+      const char c = s[i] >= 'A' && s[i] <= 'Z' ? static_cast<char>(s[i] + 32) : s[i];
+      if (c != word[i]) return false;
+    }
+    return true;
+  };
+  if (is("true")) return true;
+  if (is("false")) return false;
+  return std::nullopt;
+}
+
+template <class CharT>
+bool number_value(std::basic_string_view<CharT> text, const number_format& format, output_value& out) {
+  double number = 0;
+  if (!to_number(text, format, number)) return false;
+  out.kind = value_kind::number;
+  out.number = number;
+  out.bytes = {};
+  if constexpr (sizeof(CharT) == 1) {
+    if (reads_plain_decimals(format) && is_shortest_number_text(text)) out.bytes = text;
+  }
+  keep_written(text, out);
+  // Read with '.' before the fraction and no separators, JSON reads the same
+  // number from the text.
+  out.json_number = reads_plain_decimals(format) && is_json_number_text(text);
+  return true;
+}
+
+template <class CharT>
+bool convert_value(std::basic_string_view<CharT> text, value_type type, const conversion_settings& settings,
+                   output_value& out, std::string& canonical) {
+  if (!typed_value(text, type, settings, out, canonical)) return false;
+  keep_written(text, out);
+  if (is_integer_type(type) || type == value_type::single) {
+    out.json_number = reads_plain_decimals(settings.numbers) && is_json_number_text(text);
+  }
   return true;
 }
 

@@ -61,7 +61,10 @@ value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_
     conversions_[i].numbers = format_;
     conversions_[i].dates = typing_[i].dates;
     for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
+    strict_ = strict_ ||
+              (typing_[i].type != value_type::string && typing_[i].unconverted == unconverted_value::reading_error);
   }
+  if (!typing_.empty()) unconverted_.resize(typing_.size());
 }
 
 template <class CharT>
@@ -95,6 +98,12 @@ bool value_stage<CharT>::is_typed_marker(std::size_t i, view text) const {
   return false;
 }
 
+template <class CharT>
+void value_stage<CharT>::count_unconverted(std::size_t i, std::uint64_t line) {
+  unconverted_values& u = unconverted_[i];
+  if (u.count++ == 0) u.first_line = line;
+}
+
 // Applies a missing or import-error rule to field i: Fill keeps the field as
 // it is, OmitVar marks its variable, Error fails at where(); false for
 // OmitRow.
@@ -118,14 +127,17 @@ bool value_stage<CharT>::keep_row_under(BadDataRule rule, std::size_t i, Where w
 }
 
 template <class CharT>
-void value_stage<CharT>::convert_in_place(std::span<output_value> values) {
+void value_stage<CharT>::convert_in_place(std::span<output_value> values, std::uint64_t line) {
   if (!converts_) return;
   if constexpr (sizeof(CharT) == 1) {  // (plain_text_values gives UTF-8 values only)
     for (std::size_t i = 0; i < values.size(); ++i) {
       output_value& v = values[i];
-      // (The values of the record before, converted here, left numbers.)
+      // (The values of the record before, converted here, left numbers and
+      // their texts.)
       v.number = 0;
       v.integer = 0;
+      v.written = {};
+      v.json_number = false;
       if (v.kind != value_kind::text) continue;  // missing stays missing
       const std::string_view text = v.bytes;
       if (matrix_) {
@@ -135,10 +147,18 @@ void value_stage<CharT>::convert_in_place(std::span<output_value> values) {
           v.number = std::numeric_limits<double>::quiet_NaN();
         }
       } else if (i < typing_.size() && typing_[i].type != value_type::string) {
-        // Built in place; what does not convert (a missing marker too) stays
-        // missing, as the Fill rules want.
+        // Built in place; what does not convert stays missing, as the Fill
+        // rules want, or text where the type was a guess (a missing marker
+        // is missing).
         v = output_value{};
-        (void)convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i]);
+        if (convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i]) || is_typed_marker(i, text)) {
+          continue;
+        }
+        count_unconverted(i, line);
+        if (typing_[i].unconverted == unconverted_value::text) {
+          v.kind = value_kind::text;
+          v.bytes = text;
+        }
       }
     }
   }
@@ -171,8 +191,25 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
         v = output_value{};
         if (is_typed_marker(i, text)) {
           if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
-        } else if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) {
-          return false;
+        } else if (typing_[i].unconverted == unconverted_value::reading_error) {
+          const source_position p = where();
+          throw_msg_id_exception(reader_error::NotConverted(p.line, p.column, std::string(type_name(typing_[i].type))));
+        } else if (typing_[i].unconverted == unconverted_value::text) {
+          // Kept as its text: a later value that the guessed type does not fit.
+          if (how != use::check) count_unconverted(i, where().line);
+          v.kind = value_kind::text;
+          if constexpr (sizeof(CharT) == 1) {
+            v.bytes = text;
+          } else {
+            v.utf16 = true;
+            v.units = text;
+          }
+        } else {
+          // (A first pass that only checks counts a value only where it
+          // drops the record; the pass that keeps it counts it.)
+          const bool keep = keep_row_under<reader_error::ImportError>(import_error_rule_, i, where);
+          if (how != use::check || !keep) count_unconverted(i, where().line);
+          if (!keep) return false;
         }
       }
     } else if (how != use::check) {

@@ -14,6 +14,7 @@
 #include "import/values/number_conversion.hpp"
 #include "import/shape/omitted_variables.hpp"
 #include "import/output.hpp"
+#include "import/read_events.hpp"
 #include "import/shape/record_cells.hpp"
 #include "import/scan/record_scanner.hpp"
 #include "import/values/value_conversion.hpp"
@@ -45,12 +46,15 @@ class value_stage {
   // or one that does not convert stays in its record.
   bool converts_in_place() const noexcept {
     return placeholders_.empty() && missing_rule_ == textio::enums::BadDataRule::Fill &&
-           (!converts_ || import_error_rule_ == textio::enums::BadDataRule::Fill);
+           (!converts_ || import_error_rule_ == textio::enums::BadDataRule::Fill) && !strict_;
   }
-  // Converts such values to their variables' types as make would: under
-  // Matrix a number (NaN where the text is none); under Table with types the
-  // value of its type, or missing where it does not convert; else the text.
-  void convert_in_place(std::span<output_value> values);
+  // Whether a value that does not convert may fail the reading.
+  bool strict() const noexcept { return strict_; }
+  // Converts such values, of a record at `line`, to their variables' types
+  // as make would: under Matrix a number (NaN where the text is none); under
+  // Table with types the value of its type or, where it does not convert,
+  // its text (a guessed type) or missing; else the text.
+  void convert_in_place(std::span<output_value> values, std::uint64_t line);
   // The type of each variable by position (Table only).
   std::span<const variable_typing> typing() const noexcept { return typing_; }
 
@@ -60,10 +64,13 @@ class value_stage {
   bool make(const record_cells<CharT>& record, view window, std::size_t padding, use how, record_sink& sink);
 
   const std::vector<output_value>& values() const noexcept { return values_; }
+  // By variable: the values so far that did not convert to its type.
+  const std::vector<unconverted_values>& unconverted() const noexcept { return unconverted_; }
 
  private:
   bool is_missing(const record_cells<CharT>& record, const raw_field& c, view t) const;
   bool is_typed_marker(std::size_t i, view text) const;
+  void count_unconverted(std::size_t i, std::uint64_t line);
   template <class ErrorTag, class Where>
   bool keep_row_under(textio::enums::BadDataRule rule, std::size_t i, Where where);
 
@@ -79,7 +86,9 @@ class value_stage {
   std::vector<std::string> canonical_;  // per variable: the text of its datetime or duration value
   std::vector<std::pair<std::size_t, string>> typed_markers_;
   bool converts_ = false;
+  bool strict_ = false;  // a variable whose values must convert
   std::vector<output_value> values_;
+  std::vector<unconverted_values> unconverted_;
 };
 
 }  // namespace textio::import

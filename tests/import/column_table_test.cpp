@@ -8,6 +8,7 @@
 #include "import/table/column_table.hpp"
 #include "import/read_helpers.hpp"
 #include "import/table/text_offsets.hpp"
+#include "import/text_reader.hpp"
 
 namespace {
 
@@ -92,6 +93,29 @@ TEST(ColumnTable, ReadsAFileIntoNumberColumns) {
   ASSERT_EQ(table.columns[1].kind, column_kind::number);
   EXPECT_EQ(table.columns[1].missing, (std::vector<std::uint8_t>{0, 1, 0}));
   EXPECT_TRUE(std::isnan(table.columns[1].numbers[2]));
+}
+
+// A variable whose guessed type a later value does not fit turns to text,
+// that value as read and the numbers before it in their shortest form.
+TEST(ColumnTable, GuessedNumbersTurnToTextForAValueThatDoesNotConvert) {
+  textio::parser::options opts;
+  opts.num_header_lines(1);
+  opts.variable_names_line(1);
+  opts.output_type(textio::enums::OutputBuilderType::Table);
+  std::vector<textio::import::variable_typing> types(2);
+  for (auto& t : types) {
+    t.type = textio::import::value_type::double_;
+    t.unconverted = textio::import::unconverted_value::text;
+  }
+  textio::import::utf8_input input(import_test::write_file("x,y\n1.50,1\n2,2\nn/a 3,3\n"));
+  textio::import::column_table_sink sink;
+  const auto summary = textio::import::read_typed_table(opts, input, sink, {}, types);
+  const auto table = sink.take();
+  ASSERT_EQ(table.columns.size(), 2u);
+  EXPECT_EQ(table.columns[0].kind, column_kind::text);
+  EXPECT_EQ(table.columns[0].text, "1.52n/a 3");
+  EXPECT_EQ(table.columns[1].kind, column_kind::number);
+  EXPECT_EQ(summary.unconverted, (std::vector<textio::import::unconverted_values>{{1, 4}, {0, 0}}));
 }
 
 // Offsets turn 64-bit at the first one past the narrow limit (10 here, 4 GiB

@@ -113,6 +113,56 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
   EXPECT_GT(read_with(import_test::write_file(crlf), c, 2, 100, false).parts, 20U);
 }
 
+// Typed values written as read (or canonically) in CSV: every part keeps
+// the text of its fields, and the values that do not convert (to a guessed
+// type: kept as text) are counted from their first line as one thread does.
+TEST(ParallelReading, WritesTypedValuesAsOneThreadDoes) {
+  std::string text = "i,zero,half,when\n";
+  for (int i = 0; i < 400; ++i) {
+    text += std::to_string(i) + ",0" + std::to_string(i) + "," + (i % 97 == 50 ? "x" : std::to_string(i) + ".50") +
+            "," + std::to_string(1 + i % 28) + "/01/2018" + (i % 5 == 0 ? " 00:15\n" : "\n");
+  }
+  const std::string path = import_test::write_file(text);
+  textio::parser::options opts;
+  const std::vector<std::string> options = {"NumHeaderLines",    "1",    "VariableNamesLine", "1",
+                                            "OutputBuilderType", "table"};
+  ASSERT_FALSE(zvtool::apply_option_arguments(std::nullopt, options, opts));
+  using textio::import::value_type;
+  std::vector<textio::import::variable_typing> types(4);
+  for (std::size_t i = 0; i < 3; ++i) types[i].type = value_type::double_;
+  types[3].type = value_type::datetime;
+  types[2].unconverted = textio::import::unconverted_value::text;
+  const auto written = [&](unsigned threads, std::uint64_t part, zvtool::value_text as) {
+    textio::import::text_format format;
+    format.threads = threads;
+    format.part_bytes = part;
+    std::ostringstream out;
+    zvtool::csv_writer csv(out, as);
+    textio::import::utf8_input input(path);
+    const auto summary = textio::import::read_typed_table(opts, input, csv, format, types);
+    csv.flush();
+    std::string tallies;
+    for (const auto& u : summary.unconverted)
+      tallies += std::to_string(u.count) + "@" + std::to_string(u.first_line) + " ";
+    return std::make_pair(tallies + out.str(), summary.parts_on_threads);
+  };
+  for (const auto as : {zvtool::value_text::as_written, zvtool::value_text::canonical}) {
+    const std::string alone = written(1, 1000, as).first;
+    EXPECT_TRUE(alone.starts_with("0@0 0@0 4@52 0@0 ")) << alone.substr(0, 40);
+    EXPECT_NE(alone.find("147,x,"), std::string::npos);
+    const char* row7 =
+        as == zvtool::value_text::as_written ? "\r\n7,07,7.50,8/01/2018\r\n" : "\r\n7,7,7.5,2018-01-08\r\n";
+    EXPECT_NE(alone.find(row7), std::string::npos) << alone.substr(0, 200);
+    for (const unsigned threads : {2U, 3U}) {
+      for (const std::uint64_t part : {37, 300}) {
+        const auto [got, parts] = written(threads, part, as);
+        EXPECT_EQ(got, alone) << threads << " threads, parts of " << part;
+        EXPECT_GT(parts, 2U);
+      }
+    }
+  }
+}
+
 // Standard input redirected from a file may stand past the file's start:
 // its offsets are not the file's, so it is read on one thread.
 TEST(ParallelReading, ReadsAnInputThatStartsPartWayOnOneThread) {

@@ -266,6 +266,128 @@ TEST(ReadProcess, RefusesWhatIsNotTextAndSaysWhenInputIsEmpty) {
   }
 }
 
+// What read writes for typed values, detected from standard input or given
+// with --types: by default each value's text as read (CSV) or, for a
+// number whose text is a JSON number, in JSON; --canonical writes the
+// shortest numbers and ISO 8601 datetimes.
+TEST(ReadProcess, TypedValuesAreWrittenAsRead) {
+  const std::string zips = "zip,city\n08123,Camden\n02134,Boston\n";
+  const std::string dates = "when,amount\n28/01/2018,4000.00\n01/01/2006 00:15,+1\n";
+  const std::string commas = "a;b\n1,5;x\n2,25;y\n";
+  const std::string held = "d,n,x\n28/01/2018,007,\n01/02/2018,+1,\n";
+  const std::string types = R"(["datetime", "int32"])";
+  const std::vector<std::string> typed = {"--no-detect", "NumHeaderLines",    "1",    "VariableNamesLine",
+                                          "1",           "OutputBuilderType", "table"};
+  const auto with = [](std::vector<std::string> args, const std::vector<std::string>& more) {
+    args.insert(args.end(), more.begin(), more.end());
+    return args;
+  };
+  const struct {
+    const char* name;
+    std::string input;
+    std::vector<std::string> args;
+    std::string out;  // the records, after the header line in JSON lines
+  } cases[] = {
+      {"leading zeros", zips, {"--format", "csv"}, "zip,city\r\n08123,Camden\r\n02134,Boston\r\n"},
+      {"leading zeros detected as text", zips, {}, "[\"08123\", \"Camden\"]\n[\"02134\", \"Boston\"]\n"},
+      {"negative leading zero detected as text", "n,m\n5,0.5\n-01,-0\n", {}, "[\"5\", 0.5]\n[\"-01\", -0]\n"},
+      {"leading zeros typed double", zips, with(typed, {"--types", R"(["double"])", "--format", "csv"}),
+       "zip,city\r\n08123,Camden\r\n02134,Boston\r\n"},
+      {"leading zeros typed int32 in json", zips, with(typed, {"--types", R"(["int32"])"}),
+       "[8123, \"Camden\"]\n[2134, \"Boston\"]\n"},
+      {"dates and decimals",
+       dates,
+       {"--format", "csv"},
+       "when,amount\r\n28/01/2018,4000.00\r\n01/01/2006 00:15,+1\r\n"},
+      {"dates and decimals canonical",
+       dates,
+       {"--format", "csv", "--canonical"},
+       "when,amount\r\n2018-01-28,4000\r\n2006-01-01T00:15:00,1\r\n"},
+      {"json numbers", dates, {}, "[\"2018-01-28\", 4000.00]\n[\"2006-01-01T00:15:00\", 1]\n"},
+      {"json numbers canonical", dates, {"--canonical"}, "[\"2018-01-28\", 4000]\n[\"2006-01-01T00:15:00\", 1]\n"},
+      {"decimal comma quoted",
+       commas,
+       {"DecimalSeparator", ",", "--format", "csv"},
+       "a,b\r\n\"1,5\",x\r\n\"2,25\",y\r\n"},
+      // Held for OmitVar (x is all missing), and read in UTF-16 units (which
+      // a non-ASCII whitespace asks for).
+      {"held rows", held, with(typed, {"--types", types, "MissingRule", "omitvar", "--format", "csv"}),
+       "d,n\r\n28/01/2018,007\r\n01/02/2018,+1\r\n"},
+      {"utf-16 units", held, with(typed, {"--types", types, "Whitespace", "\u3000", "--format", "csv"}),
+       "d,n,x\r\n28/01/2018,007,\r\n01/02/2018,+1,\r\n"},
+      {"utf-16 units held", held,
+       with(typed, {"--types", types, "Whitespace", "\u3000", "MissingRule", "omitvar", "--format", "csv"}),
+       "d,n\r\n28/01/2018,007\r\n01/02/2018,+1\r\n"},
+      {"utf-16 units in json", "n\n4000.00\n+1\n", with(typed, {"--types", R"(["double"])", "Whitespace", "\u3000"}),
+       "[4000.00]\n[1]\n"},
+      {"unquoted and trimmed", "n\n\"7.50\"\n  8.0  \n", with(typed, {"--types", R"(["double"])", "--format", "csv"}),
+       "n\r\n7.50\r\n8.0\r\n"},
+  };
+  for (const auto& c : cases) {
+    const int fd = ::open(import_test::write_file(c.input).c_str(), O_RDONLY);
+    ASSERT_GE(fd, 0);
+    tool_setup setup;
+    setup.stdin_fd = fd;
+    std::vector<std::string> args = {"read", "-"};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const auto run = run_tool(args, setup);
+    ::close(fd);
+    EXPECT_EQ(run.status, 0) << c.name << ": " << run.err;
+    const bool csv = run.out.find('\r') != std::string::npos;
+    EXPECT_EQ(csv ? run.out : run.out.substr(run.out.find('\n') + 1), c.out) << c.name;
+  }
+}
+
+// A value after the detection sample that its guessed type does not fit is
+// kept as its text; under a type the user gave, ImportErrorRule applies.
+// Either way a note ends standard error; --strict makes it a reading error.
+TEST(ReadProcess, ValuesThatDoNotConvertAreNeverLostSilently) {
+  std::string text = "a,b\n";
+  for (int i = 0; i < 1500; ++i) text += std::to_string(i) + "," + std::to_string(i * 2) + "\n";
+  const std::string path = import_test::write_file(text + "0&&&&&&&&,5\n");
+  const std::string note =
+      "zvtextparser: note: variable \"a\": 1 value did not convert to double (first at line 1502); ";
+  const struct {
+    std::vector<std::string> args;
+    std::string last;     // the last line written
+    std::string err_end;  // how standard error ends
+    int status = 0;
+  } cases[] = {
+      {{"--format", "csv"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{"--format", "csv", "--threads", "2"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{"--format", "csv", "--canonical"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{"--format", "csv", "--exact-scan"}, "0&&&&&&&&,5\r\n", note + "written as text\n"},
+      {{}, "[\"0&&&&&&&&\", 5]\n", note + "written as text\n"},
+      {{"--types", R"(["double"])", "--format", "csv"}, ",5\r\n", note + "ImportErrorRule fill made it missing\n"},
+      {{"--types", R"(["double"])", "ImportErrorRule", "omitrow", "--format", "csv"},
+       "1499,2998\r\n",
+       note + "ImportErrorRule omitrow left out its record\n"},
+      {{"--strict", "--format", "csv"}, "1499,2998\r\n", "line 1502, column 1 does not convert to double.\n", 4},
+      {{"--strict", "--types", R"(["double"])"}, "{\"error\"", "line 1502, column 1 does not convert to double.\n", 4},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> args = {"read", path};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const auto run = run_tool(args);
+    const std::string named = args.back();
+    EXPECT_EQ(run.status, c.status) << named << ": " << run.err;
+    const std::size_t last = run.out.rfind('\n', run.out.size() - 2);
+    EXPECT_TRUE(run.out.substr(last + 1).starts_with(c.last)) << named << ": " << run.out.substr(last + 1);
+    EXPECT_TRUE(run.err.ends_with(c.err_end)) << named << ": " << run.err;
+  }
+  // A record long enough to go out in parts, under a rule that may drop it,
+  // is checked first and then written: its value is counted once.
+  std::string wide = "x";
+  for (int i = 0; i < 5000; ++i) wide += ",1";
+  const auto run = run_tool({"read", import_test::write_file(wide + "\n"), "--no-detect", "OutputBuilderType", "table",
+                             "MissingRule", "omitrow", "--types", R"(["double"])", "--format", "csv"});
+  EXPECT_TRUE(run.out.starts_with(",1,1,")) << run.out.substr(0, 20);
+  EXPECT_TRUE(
+      run.err.ends_with("variable 1: 1 value did not convert to double (first at line 1); ImportErrorRule fill "
+                        "made it missing\n"))
+      << run.err;
+}
+
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool address_sanitizer = true;
 #elif defined(__has_feature)

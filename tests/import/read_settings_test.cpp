@@ -163,8 +163,13 @@ const setting_case setting_cases[] = {
      R"(["1", "2"])"},
     {"wrap_without_variables", "1,2\n3", {"NumVariables", "0", "ExtraColumnsRule", "wrap"}, "[] | []"},
     // Numbers.
-    {"plain_numbers", "1,-2.5,3e2,+4,1D1", numbers({}), R"([1, -2.5, 300, 4, 10])"},
+    // A number whose text is a JSON number is written as read, others in
+    // their shortest form.
+    {"plain_numbers", "1,-2.5,3e2,+4,1D1,.5,4000.00", numbers({}), R"([1, -2.5, 3e2, 4, 10, 0.5, 4000.00])"},
+    {"plain_numbers_canonical", "1,-2.5,3e2,+4,1D1,.5,4000.00", numbers({"--canonical"}),
+     R"([1, -2.5, 300, 4, 10, 0.5, 4000])"},
     {"not_a_number_fills_nan", "1,x,", numbers({}), R"([1, "NaN", null])"},
+    {"nan_after_numbers", "1,2\n3,4\n1.5,x\n", numbers({}), R"([1, 2] | [3, 4] | [1.5, "NaN"])"},
     {"separators", "1.234,5;7,5E-1;1.234",
      numbers({"Delimiter", ";", "DecimalSeparator", ",", "ThousandsSeparator", ".", "ExpChars", "E"}),
      R"([1234.5, 0.75, 1234])"},
@@ -176,6 +181,7 @@ const setting_case setting_cases[] = {
     {"markers_detected", "a,b\n1,NA\n2,x\nnull,y\n", typed({"ImportErrorRule", "error"}),
      R"([1, "NA"] | [2, "x"] | [null, "y"])"},
     {"marker_omitrow", "a\n1\nnull\n", typed({"MissingRule", "omitrow"}), "[1]"},
+    {"marker_fill", "a,b\n1,NA\n2,3\n", typed({}), "[1, null] | [2, 3]"},
     {"typed_import_error_fill", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("fill"),
      "[1, true] | [null, false] | [300, true]"},
     {"typed_import_error_omitrow", "a,b\n1,true\nx,false\n300,TRUE\n", as_int16("omitrow"), "[1, true] | [300, true]"},
@@ -269,8 +275,14 @@ TEST(ReadTypes, CsvReadsBackTheSame) {
   EXPECT_EQ(again.header, first.header);
   EXPECT_EQ(joined(again), joined(first));
   EXPECT_EQ(joined(first), R"([1.25, true, "2018-01-28T05:06:07.5+01:00"] | [null, false, "2018-01-29"] | )"
-                           R"([1e+300, true, null] | [5e-324, null, null] | [-0, null, null] | ["NaN", null, null] | )"
+                           R"([1e300, true, null] | [5e-324, null, null] | [-0, null, null] | ["NaN", null, null] | )"
                            R"(["-Inf", null, null] | [0.1, null, null])");
+  // Canonical CSV reads back the same values too.
+  const auto canonical = read_text(file, typed({"--format", "csv", "--canonical"}));
+  EXPECT_EQ(canonical.raw,
+            "a,b,c\r\n1.25,true,2018-01-28T05:06:07.5+01:00\r\n,false,2018-01-29\r\n1e+300,true,\r\n5e-324,,\r\n-0,,"
+            "\r\nNaN,,\r\n-Inf,,\r\n0.1,,\r\n");
+  EXPECT_EQ(joined(read_text(canonical.raw, typed({"--canonical"}))), joined(read_text(file, typed({"--canonical"}))));
 }
 
 // Random tables (shapes, names or none, missing values, texts built from

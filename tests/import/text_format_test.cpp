@@ -17,6 +17,7 @@ namespace {
 
 using textio::import::escape_style;
 using textio::import::text_format;
+using textio::import::value_type;
 
 struct outcome {
   std::string header;
@@ -26,7 +27,7 @@ struct outcome {
 };
 
 outcome read_with(const std::string& contents, const text_format& format, std::size_t byte_reads,
-                  std::uint64_t header_lines = 0) {
+                  std::uint64_t header_lines = 0, std::span<const textio::import::variable_typing> types = {}) {
   const std::string path = import_test::write_file(contents);
   textio::parser::options opts;
   if (header_lines > 0) {
@@ -44,7 +45,7 @@ outcome read_with(const std::string& contents, const text_format& format, std::s
     textio::import::utf8_input input(path);
     if (byte_reads > 0) input.limit_reads(byte_reads);
     zvtool::jsonl_writer writer(text);
-    o.lines_left = textio::import::read_table(opts, input, writer, format, {}, warn).lines_left_unread;
+    o.lines_left = textio::import::read_typed_table(opts, input, writer, format, types, {}, warn).lines_left_unread;
     writer.flush();
     textio::import::utf8_input again(path);
     zvtool::count_writer counter;
@@ -65,6 +66,13 @@ outcome read_with(const std::string& contents, const text_format& format, std::s
   if (!tail.starts_with(" #") && !o.shown.empty()) o.shown += " | ";
   o.shown += tail + warning + (o.lines_left > 0 ? " ~ " + std::to_string(o.lines_left) : "");
   return o;
+}
+
+textio::import::variable_typing typing(textio::import::value_type type, bool guessed = false) {
+  textio::import::variable_typing t;
+  t.type = type;
+  if (guessed) t.unconverted = textio::import::unconverted_value::text;
+  return t;
 }
 
 text_format in(const char* encoding) {
@@ -90,6 +98,7 @@ struct format_case {
   std::string contents;
   text_format format;
   std::string expected;  // as outcome::shown gives it
+  std::vector<textio::import::variable_typing> types = {};
 };
 
 void PrintTo(const format_case& c, std::ostream* os) { *os << c.name; }
@@ -98,8 +107,8 @@ class TextFormat : public ::testing::TestWithParam<format_case> {};
 
 TEST_P(TextFormat, ReadsTheSameInBlocksAndByteByByte) {
   const auto& c = GetParam();
-  EXPECT_EQ(read_with(c.contents, c.format, 0).shown, c.expected);
-  EXPECT_EQ(read_with(c.contents, c.format, 1).shown, c.expected) << "byte by byte";
+  EXPECT_EQ(read_with(c.contents, c.format, 0, 0, c.types).shown, c.expected);
+  EXPECT_EQ(read_with(c.contents, c.format, 1, 0, c.types).shown, c.expected) << "byte by byte";
 }
 
 const format_case format_cases[] = {
@@ -110,6 +119,12 @@ const format_case format_cases[] = {
                  12),
      in("UTF-16LE"), R"(["a", "é"] | ["b", null] # 2/4)"},
     {"utf16be_no_bom", std::string("\0a\0,\0b", 6), in("UTF-16BE"), R"(["a", "b"] # 1/2)"},
+    // Typed values keep the text they were read from, converted to UTF-8.
+    {"typed_values_as_written",
+     std::string("4\0\x30\0.\0\x30\0,\0\x31\0\n\0+\0\x31\0,\0x\0", 22),
+     in("UTF-16LE"),
+     R"([40.0, 1] | [1, "x"] # 2/4)",
+     {typing(value_type::double_), typing(value_type::double_, true)}},
     {"utf32le_bom_skipped", std::string("\xFF\xFE\0\0x\0\0\0", 8), in("UTF-32LE"), R"(["x"] # 1/1)"},
     {"invalid_byte_offset_after_good_text", "ab\ncd\n\x81", in("WINDOWS-1252"),
      R"(["ab"] | InvalidEncoding(WINDOWS-1252, 6))"},

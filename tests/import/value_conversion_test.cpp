@@ -128,8 +128,59 @@ TEST(ValueConversion, SpellingsOfEachType) {
     // Text read as UTF-16 converts the same.
     const std::u16string wide(c.text.begin(), c.text.end());
     EXPECT_EQ(shown(std::u16string_view(wide), c.type, c.settings), c.expected) << c.text << " in UTF-16";
+    // A value keeps the text it was read from, in the reader's units.
+    output_value narrow;
+    output_value utf16;
+    std::string canonical;
+    if (convert_value(c.text, c.type, c.settings, narrow, canonical)) {
+      EXPECT_EQ(narrow.written, c.text);
+    }
+    if (convert_value(std::u16string_view(wide), c.type, c.settings, utf16, canonical)) {
+      EXPECT_TRUE(utf16.utf16 && utf16.units == wide && utf16.written.empty()) << c.text;
+    }
   }
   EXPECT_EQ(shown(std::u16string_view(u"1\u0131"), value_type::int32), "refused");
+}
+
+// Whether a number's text may stand for it in JSON: JSON number syntax read
+// with '.' before the fraction and no thousands separators.
+TEST(ValueConversion, JsonNumbersAreTheTextsJsonReadsTheSame) {
+  const spelling cases[] = {
+      {"4000.00", value_type::double_, "json"},
+      {"-0", value_type::double_, "json"},
+      {"1e300", value_type::double_, "json"},
+      {"2.5E-3", value_type::double_, "json"},
+      {"0.1", value_type::single, "json"},
+      {"12", value_type::int32, "json"},
+      {"+1", value_type::double_, "not"},
+      {".5", value_type::double_, "not"},
+      {"5.", value_type::double_, "not"},
+      {"1e+", value_type::double_, "refused"},
+      {"007", value_type::double_, "not"},
+      {"007", value_type::int32, "not"},
+      {"-01", value_type::int64, "not"},
+      {"1D1", value_type::double_, "not"},
+      {"NaN", value_type::double_, "not"},
+      {"-Inf", value_type::double_, "not"},
+      {"1,5", value_type::double_, "not", german()},
+      {"1.234", value_type::double_, "not", german()},
+      {"1.234", value_type::int32, "not", german()},
+      {"1'234", value_type::uint16, "not", swiss()},
+  };
+  for (const auto& c : cases) {
+    for (const bool wide : {false, true}) {
+      output_value v;
+      std::string canonical;
+      const std::u16string units(c.text.begin(), c.text.end());
+      const bool converted = wide ? convert_value(std::u16string_view(units), c.type, c.settings, v, canonical)
+                                  : convert_value(c.text, c.type, c.settings, v, canonical);
+      EXPECT_EQ(!converted      ? "refused"
+                : v.json_number ? "json"
+                                : "not",
+                c.expected)
+          << c.text << (wide ? " UTF-16" : "");
+    }
+  }
 }
 
 struct column_case {
@@ -157,6 +208,13 @@ TEST(TypeDetection, NarrowestTypeOfEveryValue) {
       {{"2020-01-02", "2020-01-03T04:05:06"}, "datetime"},
       {{"01:02:03", "100:00:00"}, "duration"},
       {{"1", "x"}, "string"},
+      // A zero before another digit makes a code, not a number.
+      {{"1", "007"}, "string"},
+      {{"08123", "02134"}, "string"},
+      {{"5", "-01"}, "string"},
+      {{"+00"}, "string"},
+      {{"0930", "1200"}, "string"},
+      {{"0", "0.5", "-0.5", "0e5", "-0", "10"}, "double"},
       {{"", "  "}, "string"},
       {{"NA", "-"}, "string"},
       {{"1.5", "NA", "null", "2", "NA"}, "double", {"NA", "null"}},
