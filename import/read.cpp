@@ -134,6 +134,7 @@ void find_types(read_outcome& out, const read_settings& settings, std::string_vi
   }
   if (!out.format.variable_names.empty()) names = out.format.variable_names;
   out.types = apply_request(std::move(types), settings.types, names);
+  out.names = std::move(names);
   if (settings.strict) {
     for (variable_typing& t : out.types) t.unconverted = unconverted_value::reading_error;
   }
@@ -159,6 +160,10 @@ read_outcome read_into(const read_source& source, const textio::parser::options&
     out.format = std::move(detected.format);
     out.report = std::move(detected.report);
   }
+  if (settings.table_may_end_line) {
+    out.format.table_end_line = settings.table_may_end_line;
+    out.format.table_end_detected = true;
+  }
   if (settings.table_end_line) {
     out.format.table_end_line = settings.table_end_line;
     out.format.table_end_detected = false;
@@ -173,8 +178,12 @@ read_outcome read_into(const read_source& source, const textio::parser::options&
   if (out.options.output_type() == textio::enums::OutputBuilderType::Table && !out.empty_input) {
     find_types(out, settings, raw, whole);
   }
+  if (out.names.empty() && out.report) out.names = out.report->variable_names;
+  if (out.names.empty()) out.names = out.format.variable_names;
+  if (settings.before_reading) settings.before_reading(out);
   out.summary =
       read_typed_table(out.options, *input, sink, out.format, out.types, settings.progress, settings.stray_quote);
+  out.input_changed = input->changed_since_opened();
   return out;
 }
 

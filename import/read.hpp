@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -57,6 +58,8 @@ struct type_request {
   std::vector<std::pair<std::string, value_type>> by_name;
 };
 
+struct read_outcome;
+
 struct read_settings {
   // Detect what the options and `given` leave open; false reads with the
   // options as they stand (types are still found from the first records).
@@ -71,6 +74,10 @@ struct read_settings {
   bool all_lines = false;
   // Stop before this physical line (1-based).
   std::optional<std::uint64_t> table_end_line;
+  // The table may end before this line: past it records that keep the
+  // table's field count are still read (what detection gives for an end it
+  // found).
+  std::optional<std::uint64_t> table_may_end_line;
   // Names instead of those of the names line.
   std::vector<std::string> variable_names;
   // Read every record with the exact scanner (the same records, slower).
@@ -81,6 +88,10 @@ struct read_settings {
   bool strict = false;
   progress_callback progress;
   stray_quote_callback stray_quote;
+  // Called once detection and the types are settled, before the first
+  // record is read (so that what was found can be told even when reading
+  // then fails).
+  std::function<void(const read_outcome&)> before_reading;
 };
 
 // What a read found and did.
@@ -90,14 +101,19 @@ struct read_outcome {
   text_format format;
   // Detection's report, when it ran.
   std::optional<detection_report> report;
-  // The type each variable was read as.
+  // The type each variable was read as, and the variables' names as far as
+  // they were known before reading (UTF-8).
   std::vector<variable_typing> types;
+  std::vector<std::string> names;
   // Datetime variables (0-based) whose dates read both day-first and
   // month-first; they are read day-first.
   std::vector<std::size_t> date_order_unsettled;
   read_summary summary;
   // The input held nothing but blanks and line endings.
   bool empty_input = false;
+  // A regular file whose size or modification time changed while it was
+  // read: the records may mix old and new contents.
+  bool input_changed = false;
 };
 
 // Reads `source` into `sink`. Throws the reader's messages (reader_errors.hpp):

@@ -82,12 +82,11 @@ tool_result run_detect_command(const parsed_arguments& args) {
     write_options_record(out, record);
     return finish_report(out, failure);
   }
-  const textio::import::user_choices choices = user_choices_of(args);
+  const textio::import::read_settings settings = read_settings_of(args);
   std::optional<textio::import::detection_result> detected;
   std::optional<message_failure> failure;
   try {
-    textio::import::utf8_input input(*args.operand);
-    detected = detect_input(input, record, choices);
+    detected = textio::import::detect(source_of(args), record, settings);
   } catch (const foundation::core::except::IMsgIDException& error) {
     failure = capture_message(error);
   }

@@ -3,12 +3,10 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <iostream>
 #include <optional>
 
-#include "import/text_reader.hpp"
-#include "import/input/utf8_input.hpp"
+#include "import/read.hpp"
 #include "parser/options.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/checked_output.hpp"
@@ -56,11 +54,13 @@ std::string error_line(const message_failure& failure) {
   return line;
 }
 
-// A percentage on standard error, redrawn in place.
-textio::import::progress_callback progress_bar(const textio::import::utf8_input& input) {
-  if (input.size() <= progress_threshold || ::isatty(STDERR_FILENO) == 0) return {};
+// A percentage on standard error, redrawn in place, for a large input when
+// standard error is a terminal.
+textio::import::progress_callback progress_bar() {
+  if (::isatty(STDERR_FILENO) == 0) return {};
   return [last = -1](std::uint64_t done, std::uint64_t total) mutable {
-    const int percent = total == 0 ? 100 : static_cast<int>(done * 100 / total);
+    if (total <= progress_threshold) return;
+    const int percent = static_cast<int>(done * 100 / total);
     if (percent == last) return;
     last = percent;
     std::fprintf(stderr, "\rreading: %3d%%", percent);
@@ -69,59 +69,28 @@ textio::import::progress_callback progress_bar(const textio::import::utf8_input&
   };
 }
 
-// Whether the input holds nothing but blanks and line endings (after a
-// UTF-8 byte-order mark): an empty table, which the tool says is empty.
-bool blank_input(textio::import::utf8_input& input) {
-  std::string_view sample = input.sample(textio::import::detection_sample_bytes);
-  if (!input.sample_is_whole_input()) return false;
-  if (sample.starts_with("\xEF\xBB\xBF")) sample.remove_prefix(3);
-  return sample.find_first_not_of(" \t\r\n") == std::string_view::npos;
-}
-
 std::string changed_warning(const std::string& file) {
   return "zvtextparser: warning: '" + file +
          "' changed while it was read (its size or modification time differ from when it was opened); the records "
          "may mix old and new contents\n";
 }
 
-// With OutputBuilderType Table: the type of each variable as detection found
-// it (`report`), or without detection from the first records of a regular
-// file, and overridden by --types. Standard input is read once, so without
-// detection only --types gives its variables types. A datetime variable whose
-// dates read both day-first and month-first gets a note in `notes`. The
-// variables' names go to `names`. With --strict a value that does not
-// convert is a reading error.
-std::vector<textio::import::variable_typing> variable_types(const parsed_arguments& args,
-                                                            const textio::parser::options& record,
-                                                            const textio::import::text_format& text,
-                                                            const textio::import::detection_report* report,
-                                                            std::string& notes, std::vector<std::string>& names) {
-  if (record.output_type() != textio::enums::OutputBuilderType::Table) return {};
-  std::vector<textio::import::detected_type> detected;
-  if (report) {
-    detected = detected_types_of(*report);
-    names = report->variable_names;
-  } else {
-    text_sample sample;
-    std::error_code ec;
-    if (*args.operand != "-" && std::filesystem::is_regular_file(*args.operand, ec)) {
-      sample = read_text_sample(record, *args.operand, text);
-    }
-    detected = detect_sample_types(record, sample);
-    names = sample.names;
+// What standard error says once detection and the types are settled: that
+// the input is empty, the detection report (--verbose) or that detection is
+// unsure, and the variables whose dates read both ways.
+std::string found_notes(const textio::import::read_outcome& found, bool verbose) {
+  std::string notes;
+  if (found.empty_input) notes += "zvtextparser: note: empty input\n";
+  if (found.report && verbose) {
+    notes += report_text(*found.report);
+  } else if (found.report && found.report->confidence < unsure_confidence && !found.report->filled.empty()) {
+    notes += unsure_note(found.report->confidence);
   }
-  if (!text.variable_names.empty()) names = text.variable_names;
-  auto types = apply_type_argument(args.value("--types"), detected, names);
-  for (std::size_t i = 0; i < detected.size(); ++i) {
-    if (detected[i].date_order_unsettled && types[i].type == textio::import::value_type::datetime) {
-      notes += "zvtextparser: note: the dates of variable " + std::to_string(i + 1) +
-               " read both day-first and month-first; they are read day-first\n";
-    }
+  for (const std::size_t i : found.date_order_unsettled) {
+    notes += "zvtextparser: note: the dates of variable " + std::to_string(i + 1) +
+             " read both day-first and month-first; they are read day-first\n";
   }
-  if (args.has("--strict")) {
-    for (auto& t : types) t.unconverted = textio::import::unconverted_value::reading_error;
-  }
-  return types;
+  return notes;
 }
 
 // One note per variable with values that did not convert to its type: how
@@ -191,37 +160,23 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     if (csv) csv->flush();
   };
 
-  const textio::import::user_choices choices = user_choices_of(args);
+  textio::import::read_settings settings = read_settings_of(args);
+  settings.types = type_request_of(args.value("--types"));
+  settings.progress = progress_bar();
   tool_result result;
-  std::vector<std::string> names;
+  settings.stray_quote = [&result](std::uint64_t line, std::uint64_t column) {
+    result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " +
+                  std::to_string(column) + " never closes; quotes are read as text from there on\n";
+  };
+  settings.before_reading = [&result, &args](const textio::import::read_outcome& found) {
+    result.err += found_notes(found, args.has("--verbose"));
+  };
   std::string unconverted;  // the notes on values that did not convert, last on standard error
   try {
-    textio::import::utf8_input input(*args.operand);
-    textio::import::text_format text = given_format(choices);
-    std::optional<textio::import::detection_report> report;
-    const bool empty = blank_input(input);
-    if (empty) result.err += "zvtextparser: note: empty input\n";
-    if (!args.has("--no-detect") && !empty) {
-      const textio::import::detection_result detected = detect_input(input, record, choices);
-      record = detected.options;
-      text = detected.format;
-      report = detected.report;
-      if (args.has("--verbose")) {
-        result.err += report_text(detected.report);
-      } else if (detected.report.confidence < unsure_confidence && !detected.report.filled.empty()) {
-        result.err += unsure_note(detected.report.confidence);
-      }
-    }
-    apply_table_options(args, text);
-    const auto types = empty ? std::vector<textio::import::variable_typing>{}
-                             : variable_types(args, record, text, report ? &*report : nullptr, result.err, names);
-    const auto warn = [&result](std::uint64_t line, std::uint64_t column) {
-      result.err += "zvtextparser: warning: the quote at line " + std::to_string(line) + ", column " +
-                    std::to_string(column) + " never closes; quotes are read as text from there on\n";
-    };
-    const textio::import::read_summary summary =
-        textio::import::read_typed_table(record, input, *sink, text, types, progress_bar(input), warn);
-    unconverted = unconverted_notes(summary.unconverted, types, names, record.import_error_rule());
+    const textio::import::read_outcome outcome = textio::import::read_into(source_of(args), record, settings, *sink);
+    const textio::import::read_summary& summary = outcome.summary;
+    unconverted =
+        unconverted_notes(summary.unconverted, outcome.types, outcome.names, outcome.options.import_error_rule());
     if (summary.lines_left_unread > 0) {
       result.err += "zvtextparser: the table ends before line " + std::to_string(summary.first_line_unread) + "; " +
                     std::to_string(summary.lines_left_unread) + " lines from line " +
@@ -230,14 +185,22 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
     }
     if (args.has("--verbose")) {
       result.err += "zvtextparser: " + std::to_string(summary.parts_on_threads) + " parts read on " +
-                    std::to_string(text.threads) + " threads\n";
+                    std::to_string(outcome.format.threads) + " threads\n";
     }
-    if (input.changed_since_opened()) {
+    if (outcome.input_changed) {
       result.err += changed_warning(*args.operand);
       if (args.has("--strict")) result.status = exit_io_failure;
     }
   } catch (const foundation::core::except::IMsgIDException& error) {
     const message_failure failure = capture_message(error);
+    if (failure.id.key == "UnknownVariable") {
+      throw usage_error("--types: the file has no variable '" + std::get<std::string>(failure.id.args.at(0)) + "'");
+    }
+    if (failure.id.key == "TooManyTypes") {
+      throw usage_error("--types names " + std::to_string(std::get<std::uint64_t>(failure.id.args.at(0))) +
+                        " types but the file has " + std::to_string(std::get<std::uint64_t>(failure.id.args.at(1))) +
+                        " variables");
+    }
     result.status = reading_failure_status(failure);
     result.err += message_line(failure);
     if (failure.id.key == "OutOfMemory") {

@@ -152,25 +152,6 @@ textio::import::user_choices user_choices_of(const parsed_arguments& args) {
   return choices;
 }
 
-textio::import::text_format given_format(const textio::import::user_choices& choices) {
-  textio::import::text_format format;
-  if (choices.encoding) format.encoding = *choices.encoding;
-  if (choices.quote) format.quote = *choices.quote;
-  if (choices.escape) format.escape = *choices.escape;
-  return format;
-}
-
-textio::import::detection_result detect_input(textio::import::utf8_input& input, const textio::parser::options& record,
-                                              const textio::import::user_choices& choices) {
-  const std::string_view sample = input.sample(textio::import::detection_sample_bytes);
-  textio::import::detection_result detected =
-      textio::import::detect(sample, input.sample_is_whole_input(), record, choices);
-  if (detected.report.not_text_at) {
-    textio::throw_msg_id_exception(ZORVEK::textio::reader::NotText(*detected.report.not_text_at));
-  }
-  return detected;
-}
-
 std::string report_text(const textio::import::detection_report& report) {
   char head[160];
   std::snprintf(head, sizeof head, "detected: encoding %s, quote %s, escape %s, confidence %.2f\n",
@@ -192,31 +173,32 @@ std::string report_text(const textio::import::detection_report& report) {
   return text;
 }
 
-void apply_table_options(const parsed_arguments& args, textio::import::text_format& text) {
-  for (const char* option : {"--table-end", "--table-may-end"}) {
+textio::import::read_settings read_settings_of(const parsed_arguments& args) {
+  textio::import::read_settings settings;
+  settings.given = user_choices_of(args);
+  settings.detect = !args.has("--no-detect");
+  settings.strict = args.has("--strict");
+  const auto line_of = [&args](const char* option) -> std::optional<std::uint64_t> {
     const auto end = args.value(option);
-    if (!end) continue;
+    if (!end) return std::nullopt;
     std::uint64_t line = 0;
     const auto [ptr, ec] = std::from_chars(end->data(), end->data() + end->size(), line);
     if (ec != std::errc() || ptr != end->data() + end->size() || line == 0) {
       throw usage_error(std::string(option) + " takes a line number from 1, not '" + *end + "'");
     }
-    text.table_end_line = line;
-    text.table_end_detected = std::string_view(option) == "--table-may-end";
-  }
+    return line;
+  };
+  settings.table_end_line = line_of("--table-end");
+  settings.table_may_end_line = line_of("--table-may-end");
   if (const auto names = args.value("--variable-names")) {
     const auto json = parse_json(*names);
     if (!json || !json->is_array() || !std::ranges::all_of(*json, [](const auto& n) { return n.is_string(); })) {
       throw usage_error("--variable-names takes a JSON array of strings");
     }
-    text.variable_names = json->get<std::vector<std::string>>();
+    settings.variable_names = json->get<std::vector<std::string>>();
   }
-  if (args.has("--all-lines")) {
-    text.table_end_line.reset();
-    text.table_end_detected = false;
-  }
-  if (args.has("--exact-scan")) text.structural_scan = false;
-  text.threads = std::max(1U, std::thread::hardware_concurrency());
+  settings.all_lines = args.has("--all-lines");
+  settings.exact_scan = args.has("--exact-scan");
   if (const auto threads = args.value("--threads")) {
     unsigned count = 0;
     const auto [ptr, ec] = std::from_chars(threads->data(), threads->data() + threads->size(), count);
@@ -224,8 +206,13 @@ void apply_table_options(const parsed_arguments& args, textio::import::text_form
       throw usage_error("--threads takes a count from 1 to " + std::to_string(max_threads) + ", not '" + *threads +
                         "'");
     }
-    text.threads = count;
+    settings.threads = count;
   }
+  return settings;
+}
+
+textio::import::read_source source_of(const parsed_arguments& args) {
+  return textio::import::read_source::file(*args.operand);
 }
 
 std::vector<std::string> reproducing_arguments(const textio::parser::options& record,

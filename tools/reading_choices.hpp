@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "import/detect/detection.hpp"
+#include "import/read.hpp"
 #include "import/text_format.hpp"
-#include "import/input/utf8_input.hpp"
 #include "parser/options.hpp"
 #include "tools/command_line.hpp"
 
@@ -28,21 +28,15 @@ inline constexpr tool_option escape_option{"--escape", "STYLE",
 // usage_error for a bad --quote, --escape or --struct.
 textio::import::user_choices user_choices_of(const parsed_arguments& args);
 
-// The format to read with when nothing is detected: the default, with what
-// the user forced.
-textio::import::text_format given_format(const textio::import::user_choices& choices);
+// The reading settings of `read` and `detect`: what the user gave
+// (user_choices_of), --no-detect, --table-end, --table-may-end,
+// --variable-names, --all-lines (which wins), --exact-scan, --threads
+// (default: every core) and --strict. Throws usage_error for a bad line
+// number, names list or thread count.
+textio::import::read_settings read_settings_of(const parsed_arguments& args);
 
-// Detects from the sample at the start of `input` (the first
-// detection_sample_bytes bytes and the rest of their line); reading `input`
-// afterwards starts at its beginning. Throws the reader's NotText when the
-// sample shows the input is no text and no encoding was given.
-textio::import::detection_result detect_input(textio::import::utf8_input& input, const textio::parser::options& record,
-                                              const textio::import::user_choices& choices);
-
-// --table-end, --variable-names and --all-lines (which wins) over `text`, and
-// --exact-scan and --threads (default: every core).
-// Throws usage_error for a bad line number, names list or thread count.
-void apply_table_options(const parsed_arguments& args, textio::import::text_format& text);
+// The input that FILE names ("-": standard input).
+textio::import::read_source source_of(const parsed_arguments& args);
 
 // The report for standard error, one item a line.
 std::string report_text(const textio::import::detection_report& report);
