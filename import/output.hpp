@@ -83,6 +83,10 @@ class record_sink {
     (void)fields;
     (void)records;
   }
+  // A sink that wants no more records says so here; the reader then stops
+  // before the next record and leaves the rest of the input unread (and
+  // uncounted).
+  virtual bool satisfied() const { return false; }
   // A sink that takes records read on several threads says so here. Then
   // part_sink() makes a sink that collects the records of one part of the
   // input on the thread that reads it (no header), and take_part() hands on

@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "tools/exit_status.hpp"
+#include "tools/failure_hints.hpp"
 #include "tools/usage_error.hpp"
 
 namespace zvtool {
@@ -17,6 +18,13 @@ bool is_option_word(std::string_view arg) {
 
 const tool_option* find_option(const subcommand_grammar& grammar, std::string_view name) {
   const auto found = std::ranges::find(grammar.options, name, &tool_option::name);
+  return found == grammar.options.end() ? nullptr : &*found;
+}
+
+// The option whose short name `arg` is ("-o"), or null.
+const tool_option* short_option(const subcommand_grammar& grammar, std::string_view arg) {
+  if (arg.size() != 2 || arg[0] != '-' || arg[1] == '-') return nullptr;
+  const auto found = std::ranges::find(grammar.options, arg, &tool_option::short_name);
   return found == grammar.options.end() ? nullptr : &*found;
 }
 
@@ -37,7 +45,8 @@ std::string exit_status_help() {
 namespace {
 
 std::string option_label(const tool_option& option) {
-  std::string label(option.name);
+  std::string label = option.short_name.empty() ? std::string(option.name)
+                                                : std::string(option.short_name) + "/" + std::string(option.name);
   if (!option.value_name.empty()) label += " " + std::string(option.value_name);
   return label;
 }
@@ -70,13 +79,16 @@ parsed_arguments parse_arguments(const subcommand_grammar& grammar, std::span<co
       options_ended = true;
     } else if (!options_ended && (arg == "--help" || arg == "-h")) {
       parsed.help = true;
-    } else if (!options_ended && is_option_word(arg)) {
-      const auto equals = arg.find('=');
-      const std::string name = arg.substr(0, equals);
+    } else if (!options_ended && (is_option_word(arg) || short_option(grammar, arg) != nullptr)) {
+      const tool_option* by_short = short_option(grammar, arg);
+      const auto equals = by_short != nullptr ? std::string::npos : arg.find('=');
+      const std::string name = by_short != nullptr ? std::string(by_short->name) : arg.substr(0, equals);
       const tool_option* option = find_option(grammar, name);
       if (option == nullptr) {
-        fail("unknown option '" + name + "' for " + std::string(grammar.name) + "; its options are " +
-             option_list(grammar) + ", and after \"--\" an argument such as " + name + " is a name or value");
+        const std::optional<std::string> hint = flag_hint(name);
+        fail("unknown option '" + name + "' for " + std::string(grammar.name) +
+             (hint ? "; did you mean " + *hint + "?" : "") + "; its options are " + option_list(grammar) +
+             ", and after \"--\" an argument such as " + name + " is a name or value");
       } else if (option->value_name.empty()) {
         if (equals != std::string::npos) fail(name + " takes no value");
         parsed.options[name];

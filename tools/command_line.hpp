@@ -24,6 +24,7 @@ struct tool_option {
   std::string_view name;        ///< "--format"
   std::string_view value_name;  ///< "FORMAT"; empty for an option without value
   std::string_view help;        ///< one line
+  std::string_view short_name = {};  ///< "-o"; empty for none
 };
 
 struct subcommand_grammar {

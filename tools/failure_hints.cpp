@@ -83,6 +83,42 @@ std::optional<std::string_view> near_key(std::string_view name) {
   return std::nullopt;
 }
 
+std::optional<std::string> flag_hint(std::string_view flag) {
+  static constexpr std::pair<std::string_view, std::string_view> familiar[] = {
+      {"--sep", "`Delimiter ';'`"},
+      {"--separator", "`Delimiter ';'`"},
+      {"--delimiter", "`Delimiter ';'`"},
+      {"--delim", "`Delimiter ';'`"},
+      {"--header", "`NumHeaderLines 1 VariableNamesLine 1`"},
+      {"--skip", "`--skip-rows N` (records) or `NumHeaderLines N` (lines)"},
+      {"--skiprows", "`--skip-rows N`"},
+      {"--nrows", "`--rows N`"},
+      {"--n-rows", "`--rows N`"},
+      {"--head", "`--rows N`"},
+      {"--limit", "`--rows N`"},
+      {"--columns", "`--select NAMES`"},
+      {"--usecols", "`--select NAMES`"},
+      {"--fields", "`--select NAMES`"},
+      {"--out", "`-o FILE`"},
+      {"--tsv", "`--format tsv`"},
+      {"--csv", "`--format csv`"},
+      {"--json", "`--format jsonl`"},
+  };
+  const std::string wanted = lower(flag);
+  for (const auto& [name, hint] : familiar) {
+    if (wanted == name) return std::string(hint);
+  }
+  // An option key written as a flag: --num-header-lines, --NumHeaderLines.
+  std::string key;
+  for (const char c : std::string_view(wanted).substr(2)) {
+    if (c != '-' && c != '_') key += c;
+  }
+  for (const auto& option : textio::options::option_descriptions) {
+    if (lower(option.key) == key) return "`" + std::string(option.key) + " VALUE` (a name and a value, no dashes)";
+  }
+  return std::nullopt;
+}
+
 void explain_failure(message_failure& failure, std::span<const std::string> texts, std::span<const hv::Value> values) {
   if (failure.id.key == "UnknownParameter" && !failure.id.args.empty()) {
     const auto& argument = failure.id.args[0];

@@ -24,4 +24,10 @@ void explain_failure(message_failure& failure, std::span<const std::string> text
 // only key that `name` begins; nullopt when none is near.
 std::optional<std::string_view> near_key(std::string_view name);
 
+// What an unknown "--word" most likely meant: a familiar flag of other data
+// tools (--sep, --header, --nrows, ...) or an option key written as a flag
+// (--num-header-lines), as the form that works ("`Delimiter ';'`",
+// "`--rows N`"); none when nothing is near.
+std::optional<std::string> flag_hint(std::string_view flag);
+
 }  // namespace zvtool

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdio>
 #include <iostream>
 #include <optional>
@@ -13,8 +14,10 @@
 #include "tools/exit_status.hpp"
 #include "tools/json_writer.hpp"
 #include "tools/memory_limit.hpp"
+#include "tools/output_file.hpp"
 #include "tools/reading_choices.hpp"
 #include "tools/record_json.hpp"
+#include "tools/record_selection.hpp"
 #include "tools/record_writers.hpp"
 #include "tools/usage_error.hpp"
 #include "tools/variable_types.hpp"
@@ -130,14 +133,17 @@ read_format output_format(const parsed_arguments& args) {
   const std::string name = args.value("--format").value_or("jsonl");
   if (name == "jsonl") return read_format::jsonl;
   if (name == "csv") return read_format::csv;
-  throw usage_error("unknown --format '" + name + "'; the formats are jsonl and csv");
+  if (name == "tsv") return read_format::tsv;
+  throw usage_error("unknown --format '" + name + "'; the formats are jsonl, csv and tsv");
 }
 
 tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   const read_format format = output_format(args);
   textio::parser::options record;
   if (const auto failure = apply_option_arguments(args.value("--struct"), args.option_arguments, record)) {
-    if (format == read_format::csv) return tool_result{exit_option_refused, "", message_line(*failure)};
+    if (format == read_format::csv || format == read_format::tsv) {
+      return tool_result{exit_option_refused, "", message_line(*failure)};
+    }
     json_writer report;
     report.begin_object();
     report.key("options");
@@ -153,14 +159,35 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
   count_writer counter;
   textio::import::record_sink* sink = &counter;
   const value_text values = args.has("--canonical") ? value_text::canonical : value_text::as_written;
-  if (format == read_format::jsonl) sink = &jsonl.emplace(out, values);
-  if (format == read_format::csv) sink = &csv.emplace(out, values);
+  if (args.has("--objects") && format != read_format::jsonl) throw usage_error("--objects goes with --format jsonl");
+  if (format == read_format::jsonl) sink = &jsonl.emplace(out, values, args.has("--objects"));
+  if (format == read_format::csv) sink = &csv.emplace(out, values, csv_style);
+  if (format == read_format::tsv) sink = &csv.emplace(out, values, tsv_style);
+  // Columns chosen first, then the window of rows.
+  std::optional<column_choice> columns;
+  if (const auto select = args.value("--select")) sink = &columns.emplace(*sink, selection_of(*select));
+  const auto count_of = [&args](const char* option) -> std::optional<std::uint64_t> {
+    const auto text = args.value(option);
+    if (!text) return std::nullopt;
+    std::uint64_t n = 0;
+    const auto [end, ec] = std::from_chars(text->data(), text->data() + text->size(), n);
+    if (ec != std::errc() || end != text->data() + text->size()) {
+      throw usage_error(std::string(option) + " takes a count from 0, not '" + *text + "'");
+    }
+    return n;
+  };
+  const std::optional<std::uint64_t> rows = count_of("--rows");
+  const std::optional<std::uint64_t> skip = count_of("--skip-rows");
+  std::optional<row_window> window;
+  if (rows || skip) sink = &window.emplace(*sink, skip.value_or(0), rows);
   const auto flush_records = [&] {
     if (jsonl) jsonl->flush();
     if (csv) csv->flush();
   };
 
   textio::import::read_settings settings = read_settings_of(args);
+  // A window of rows is read on one thread, so that reading stops with it.
+  if (window) settings.threads = 1;
   settings.types = type_request_of(args.value("--types"));
   settings.progress = progress_bar();
   tool_result result;
@@ -184,8 +211,10 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
       if (args.has("--strict")) result.status = exit_reading_error;
     }
     if (args.has("--verbose")) {
-      result.err += "zvtextparser: " + std::to_string(summary.parts_on_threads) + " parts read on " +
-                    std::to_string(outcome.format.threads) + " threads\n";
+      result.err += summary.parts_on_threads > 0
+                        ? "zvtextparser: " + std::to_string(summary.parts_on_threads) + " parts read on " +
+                              std::to_string(outcome.format.threads) + " threads\n"
+                        : std::string("zvtextparser: read on one thread\n");
     }
     if (outcome.input_changed) {
       result.err += changed_warning(*args.operand);
@@ -207,7 +236,7 @@ tool_result run_read(const parsed_arguments& args, std::ostream& out) {
       result.err += "zvtextparser: the memory limit was " + memory_size_text(memory_limit(args)) + " (--max-memory)\n";
     }
     flush_records();
-    if (format != read_format::csv) out << error_line(failure);
+    if (format == read_format::jsonl || format == read_format::count) out << error_line(failure);
     flush_output(out);
     return result;
   }
@@ -228,7 +257,15 @@ std::uint64_t memory_limit(const parsed_arguments& args) {
 
 tool_result run_read_command(const parsed_arguments& args) {
   apply_memory_limit(memory_limit(args));
-  return run_read(args, std::cout);
+  const auto path = args.value("--output");
+  if (!path) return run_read(args, std::cout);
+  output_file file(*path);
+  std::ostream out(file.buffer());
+  tool_result result = run_read(args, out);
+  flush_output(out);
+  // Only a whole output takes the name; after a failure none is left.
+  if (result.status == exit_success) file.commit();
+  return result;
 }
 
 }  // namespace zvtool

@@ -11,7 +11,7 @@
 
 namespace zvtool {
 
-enum class read_format { jsonl, csv, count };
+enum class read_format { jsonl, csv, tsv, count };
 
 // --count, else --format (jsonl when not given). Throws usage_error for an
 // unknown format.

@@ -19,6 +19,9 @@ using textio::import::value_kind;
 
 void append_csv_text(std::string& out, std::string_view text);
 
+// A text value in the output's own way: CSV quotes, TSV escapes.
+using text_appender = void (*)(std::string& out, std::string_view text);
+
 // An integer, logical, datetime or duration value as both outputs write it;
 // JSON quotes the datetime and duration texts.
 template <class Integer>
@@ -62,14 +65,14 @@ bool append_json_number_as_written(std::string& out, const output_value& v) {
   return true;
 }
 
-// A typed value's own text as CSV writes text; false when it has none.
-bool append_csv_as_written(std::string& out, const output_value& v) {
+// A typed value's own text as the output writes text; false when it has none.
+bool append_csv_as_written(std::string& out, const output_value& v, text_appender text) {
   if (v.utf16 && !v.units.empty()) {
-    append_csv_text(out, foundation::core::unicode::to_utf8(v.units));
+    text(out, foundation::core::unicode::to_utf8(v.units));
     return true;
   }
   if (v.written.empty()) return false;
-  append_csv_text(out, v.written);
+  text(out, v.written);
   return true;
 }
 
@@ -140,36 +143,63 @@ void append_csv_text(std::string& out, std::string_view text) {
   out += '"';
 }
 
-void append_csv(std::string& out, const output_value& v, value_text values) {
+// TSV: a tab, line feed, carriage return or backslash in a value is
+// written as \t, \n, \r or \\, so that every tab parts fields and every
+// line feed ends a row.
+void append_tsv_text(std::string& out, std::string_view text) {
+  for (const char c : text) {
+    switch (c) {
+      case '\t':
+        out += "\\t";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      default:
+        out += c;
+    }
+  }
+}
+
+void append_csv(std::string& out, const output_value& v, value_text values, text_appender text) {
   switch (v.kind) {
     default:
-      if (values == value_text::canonical || !append_csv_as_written(out, v)) append_typed(out, v, false);
+      if (values == value_text::canonical || !append_csv_as_written(out, v, text)) append_typed(out, v, false);
       return;
     case value_kind::missing:
       return;
     case value_kind::number:
-      if (values == value_text::canonical || !append_csv_as_written(out, v)) append_number(out, v);
+      if (values == value_text::canonical || !append_csv_as_written(out, v, text)) append_number(out, v);
       return;
     case value_kind::text:
       if (v.utf16) {
-        append_csv_text(out, foundation::core::unicode::to_utf8(v.units));
+        text(out, foundation::core::unicode::to_utf8(v.units));
       } else {
-        append_csv_text(out, v.bytes);
+        text(out, v.bytes);
       }
       return;
   }
 }
 
-void append_csv_fields(std::string& out, std::span<const output_value> values, value_text as) {
+void append_csv_fields(std::string& out, std::span<const output_value> values, value_text as,
+                       const delimited_style& style) {
+  const text_appender text = style.separator == '\t' ? append_tsv_text : append_csv_text;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (i > 0) out += ',';
-    append_csv(out, values[i], as);
+    if (i > 0) out += style.separator;
+    append_csv(out, values[i], as, text);
   }
 }
 
-void append_csv_row(std::string& out, std::span<const output_value> values, value_text as) {
-  append_csv_fields(out, values, as);
-  out += "\r\n";
+void append_csv_row(std::string& out, std::span<const output_value> values, value_text as,
+                    const delimited_style& style) {
+  append_csv_fields(out, values, as, style);
+  out += style.line_end;
 }
 
 // Appends `count` copies of `text` to the output in pieces, so that a long
@@ -213,6 +243,14 @@ std::string number_text(double value) {
 
 void jsonl_writer::header(const textio::import::table_header& header) {
   std::string& out = out_.text();
+  if (objects_) {
+    keys_.clear();
+    for (const output_value& name : header.names) {
+      std::string key;
+      append_json(key, name, values_);
+      keys_.push_back(std::move(key) + ": ");
+    }
+  }
   out += "{\"variables\": ";
   append_json_array(out, header.names, values_);
   out += ", \"units\": ";
@@ -236,7 +274,32 @@ void jsonl_writer::header(const textio::import::table_header& header) {
   out_.maybe_flush();
 }
 
+const std::string& jsonl_writer::key(std::size_t i) {
+  while (keys_.size() <= i) keys_.push_back("\"Var" + std::to_string(keys_.size() + 1) + "\": ");
+  return keys_[i];
+}
+
+void jsonl_writer::object_values(std::span<const output_value> values, std::size_t missing, bool last) {
+  std::string& out = out_.text();
+  if (!std::exchange(in_record_, !last)) {
+    out += '{';
+    field_ = 0;
+  }
+  for (std::size_t i = 0; i < values.size() + missing; ++i, ++field_) {
+    if (field_ > 0) out += ", ";
+    out += key(field_);
+    if (i < values.size()) {
+      append_json(out, values[i], values_);
+    } else {
+      out += "null";
+    }
+  }
+  if (last) out += "}\n";
+  out_.maybe_flush();
+}
+
 void jsonl_writer::record_part(std::span<const output_value> values) {
+  if (objects_) return object_values(values, 0, false);
   std::string& out = out_.text();
   if (!std::exchange(in_record_, true)) out += '[';
   for (const output_value& v : values) {
@@ -247,6 +310,7 @@ void jsonl_writer::record_part(std::span<const output_value> values) {
 }
 
 void jsonl_writer::record(std::span<const output_value> values) {
+  if (objects_) return object_values(values, 0, true);
   std::string& out = out_.text();
   if (std::exchange(in_record_, false)) {
     append_json_elements(out, values, values_);
@@ -259,6 +323,7 @@ void jsonl_writer::record(std::span<const output_value> values) {
 }
 
 void jsonl_writer::padded_record(std::span<const output_value> values, std::size_t missing) {
+  if (objects_) return object_values(values, missing, true);
   if (missing == 0) return record(values);
   std::string& out = out_.text();
   if (!std::exchange(in_record_, false)) out += '[';
@@ -273,15 +338,15 @@ void jsonl_writer::padded_record(std::span<const output_value> values, std::size
 
 void csv_writer::header(const textio::import::table_header& header) {
   if (header.names.empty()) return;
-  append_csv_row(out_.text(), header.names, values_);
+  append_csv_row(out_.text(), header.names, values_, style_);
   out_.maybe_flush();
 }
 
 void csv_writer::record(std::span<const output_value> values) { padded_record(values, 0); }
 
 void csv_writer::record_part(std::span<const output_value> values) {
-  append_csv_fields(out_.text(), values, values_);
-  out_.text() += ',';
+  append_csv_fields(out_.text(), values, values_, style_);
+  out_.text() += style_.separator;
   in_record_ = true;
   out_.maybe_flush();
 }
@@ -291,9 +356,9 @@ void csv_writer::padded_record(std::span<const output_value> values, std::size_t
       (missing == 1 || values[0].kind == value_kind::missing)) {
     lone_missing_written_ = true;
   }
-  append_csv_fields(out_.text(), values, values_);
-  append_repeated(out_, ",", values.empty() && missing > 0 ? missing - 1 : missing);
-  out_.text() += "\r\n";
+  append_csv_fields(out_.text(), values, values_, style_);
+  append_repeated(out_, std::string_view(&style_.separator, 1), values.empty() && missing > 0 ? missing - 1 : missing);
+  out_.text() += style_.line_end;
   out_.maybe_flush();
 }
 

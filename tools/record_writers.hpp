@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "import/output.hpp"
 
@@ -94,14 +95,42 @@ class text_writer : public textio::import::record_sink {
 // written, a number whose text is a JSON number keeps that text (4000.00);
 // others (+1, 1,5, NaN) are written canonically, datetimes and durations as
 // ISO 8601 strings.
+//
+// With `objects`, each record is one JSON object keyed by the variables'
+// names instead (VarN past the names).
 class jsonl_writer : public text_writer<jsonl_writer> {
  public:
   using text_writer::text_writer;
+  jsonl_writer(std::ostream& out, value_text values, bool objects) : text_writer(out, values), objects_(objects) {}
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
   void record_part(std::span<const textio::import::output_value> values) override;
+  std::unique_ptr<textio::import::record_sink> part_sink() override {
+    auto part = text_writer::part_sink();
+    auto& writer = static_cast<jsonl_writer&>(*part);
+    writer.objects_ = objects_;
+    writer.keys_ = keys_;
+    return part;
+  }
+
+ private:
+  const std::string& key(std::size_t i);
+  void object_values(std::span<const textio::import::output_value> values, std::size_t missing, bool last);
+
+  bool objects_ = false;
+  std::vector<std::string> keys_;  // "name": , JSON-quoted
+  std::size_t field_ = 0;          // of the record being written
 };
+
+// How a delimited output parts fields and rows and writes text: CSV quotes,
+// TSV escapes.
+struct delimited_style {
+  char separator;
+  const char* line_end;
+};
+inline constexpr delimited_style csv_style{',', "\r\n"};
+inline constexpr delimited_style tsv_style{'\t', "\n"};
 
 // RFC 4180: a header row when there are names, CRLF after every row, each
 // value as written unless canonical (a missing value empty), a field
@@ -112,9 +141,19 @@ class jsonl_writer : public text_writer<jsonl_writer> {
 // A record of one missing field is an empty line, which reads back as a
 // record only under EmptyLineRule "read"; lone_missing_written() tells
 // whether such a line was written, and lone_missing_advice() what to say.
+//
+// With tsv_style: tab-separated values, LF after every row, a value's tab,
+// line feed, carriage return and backslash written \t, \n, \r and \\ and
+// nothing quoted.
 class csv_writer : public text_writer<csv_writer> {
  public:
   using text_writer::text_writer;
+  csv_writer(std::ostream& out, value_text values, delimited_style style) : text_writer(out, values), style_(style) {}
+  std::unique_ptr<textio::import::record_sink> part_sink() override {
+    auto part = text_writer::part_sink();
+    static_cast<csv_writer&>(*part).style_ = style_;
+    return part;
+  }
   void header(const textio::import::table_header& header) override;
   void record(std::span<const textio::import::output_value> values) override;
   void padded_record(std::span<const textio::import::output_value> values, std::size_t missing) override;
@@ -128,6 +167,7 @@ class csv_writer : public text_writer<csv_writer> {
   }
 
   bool lone_missing_written_ = false;
+  delimited_style style_ = csv_style;
 };
 
 // The advice for a CSV output that holds a record of one missing field.

@@ -21,7 +21,12 @@ constexpr std::array options_options{struct_option};
 constexpr std::array reader_options{struct_option};
 constexpr std::array read_options{
     struct_option,
-    tool_option{"--format", "FORMAT", "jsonl (the default) or csv"},
+    tool_option{"--format", "FORMAT", "jsonl (the default), csv or tsv"},
+    tool_option{"--output", "FILE", "write to FILE (whole or not at all: renamed into place when complete)", "-o"},
+    tool_option{"--objects", "", "with jsonl: one JSON object per record, keyed by the variables' names"},
+    tool_option{"--rows", "N", "only the first N records (after --skip-rows); reading stops there"},
+    tool_option{"--skip-rows", "N", "leave out the first N records after the header"},
+    tool_option{"--select", "NAMES", "only these variables, in this order: names or positions from 1, a,b,3"},
     tool_option{"--count", "", "print only {\"records\": N, \"fields\": M}"},
     tool_option{"--canonical", "", "write typed values in canonical form (1.5, 2018-01-28) instead of as read"},
     tool_option{"--types", "JSON",

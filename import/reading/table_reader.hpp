@@ -147,6 +147,10 @@ class table_reader {
         stopped_at_ = part_state{window_offset(), line, variables_};
         return;
       }
+      if (sink_.satisfied()) {
+        send_header();
+        return;
+      }
       if (table_end_ && line >= *table_end_) {
         if (table_goes_on(line)) continue;
         finish();
@@ -160,7 +164,7 @@ class table_reader {
         if (structural_ && line >= first_structural_line_ && window_.view().size() <= data_rules_.max_record_units) {
           const structural_stop what = counting_ ? count_structurally() : read_structurally();
           if (what == structural_stop::end_of_input) break;
-          if ((table_end_ && line >= *table_end_) || at_stop()) continue;
+          if ((table_end_ && line >= *table_end_) || at_stop() || sink_.satisfied()) continue;
           // Otherwise the exact scanner takes the next record: one that the
           // scan leaves to it, or the one at the window's end, which the
           // exact scanner may find complete where the scan waits for another
@@ -206,7 +210,7 @@ class table_reader {
       const std::uint64_t base = window_offset();
       std::size_t taken = 0;  // of the window, up to the record being read
       const auto r = structural_->scan(w, window_.at_end(), line_, [&](const structural_record& rec) {
-        if (base + rec.begin >= stop_) return false;
+        if (base + rec.begin >= stop_ || sink_.satisfied()) return false;
         if (table_end_ && rec.line >= *table_end_ && !goes_on_plainly(rec)) return false;
         if (plain_ && plain_record(w, rec)) return true;
         if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
