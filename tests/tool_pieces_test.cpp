@@ -198,6 +198,7 @@ TEST(ToolArguments, OneGrammarSortsOptionsOperandAndPairs) {
       {{"f", "--", "--count", "--help", "--"}, {}, false, "f", {"--count", "--help", "--"}},
       {{"--", "--f"}, {}, false, "--f", {}},
       {{"-h", "--loud"}, {}, true, std::nullopt, {}},
+      {{"f", "-o", "out.csv", "-x"}, {{"--output", "out.csv"}}, false, "f", {"-x"}},
   };
   for (const auto& c : cases) {
     const auto parsed = zvtool::parse_subcommand_arguments("read", c.given);
@@ -211,7 +212,9 @@ TEST(ToolArguments, OneGrammarSortsOptionsOperandAndPairs) {
     args given;
     std::string message_has;
   } mistakes[] = {
-      {{"f", "--loud"}, "unknown option '--loud' for read; its options are --struct JSON, --format FORMAT, --count, "},
+      {{"f", "--loud"},
+       "unknown option '--loud' for read; its options are --struct JSON, --format FORMAT, --output FILE (-o), "},
+      {{"f", "--sep", ";"}, "unknown option '--sep' for read; did you mean `Delimiter ';'`?; its options are "},
       {{"f", "--struct"}, "--struct needs JSON"},
       {{"f", "--count=1"}, "--count takes no value"},
       {{"f", "--struct=", "--struct", "{}"}, "--struct may be given only once"},

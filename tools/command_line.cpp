@@ -45,9 +45,9 @@ std::string exit_status_help() {
 namespace {
 
 std::string option_label(const tool_option& option) {
-  std::string label = option.short_name.empty() ? std::string(option.name)
-                                                : std::string(option.short_name) + "/" + std::string(option.name);
+  std::string label(option.name);
   if (!option.value_name.empty()) label += " " + std::string(option.value_name);
+  if (!option.short_name.empty()) label += " (" + std::string(option.short_name) + ")";
   return label;
 }
 

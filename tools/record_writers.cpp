@@ -362,6 +362,10 @@ void csv_writer::padded_record(std::span<const output_value> values, std::size_t
   out_.maybe_flush();
 }
 
+void append_value_text(std::string& out, const output_value& v) {
+  append_csv(out, v, value_text::as_written, [](std::string& to, std::string_view text) { to += text; });
+}
+
 std::string lone_missing_advice() {
   return "zvtextparser: note: a record of one missing value is written as an empty line; read this CSV back with "
          "EmptyLineRule read to keep those records\n";

@@ -170,6 +170,10 @@ class csv_writer : public text_writer<csv_writer> {
   delimited_style style_ = csv_style;
 };
 
+// A value's text as read (a typed value's own text where it has one, else
+// its canonical form), unquoted and unescaped; nothing for a missing value.
+void append_value_text(std::string& out, const textio::import::output_value& v);
+
 // The advice for a CSV output that holds a record of one missing field.
 std::string lone_missing_advice();
 

@@ -9,6 +9,7 @@
 #include "tools/read_command.hpp"
 #include "tools/reader_command.hpp"
 #include "tools/reading_choices.hpp"
+#include "tools/show_command.hpp"
 #include "tools/usage_error.hpp"
 
 namespace zvtool {
@@ -49,6 +50,15 @@ constexpr std::array read_options{
     tool_option{"--threads", "N", "read a large file with N threads (default: every core); the same output"},
 };
 constexpr std::array detect_options{struct_option, encoding_option, quote_option, escape_option};
+constexpr std::array show_options{
+    struct_option,
+    tool_option{"--rows", "N", "show the first N records (default 20)"},
+    tool_option{"--types", "JSON", "types by position or by name, as read takes them"},
+    tool_option{"--no-detect", "", "read with the options as they stand; detect nothing"},
+    encoding_option,
+    quote_option,
+    escape_option,
+};
 constexpr std::array<tool_option, 0> help_options{};
 
 constexpr std::string_view options_details = R"(Output: one JSON object, {"options": {...}}, the record's thirty fields
@@ -98,6 +108,15 @@ ImportErrorRule applies. A note on standard error counts such values per
 variable, and --strict makes them a reading error (status 4).
 )";
 
+constexpr std::string_view show_details =
+    R"(Output: one line of what was detected (encoding, delimiter, header lines,
+variables, an estimate of the rows of a regular file, detection's
+confidence), then the names, the types and the first rows, aligned: numbers
+to the right, text to the left. A long value is cut with "..." so that the
+table fits COLUMNS, or 80 columns on a terminal; otherwise values are whole.
+Values are shown as read; a missing value is blank.
+)";
+
 constexpr std::string_view detect_details =
     R"(Detection looks at the first MiB of FILE and the rest of the line it ends in,
 and fills in only what the options leave open. Output: {"options": {...},
@@ -121,6 +140,11 @@ constexpr std::array all_subcommands{
     subcommand{{"read", "Read FILE with the reader that the options name and print its records.", "FILE",
                 "the file to read, or - for standard input", read_options, read_details},
                &run_read_command},
+    subcommand{{"show",
+                "Print what was detected in FILE and its first rows as an aligned table, with each variable's name "
+                "and type.",
+                "FILE", "the file to look at, or - for standard input", show_options, show_details},
+               &run_show_command},
     subcommand{{"detect", "Apply options as options does, detect what they leave open in FILE and print it as JSON.",
                 "FILE", "the file to look at, or - for standard input", detect_options, detect_details},
                &run_detect_command},

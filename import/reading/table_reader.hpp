@@ -147,10 +147,7 @@ class table_reader {
         stopped_at_ = part_state{window_offset(), line, variables_};
         return;
       }
-      if (sink_.satisfied()) {
-        send_header();
-        return;
-      }
+      if (done()) return;
       if (table_end_ && line >= *table_end_) {
         if (table_goes_on(line)) continue;
         finish();
@@ -164,7 +161,7 @@ class table_reader {
         if (structural_ && line >= first_structural_line_ && window_.view().size() <= data_rules_.max_record_units) {
           const structural_stop what = counting_ ? count_structurally() : read_structurally();
           if (what == structural_stop::end_of_input) break;
-          if ((table_end_ && line >= *table_end_) || at_stop() || sink_.satisfied()) continue;
+          if ((table_end_ && line >= *table_end_) || at_stop() || done()) continue;
           // Otherwise the exact scanner takes the next record: one that the
           // scan leaves to it, or the one at the window's end, which the
           // exact scanner may find complete where the scan waits for another
@@ -210,7 +207,7 @@ class table_reader {
       const std::uint64_t base = window_offset();
       std::size_t taken = 0;  // of the window, up to the record being read
       const auto r = structural_->scan(w, window_.at_end(), line_, [&](const structural_record& rec) {
-        if (base + rec.begin >= stop_ || sink_.satisfied()) return false;
+        if (base + rec.begin >= stop_ || done()) return false;
         if (table_end_ && rec.line >= *table_end_ && !goes_on_plainly(rec)) return false;
         if (plain_ && plain_record(w, rec)) return true;
         if (!fill_scanned_record(w, rec, data_rules_, rec_)) return false;
@@ -270,6 +267,10 @@ class table_reader {
       return r.what;
     }
   }
+
+  // The sink wants no more records (once it has its header, which comes
+  // with the first record).
+  bool done() const { return header_sent_ && sink_.satisfied(); }
 
   // What holds the memory of a record beyond its own text.
   std::string memory_user() const {
