@@ -504,6 +504,21 @@ void arrow_table_sink::padded_record(std::span<const output_value> values, std::
   for (std::size_t i = 0; i < values.size(); ++i) {
     arrow_column& c = batch.columns[i];
     const output_value& v = values[i];
+    // Most values: a double for a float64 column, UTF-8 text for a text one.
+    if (c.validity.size() == 0) [[likely]] {
+      if (c.type == arrow_type::float64 && v.kind == value_kind::number) {
+        c.values.push(v.number);
+        ++c.length;
+        continue;
+      }
+      if (c.type == arrow_type::utf8 && v.kind == value_kind::text && !v.utf16 &&
+          c.text.size() + v.bytes.size() <= static_cast<std::size_t>(narrow_text_max)) {
+        c.text.append(v.bytes.data(), v.bytes.size());
+        c.values.push(static_cast<std::int32_t>(c.text.size()));
+        ++c.length;
+        continue;
+      }
+    }
     if (v.kind == value_kind::missing) {
       put_missing(c);
       continue;
