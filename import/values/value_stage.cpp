@@ -197,13 +197,7 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
         } else if (typing_[i].unconverted == unconverted_value::text) {
           // Kept as its text: a later value that the guessed type does not fit.
           if (how != use::check) count_unconverted(i, where().line);
-          v.kind = value_kind::text;
-          if constexpr (sizeof(CharT) == 1) {
-            v.bytes = text;
-          } else {
-            v.utf16 = true;
-            v.units = text;
-          }
+          v = text_value(text);
         } else {
           // (A first pass that only checks counts a value only where it
           // drops the record; the pass that keeps it counts it.)
@@ -213,13 +207,7 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
         }
       }
     } else if (how != use::check) {
-      v.kind = value_kind::text;
-      if constexpr (sizeof(CharT) == 1) {
-        v.bytes = text;
-      } else {
-        v.utf16 = true;
-        v.units = text;
-      }
+      v = text_value(text);
     }
     ++i;
     if (how == use::parts && values_.size() > record_part_size) {
