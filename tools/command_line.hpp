@@ -21,9 +21,9 @@
 namespace zvtool {
 
 struct tool_option {
-  std::string_view name;        ///< "--format"
-  std::string_view value_name;  ///< "FORMAT"; empty for an option without value
-  std::string_view help;        ///< one line
+  std::string_view name;             ///< "--format"
+  std::string_view value_name;       ///< "FORMAT"; empty for an option without value
+  std::string_view help;             ///< one line
   std::string_view short_name = {};  ///< "-o"; empty for none
 };
 

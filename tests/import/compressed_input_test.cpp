@@ -42,8 +42,8 @@ std::string zlib(const std::string& text) { return gzip(text, 15); }
 std::string bzip2(const std::string& text) {
   std::string out(text.size() + 1024, '\0');
   auto size = static_cast<unsigned>(out.size());
-  BZ2_bzBuffToBuffCompress(out.data(), &size, const_cast<char*>(text.data()), static_cast<unsigned>(text.size()), 9,
-                           0, 0);
+  BZ2_bzBuffToBuffCompress(out.data(), &size, const_cast<char*>(text.data()), static_cast<unsigned>(text.size()), 9, 0,
+                           0);
   out.resize(size);
   return out;
 }
@@ -51,8 +51,8 @@ std::string bzip2(const std::string& text) {
 std::string xz(const std::string& text) {
   std::string out(text.size() + 1024, '\0');
   std::size_t size = 0;
-  lzma_easy_buffer_encode(6, LZMA_CHECK_CRC64, nullptr, reinterpret_cast<const std::uint8_t*>(text.data()),
-                          text.size(), reinterpret_cast<std::uint8_t*>(out.data()), &size, out.size());
+  lzma_easy_buffer_encode(6, LZMA_CHECK_CRC64, nullptr, reinterpret_cast<const std::uint8_t*>(text.data()), text.size(),
+                          reinterpret_cast<std::uint8_t*>(out.data()), &size, out.size());
   out.resize(size);
   return out;
 }
@@ -69,8 +69,12 @@ TEST(CompressedInput, EachFormatReadsAsItsText) {
   const struct {
     const char* name;
     std::string bytes;
-  } cases[] = {{"gzip", gzip(table)},           {"zlib", zlib(table)},   {"bzip2", bzip2(table)},
-               {"xz", xz(table)},               {"zstd", zstd(table)},   {"gzip members", gzip(table) + gzip("4,x\n")},
+  } cases[] = {{"gzip", gzip(table)},
+               {"zlib", zlib(table)},
+               {"bzip2", bzip2(table)},
+               {"xz", xz(table)},
+               {"zstd", zstd(table)},
+               {"gzip members", gzip(table) + gzip("4,x\n")},
                {"zstd frames", zstd(table) + zstd("4,x\n")}};
   for (const auto& c : cases) {
     const std::string path = import_test::write_file(c.bytes);
