@@ -35,7 +35,7 @@ void put_validity(arrow_column& column, bool valid) {
   if (valid && column.validity.size() == 0) return;
   if (column.validity.size() == 0) {
     column.validity.resize(bitmap_bytes(column.length));
-    std::memset(column.validity.data(), 0xFF, column.validity.size());
+    if (column.validity.size() != 0) std::memset(column.validity.data(), 0xFF, column.validity.size());
     if (column.length % 8 != 0) column.validity.data()[column.length / 8] = (1U << (column.length % 8)) - 1;
   }
   put_bit(column.validity, column.length, valid);
