@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build g++ clang-14 pkg-config
   libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libhwy-dev libuchardet-dev libfast-float-dev
+  pybind11-dev python3-dev python3-numpy python3-pandas python3-dask python3-distributed python3-pytest
 )
 
 missing=()
