@@ -19,6 +19,7 @@
 #include "import/read.hpp"
 #include "import/table/arrow_export.hpp"
 #include "name_value/option_vocabulary.hpp"
+#include "python/src/part_reading.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/detect_command.hpp"
 #include "tools/exit_status.hpp"
@@ -469,6 +470,38 @@ native_table table_of(ti::table_read&& got) {
   return t;
 }
 
+// A plan as plain Python values, so that it pickles.
+py::tuple plan_state(const zvpy::read_plan& plan) {
+  py::list types;
+  for (const auto& t : plan.types) {
+    types.append(py::make_tuple(std::string(ti::type_name(t.type)), static_cast<int>(t.dates), t.missing_markers));
+  }
+  const auto& f = plan.format;
+  return py::make_tuple(plan.option_pairs, f.encoding, static_cast<int>(static_cast<unsigned char>(f.quote)),
+                        static_cast<int>(f.escape), f.quote_detected, f.table_end_line, f.variable_names, plan.names,
+                        types);
+}
+
+zvpy::read_plan plan_of(const py::tuple& state) {
+  if (state.size() != 9) throw py::value_error("not a read plan");
+  zvpy::read_plan plan;
+  plan.option_pairs = state[0].cast<std::vector<std::string>>();
+  plan.format.encoding = state[1].cast<std::string>();
+  plan.format.quote = static_cast<char>(state[2].cast<int>());
+  plan.format.escape = static_cast<ti::escape_style>(state[3].cast<int>());
+  plan.format.quote_detected = state[4].cast<bool>();
+  plan.format.table_end_line = state[5].cast<std::optional<std::uint64_t>>();
+  plan.format.variable_names = state[6].cast<std::vector<std::string>>();
+  plan.names = state[7].cast<std::vector<std::string>>();
+  for (const auto& t : state[8]) {
+    const auto typing = t.cast<py::tuple>();
+    plan.types.push_back(ti::variable_typing{type_named(typing[0].cast<std::string>()),
+                                             static_cast<ti::date_order>(typing[1].cast<int>()),
+                                             typing[2].cast<std::vector<std::string>>()});
+  }
+  return plan;
+}
+
 std::vector<std::string> option_keys() {
   std::vector<std::string> keys;
   for (const auto& option : textio::options::option_descriptions) keys.emplace_back(option.key);
@@ -533,4 +566,56 @@ PYBIND11_MODULE(_zvtextparser, m) {
         return py::bytes(out.text());
       },
       ZVTP_CALL_ARGS);
+
+  py::class_<zvpy::read_plan>(m, "ReadPlan")
+      .def_readonly("names", &zvpy::read_plan::names)
+      .def_property_readonly("types",
+                             [](const zvpy::read_plan& p) {
+                               std::vector<std::string> names;
+                               for (const auto& t : p.types) names.emplace_back(ti::type_name(t.type));
+                               return names;
+                             })
+      .def(py::pickle(&plan_state, &plan_of));
+
+  m.def(
+      "plan_read",
+      [](const std::string& path, const std::vector<std::string>& options, bool detect,
+         std::optional<std::string> encoding, std::optional<std::string> quote, std::optional<std::string> escape,
+         std::optional<std::uint64_t> table_end, bool all_lines, const std::vector<std::string>& variable_names,
+         std::optional<std::string> types_json) {
+        auto c = prepare(py::str(path), path, options, detect, std::nullopt, encoding, quote, escape, table_end,
+                         all_lines, variable_names, py::none());
+        try {
+          return guarded([&] { return zvpy::plan_read(path, c->options, c->settings, types_json); });
+        } catch (const zvtool::usage_error& error) {
+          throw py::value_error(error.what());
+        }
+      },
+      py::arg("path"), py::arg("options"), py::arg("detect"), py::arg("encoding"), py::arg("quote"), py::arg("escape"),
+      py::arg("table_end"), py::arg("all_lines"), py::arg("variable_names"), py::arg("types_json"));
+
+  m.def(
+      "part_starts",
+      [](const std::string& path, const zvpy::read_plan& plan, std::uint64_t block_bytes) {
+        py::list starts;
+        for (const auto& s : guarded([&] { return zvpy::part_starts(path, plan, block_bytes); })) {
+          starts.append(py::make_tuple(s.offset, s.line, s.variables));
+        }
+        return starts;
+      },
+      py::arg("path"), py::arg("plan"), py::arg("block_bytes"));
+
+  m.def(
+      "read_part",
+      [](const std::string& path, const zvpy::read_plan& plan, const py::tuple& start,
+         std::optional<std::uint64_t> stop) {
+        const ti::part_state state{start[0].cast<std::uint64_t>(), start[1].cast<std::uint64_t>(),
+                                   start[2].cast<std::optional<std::size_t>>()};
+        native_table t;
+        t.table =
+            std::make_shared<const ti::arrow_table>(guarded([&] { return zvpy::read_part(path, plan, state, stop); }));
+        for (const auto& typing : plan.types) t.types.emplace_back(ti::type_name(typing.type));
+        return t;
+      },
+      py::arg("path"), py::arg("plan"), py::arg("start"), py::arg("stop"));
 }
