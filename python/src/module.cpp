@@ -120,6 +120,10 @@ std::unique_ptr<call> prepare(const py::object& source, const std::string& name,
       std::erase(wanted, '_');
       if (const auto key = zvtool::near_key(wanted)) failure->hint = "Did you mean '" + std::string(*key) + "'?";
     }
+    // The tool's hint says how to quote a VALUE argument; here a str is text.
+    if (failure->hint.ends_with("to give it as text.")) {
+      failure->hint = "Pass a str to give it as text.";
+    }
     raise_failure(*failure);
   }
   zvtool::parsed_arguments args;
