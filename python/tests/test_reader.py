@@ -57,6 +57,11 @@ class Unseekable(io.RawIOBase):
         return self._data.readinto(buffer)
 
 
+def peeked(file):
+    file.peek(1)  # the buffer is filled: the descriptor is past the start, tell() is 0
+    return file
+
+
 SOURCES = [
     ("str path", lambda p: str(p)),
     ("PathLike", lambda p: pathlib.Path(p)),
@@ -64,6 +69,7 @@ SOURCES = [
     ("bytearray", lambda p: bytearray(p.read_bytes())),
     ("memoryview", lambda p: memoryview(p.read_bytes())),
     ("file object", lambda p: open(p, "rb")),
+    ("file object read ahead", lambda p: peeked(open(p, "rb"))),
     ("in-memory file", lambda p: io.BytesIO(p.read_bytes())),
     ("unseekable stream", lambda p: Unseekable(p.read_bytes())),
 ]

@@ -62,6 +62,8 @@ def _source(source):
         except (AttributeError, OSError, ValueError, io.UnsupportedOperation):
             regular = False
         if regular:
+            # A buffered file may have read ahead: the reader starts at byte 0.
+            os.lseek(fd, 0, os.SEEK_SET)
             return fd, name
         data = source.read()
         if isinstance(data, str):
