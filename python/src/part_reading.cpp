@@ -100,7 +100,10 @@ std::vector<ti::part_state> part_starts(const std::string& path, const read_plan
     return starts;
   }
   discarding_sink sink;
-  ti::table_reader<char> reader(record, input, sink, {}, plan.format, {}, {});
+  // (The reader keeps references to its callbacks.)
+  const ti::progress_callback no_progress;
+  const ti::stray_quote_callback no_stray_quote;
+  ti::table_reader<char> reader(record, input, sink, no_progress, plan.format, no_stray_quote, {});
   if (!reader.reads_in_parts()) return starts;
   for (std::uint64_t at = block_bytes; at < input.size(); at += block_bytes) {
     if (at <= starts.back().offset) continue;  // a record longer than a block
