@@ -109,7 +109,13 @@ std::unique_ptr<call> prepare(const py::object& source, const std::string& name,
                               const std::optional<std::uint64_t>& table_end, bool all_lines,
                               const std::vector<std::string>& variable_names, const py::object& types) {
   auto c = std::make_unique<call>();
-  if (auto failure = zvtool::apply_option_arguments(std::nullopt, option_pairs, c->options)) {
+  std::optional<zvtool::message_failure> failure;
+  try {
+    failure = zvtool::apply_option_arguments(std::nullopt, option_pairs, c->options);
+  } catch (const zvtool::usage_error& error) {
+    throw py::value_error(error.what());  // a value with no host value, such as a malformed typed value
+  }
+  if (failure) {
     // A snake_case name that is no key: suggest the key it is near.
     if (failure->hint.empty() && failure->id.key == "UnknownParameter" && !failure->id.args.empty()) {
       std::string wanted;

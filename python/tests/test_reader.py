@@ -142,6 +142,7 @@ ERRORS = [
     (lambda: zv.read_table(b"\x00\x01\x02\x03binary\x00\xff" * 40), zv.ReadError,
      "ZORVEK:textio:reader:NotText", None, None),
     (lambda: zv.read_table(NEWLINES, quote="ab"), ValueError, None, None, "quote takes one ASCII character"),
+    (lambda: zv.read_table(NEWLINES, delimiter={"$class": "nothing"}), ValueError, None, None, "$class"),
     (lambda: zv.read_table(12.5), TypeError, None, None, "float"),
 ]
 
