@@ -175,6 +175,15 @@ def test_numbers_share_the_readers_buffer():
     del table, frame, again
     assert first.tolist() == [3.0, 6.0, 9.0]  # the array keeps the table alive
 
+    # Several batches: concatenated once, in order, with the missing values where they were.
+    rows = 150_000
+    data = "n,x\n" + "".join("%d,%s\n" % (i, "" if i % 70_001 == 5 else i) for i in range(rows))
+    columns = zv.read(data.encode(), types=["int64", "double"]).to_arrays()
+    assert columns["n"][0].tolist() == list(range(rows)) and columns["n"][1] is None
+    x, mask = columns["x"]
+    assert mask.nonzero()[0].tolist() == [5, 70_006, 140_007] and np.isnan(x[mask]).all()
+    assert (x[~mask] == np.arange(rows)[~mask]).all()
+
     # A missing value: a copy with NaN in its place.
     missing = zv.read(b"a,b\n1,2\n,4\n")
     values, mask = missing.to_arrays()["a"]
