@@ -8,6 +8,7 @@ packages=(
   libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libhwy-dev libuchardet-dev libfast-float-dev
   zlib1g-dev libbz2-dev liblzma-dev libzstd-dev
+  pybind11-dev python3-dev python3-numpy python3-pandas python3-dask python3-distributed python3-pytest
 )
 
 missing=()

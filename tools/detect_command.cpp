@@ -8,7 +8,6 @@
 #include "tools/record_json.hpp"
 
 namespace zvtool {
-namespace {
 
 void write_detected(json_writer& out, const textio::import::detection_result& result) {
   const textio::import::detection_report& report = result.report;
@@ -70,8 +69,6 @@ void write_detected(json_writer& out, const textio::import::detection_result& re
   out.end_object();
   out.end_object();
 }
-
-}  // namespace
 
 tool_result run_detect_command(const parsed_arguments& args) {
   textio::parser::options record;

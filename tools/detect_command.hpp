@@ -5,10 +5,16 @@
 // `read --no-detect` read the same.
 #pragma once
 
+#include "import/detect/detection.hpp"
 #include "tools/command_line.hpp"
+#include "tools/json_writer.hpp"
 #include "tools/report.hpp"
 
 namespace zvtool {
+
+// The "detected" object: encoding, quote, escape, variable names and types,
+// missing markers, unsettled date orders, table end, confidence and reasons.
+void write_detected(json_writer& out, const textio::import::detection_result& result);
 
 tool_result run_detect_command(const parsed_arguments& args);
 
