@@ -145,17 +145,19 @@ void find_types(read_outcome& out, const read_settings& settings, std::string_vi
 
 }  // namespace
 
-read_outcome read_into(const read_source& source, const textio::parser::options& options, const read_settings& settings,
-                       record_sink& sink) {
-  const std::unique_ptr<utf8_input> input = open_input(source);
+namespace {
+
+// Detection and the types: all that reading `input` goes by, before its
+// first record.
+read_outcome prepare(utf8_input& input, const textio::parser::options& options, const read_settings& settings) {
   read_outcome out;
   out.options = options;
   out.format = format_given(settings.given);
-  const std::string_view raw = input->sample(detection_sample_bytes);
-  const bool whole = input->sample_is_whole_input();
+  const std::string_view raw = input.sample(detection_sample_bytes);
+  const bool whole = input.sample_is_whole_input();
   out.empty_input = whole && blank(raw);
   if (settings.detect && !out.empty_input) {
-    detection_result detected = detect_from(*input, options, settings.given);
+    detection_result detected = detect_from(input, options, settings.given);
     out.options = std::move(detected.options);
     out.format = std::move(detected.format);
     out.report = std::move(detected.report);
@@ -180,11 +182,26 @@ read_outcome read_into(const read_source& source, const textio::parser::options&
   }
   if (out.names.empty() && out.report) out.names = out.report->variable_names;
   if (out.names.empty()) out.names = out.format.variable_names;
+  return out;
+}
+
+}  // namespace
+
+read_outcome read_into(const read_source& source, const textio::parser::options& options, const read_settings& settings,
+                       record_sink& sink) {
+  const std::unique_ptr<utf8_input> input = open_input(source);
+  read_outcome out = prepare(*input, options, settings);
   if (settings.before_reading) settings.before_reading(out);
   out.summary =
       read_typed_table(out.options, *input, sink, out.format, out.types, settings.progress, settings.stray_quote);
   out.input_changed = input->changed_since_opened();
   return out;
+}
+
+read_outcome plan_read(const read_source& source, const textio::parser::options& options,
+                       const read_settings& settings) {
+  const std::unique_ptr<utf8_input> input = open_input(source);
+  return prepare(*input, options, settings);
 }
 
 table_read read_table(const read_source& source, const textio::parser::options& options,

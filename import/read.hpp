@@ -124,6 +124,12 @@ struct read_outcome {
 ZVTEXTIMPORT_API read_outcome read_into(const read_source& source, const textio::parser::options& options,
                                         const read_settings& settings, record_sink& sink);
 
+// What read_into reads `source` with, found as it finds it (detection and
+// the types from the input's start) without reading a record: for callers
+// that read the input in parts of their own.
+ZVTEXTIMPORT_API read_outcome plan_read(const read_source& source, const textio::parser::options& options,
+                                        const read_settings& settings);
+
 struct table_read {
   arrow_table table;
   read_outcome outcome;

@@ -61,26 +61,13 @@ class open_file {
 read_plan plan_read(const std::string& path, const textio::parser::options& options, const ti::read_settings& settings,
                     const std::optional<std::string>& types_json) {
   read_plan plan;
-  textio::parser::options record = options;
-  std::vector<ti::detected_type> detected;
-  if (settings.detect) {
-    const ti::detection_result found = ti::detect(ti::read_source::file(path), options, settings);
-    record = found.options;
-    plan.format = found.format;
-    detected = zvtool::detected_types_of(found.report);
-    plan.names = found.report.variable_names;
-  } else {
-    plan.format = zvtool::given_format(settings.given);
-    const zvtool::text_sample sample = zvtool::read_text_sample(record, path, plan.format);
-    detected = zvtool::detect_sample_types(record, sample);
-    plan.names = sample.names;
-  }
-  if (settings.table_end_line) plan.format.table_end_line = settings.table_end_line;
-  if (settings.all_lines) plan.format.table_end_line.reset();
-  if (!settings.variable_names.empty()) plan.format.variable_names = plan.names = settings.variable_names;
-  if (record.output_type() == textio::enums::OutputBuilderType::Table) {
-    plan.types = zvtool::apply_type_argument(types_json, std::move(detected), plan.names);
-  }
+  ti::read_settings asked = settings;
+  if (types_json) asked.types = zvtool::type_request_of(types_json);
+  const ti::read_outcome found = ti::plan_read(ti::read_source::file(path), options, asked);
+  const textio::parser::options& record = found.options;
+  plan.format = found.format;
+  plan.names = found.names;
+  plan.types = found.types;
   // The record as pairs that set it again: the reproducing arguments of a
   // default format hold no tool options.
   for (const std::string& a : zvtool::reproducing_arguments(record, ti::text_format{})) {

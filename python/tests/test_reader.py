@@ -119,9 +119,8 @@ def test_option_spellings_are_kept_by_detection(path, options, kept):
 def test_detect_gives_what_the_tool_prints():
     found = zv.detect(NEWLINES)
     assert set(found) == {"options", "detected", "arguments"}
-    assert set(found["detected"]) == {"encoding", "quote", "escape", "variable_names", "variable_types",
-                                      "missing_markers", "date_order_unsettled", "table_end_line", "confidence",
-                                      "reasons"}
+    assert {"encoding", "quote", "escape", "variable_names", "names_generated", "variable_types", "missing_markers",
+            "date_order_unsettled", "table_end_line", "confidence", "doubts", "reasons"} <= set(found["detected"])
     assert found["detected"]["variable_names"] == ["a", "b", "c"]
     assert found["detected"]["variable_types"] == ["string", "double", "double"]
 
