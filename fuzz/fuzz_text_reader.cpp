@@ -22,6 +22,7 @@
 #include "fuzz/fuzz_input.hpp"
 #include "import/output.hpp"
 #include "import/text_reader.hpp"
+#include "import/values/number_text.hpp"
 #include "import/input/utf8_input.hpp"
 #include "import/input/utf8_text.hpp"
 #include "import/values/value_conversion.hpp"
@@ -182,7 +183,7 @@ class checking_sink : public textio::import::record_sink {
       log.append(reinterpret_cast<const char*>(&v.number), sizeof v.number);
       log.append(reinterpret_cast<const char*>(&v.integer), sizeof v.integer);
       log.append(v.written);
-      log += v.json_number ? 'j' : '-';
+      log += textio::import::written_as_json_number(v) ? 'j' : '-';
       log += '\x1f';
     }
   }

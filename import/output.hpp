@@ -12,9 +12,7 @@
 namespace textio::import {
 
 // Typed values: integer holds an exact int64 (unsigned_integer its uint64
-// bits); number holds a double in `number` and, when `bytes` is not empty,
-// its text as append_number_text writes it (the field's own text, when it
-// was already in that form), for outputs to copy; logical holds 0 or 1 in
+// bits); number holds a double in `number`; logical holds 0 or 1 in
 // `number`; datetime and duration hold seconds
 // in `number` (since 1970 at UTC for a datetime) and their canonical ISO 8601
 // text in `bytes` (ASCII, also when `utf16`). A typed value also keeps the
@@ -25,8 +23,10 @@ struct output_value {
   value_kind kind = value_kind::missing;
   // Text in the reader's units: UTF-16 when `utf16`, else UTF-8 bytes.
   bool utf16 = false;
-  // A number (of any kind) whose written text is a JSON number of its value.
-  bool json_number = false;
+  // A number (of any kind) read with '.' before its fraction and no
+  // grouping: where its written text has the outputs' own syntax, that text
+  // is the number (number_text.hpp tells, when an output asks).
+  bool plain_decimal = false;
   std::string_view bytes;
   std::u16string_view units;
   double number = 0;

@@ -49,14 +49,15 @@ void append_typed(std::string& out, const output_value& v, bool json) {
 // A number: its text as the reader found it, when that is already the
 // shortest round trip, else formatted.
 void append_number(std::string& out, const output_value& v) {
-  if (v.bytes.empty()) return textio::import::append_number_text(out, v.number);
-  out += v.bytes;
+  const std::string_view shortest = textio::import::written_shortest(v);
+  if (shortest.empty()) return textio::import::append_number_text(out, v.number);
+  out += shortest;
 }
 
 // A number's own text when it is a JSON number of its value; false when it
 // is not.
 bool append_json_number_as_written(std::string& out, const output_value& v) {
-  if (!v.json_number) return false;
+  if (!textio::import::written_as_json_number(v)) return false;
   if (v.utf16) {
     for (const char16_t u : v.units) out += static_cast<char>(u);  // (ASCII)
   } else {

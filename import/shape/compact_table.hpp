@@ -27,7 +27,7 @@ class compact_table {
     put_count(values.size());
     put_count(missing_after);
     for (const output_value& v : values) {
-      row_.push_back(static_cast<char>(static_cast<unsigned>(v.kind) | (v.json_number ? json_number_bit : 0U)));
+      row_.push_back(static_cast<char>(static_cast<unsigned>(v.kind) | (v.plain_decimal ? plain_decimal_bit : 0U)));
       if (v.kind == value_kind::number) {
         char bytes[sizeof(double)];
         std::memcpy(bytes, &v.number, sizeof bytes);
@@ -72,8 +72,8 @@ class compact_table {
         values.assign(count, output_value{});
         for (output_value& v : values) {
           const auto kind = static_cast<unsigned char>(*p++);
-          v.kind = static_cast<value_kind>(kind & ~json_number_bit);
-          v.json_number = (kind & json_number_bit) != 0;
+          v.kind = static_cast<value_kind>(kind & ~plain_decimal_bit);
+          v.plain_decimal = (kind & plain_decimal_bit) != 0;
           if (v.kind == value_kind::number) {
             std::memcpy(&v.number, p, sizeof(double));
             p += sizeof(double);
@@ -105,7 +105,7 @@ class compact_table {
 
  private:
   static constexpr std::size_t chunk_size = std::size_t{16} << 20;
-  static constexpr unsigned json_number_bit = 0x80;  // in the kind byte
+  static constexpr unsigned plain_decimal_bit = 0x80;  // in the kind byte
 
   struct chunk {
     std::unique_ptr<char[]> data;

@@ -121,4 +121,14 @@ bool json_number_syntax(std::basic_string_view<CharT> text) {
 bool is_json_number_text(std::string_view text) { return json_number_syntax(text); }
 bool is_json_number_text(std::u16string_view text) { return json_number_syntax(text); }
 
+bool written_as_json_number(const output_value& v) {
+  if (!v.plain_decimal) return false;
+  return v.utf16 ? json_number_syntax(v.units) : json_number_syntax(v.written);
+}
+
+std::string_view written_shortest(const output_value& v) {
+  if (!v.plain_decimal || v.utf16 || !is_shortest_number_text(v.written)) return {};
+  return v.written;
+}
+
 }  // namespace textio::import

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "import/output.hpp"
+
 namespace textio::import {
 
 // Appends the shortest digits that read back to `value`; NaN, Inf and -Inf
@@ -23,5 +25,12 @@ bool is_shortest_number_text(std::string_view text);
 // -?(0|[1-9][0-9]*)(\.[0-9]+)?([eE][+-]?[0-9]+)?
 bool is_json_number_text(std::string_view text);
 bool is_json_number_text(std::u16string_view text);
+
+// Whether a number may be written in JSON as its own written text.
+bool written_as_json_number(const output_value& v);
+
+// A number's written text when that is already what append_number_text
+// would write (UTF-8 only), else empty: for a writer to copy.
+std::string_view written_shortest(const output_value& v);
 
 }  // namespace textio::import

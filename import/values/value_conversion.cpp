@@ -161,13 +161,9 @@ bool number_value(std::basic_string_view<CharT> text, const number_format& forma
   out.kind = value_kind::number;
   out.number = number;
   out.bytes = {};
-  if constexpr (sizeof(CharT) == 1) {
-    if (reads_plain_decimals(format) && is_shortest_number_text(text)) out.bytes = text;
-  }
   keep_written(text, out);
-  // Read with '.' before the fraction and no separators, JSON reads the same
-  // number from the text.
-  out.json_number = reads_plain_decimals(format) && is_json_number_text(text);
+  // Whether its text may stand for it is left to the outputs that ask.
+  out.plain_decimal = reads_plain_decimals(format);
   return true;
 }
 
@@ -176,9 +172,7 @@ bool convert_value(std::basic_string_view<CharT> text, value_type type, const co
                    output_value& out, std::string& canonical) {
   if (!typed_value(text, type, settings, out, canonical)) return false;
   keep_written(text, out);
-  if (is_integer_type(type) || type == value_type::single) {
-    out.json_number = reads_plain_decimals(settings.numbers) && is_json_number_text(text);
-  }
+  if (is_integer_type(type) || type == value_type::single) out.plain_decimal = reads_plain_decimals(settings.numbers);
   return true;
 }
 

@@ -137,7 +137,7 @@ void value_stage<CharT>::convert_in_place(std::span<output_value> values, std::u
       v.number = 0;
       v.integer = 0;
       v.written = {};
-      v.json_number = false;
+      v.plain_decimal = false;
       if (v.kind != value_kind::text) continue;  // missing stays missing
       const std::string_view text = v.bytes;
       if (matrix_) {

@@ -174,9 +174,9 @@ TEST(ValueConversion, JsonNumbersAreTheTextsJsonReadsTheSame) {
       const std::u16string units(c.text.begin(), c.text.end());
       const bool converted = wide ? convert_value(std::u16string_view(units), c.type, c.settings, v, canonical)
                                   : convert_value(c.text, c.type, c.settings, v, canonical);
-      EXPECT_EQ(!converted      ? "refused"
-                : v.json_number ? "json"
-                                : "not",
+      EXPECT_EQ(!converted                  ? "refused"
+                : written_as_json_number(v) ? "json"
+                                            : "not",
                 c.expected)
           << c.text << (wide ? " UTF-16" : "");
     }
