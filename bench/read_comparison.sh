@@ -14,6 +14,7 @@
 #   DUCKDB_NODE_MODULES: a node_modules folder holding @duckdb/node-api
 #   POLARS_NODE_MODULES: one holding nodejs-polars (with its linux-x64-gnu binary)
 #   RACE_FILE: an existing file to use instead of a generated one
+#   RACE_GZIP: the same file compressed with gzip, for the compressed-input rows
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build/release}
@@ -58,6 +59,12 @@ add "zvtextparser typed table, 1 thread" memory1 "$table $q --typed --threads 1"
 add "zvtextparser read --format csv (text)" csv-text "$tool read $q --format csv --no-detect $opts"
 add "zvtextparser read --format jsonl (text)" json-text "$tool read $q --format jsonl --no-detect $opts"
 add "zvtextparser text-cell table" memory-text "$table $q $opts"
+# Compressed input: read as it is, against a separate decompressor in a pipe.
+if [[ -n ${RACE_GZIP:-} ]] && command -v zcat > /dev/null; then
+  gz=$(printf '%q' "$RACE_GZIP")
+  add "zvtextparser read FILE.gz --format csv" gzip "$tool read $gz --format csv"
+  add "zcat FILE.gz | zvtextparser read - --format csv" gzip "zcat $gz | $tool read - --format csv"
+fi
 
 if command -v Rscript > /dev/null && Rscript -e 'library(data.table)' > /dev/null 2>&1; then
   r="suppressMessages(library(data.table))"
