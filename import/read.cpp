@@ -7,10 +7,10 @@
 #include "import/detect/sample_types.hpp"
 #include "import/detect/type_detection.hpp"
 #include "import/input/utf8_input.hpp"
+#include "import/input/utf8_text.hpp"
 #include "import/reader_errors.hpp"
 #include "import/text_reader.hpp"
 #include "zvcore/exceptions.hpp"
-#include "zvcore/ustring.hpp"
 
 namespace textio::import {
 namespace {
@@ -52,11 +52,6 @@ detection_result detect_from(utf8_input& input, const textio::parser::options& o
   return detected;
 }
 
-std::string utf8_of(const output_value& v) {
-  if (v.kind != value_kind::text) return {};
-  return v.utf16 ? foundation::core::unicode::to_utf8(v.units) : std::string(v.bytes);
-}
-
 // The names and first records of the sample as text, for their types.
 struct text_sample : record_sink {
   std::vector<std::string> names;
@@ -64,13 +59,13 @@ struct text_sample : record_sink {
   std::size_t variables = 0;
 
   void header(const table_header& h) override {
-    for (const auto& n : h.names) names.push_back(utf8_of(n));
+    for (const auto& n : h.names) names.push_back(utf8_of_text(n));
     variables = std::max(variables, names.size());
   }
   void record(std::span<const output_value> values) override {
     if (rows.size() == type_sample_records) return;
     auto& row = rows.emplace_back();
-    for (const auto& v : values) row.push_back(utf8_of(v));
+    for (const auto& v : values) row.push_back(utf8_of_text(v));
     variables = std::max(variables, row.size());
   }
 };

@@ -9,8 +9,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "import/reader_errors.hpp"
-
 #include "name_value/option_vocabulary.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/host_values.hpp"

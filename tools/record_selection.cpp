@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <charconv>
 
+#include "import/input/utf8_text.hpp"
 #include "tools/usage_error.hpp"
-#include "zvcore/ustring.hpp"
 
 namespace zvtool {
 namespace {
 
 using textio::import::output_value;
-
-std::string utf8_of(const output_value& v) {
-  return v.utf16 ? foundation::core::unicode::to_utf8(v.units) : std::string(v.bytes);
-}
 
 std::optional<std::size_t> position_of(const std::string& text) {
   std::size_t n = 0;
@@ -39,7 +35,7 @@ void row_window::padded_record(std::span<const output_value> values, std::size_t
 
 void column_choice::header(const textio::import::table_header& header) {
   std::vector<std::string> names;
-  for (const output_value& n : header.names) names.push_back(utf8_of(n));
+  for (const output_value& n : header.names) names.push_back(textio::import::utf8_of_text(n));
   std::size_t typed = 0;
   for (const auto& run : header.types) typed += run.count;
   const std::size_t variables = std::max(names.size(), typed);

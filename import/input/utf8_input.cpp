@@ -56,13 +56,15 @@ utf8_input::utf8_input(std::string_view bytes, std::string name)
 
 std::size_t utf8_input::read_some(char* into, std::size_t size) {
   if (decompressor_) return decompressor_->read(into, size);
-  if (!head_.empty()) {
-    const std::size_t n = std::min(size, head_.size());
-    std::memcpy(into, head_.data(), n);
-    head_.erase(0, n);
-    return n;
-  }
-  return read_raw(into, size);
+  return read_after_head(into, size);
+}
+
+std::size_t utf8_input::read_after_head(char* into, std::size_t size) {
+  if (head_.empty()) return read_raw(into, size);
+  const std::size_t n = std::min(size, head_.size());
+  std::memcpy(into, head_.data(), n);
+  head_.erase(0, n);
+  return n;
 }
 
 void utf8_input::find_compression() {
@@ -77,15 +79,7 @@ void utf8_input::find_compression() {
   const compression kind = compression_of(head_);
   if (kind == compression::none) return;
   decompressor_ = std::make_unique<decompressor>(
-      kind,
-      [this, head = std::exchange(head_, {})](char* into, std::size_t size) mutable {
-        if (head.empty()) return read_raw(into, size);
-        const std::size_t n = std::min(size, head.size());
-        std::memcpy(into, head.data(), n);
-        head.erase(0, n);
-        return n;
-      },
-      name_);
+      kind, [this](char* into, std::size_t size) { return read_after_head(into, size); }, name_);
   // Its bytes are not the file's: no size to measure progress by, no parts.
   from_file_start_ = false;
 }

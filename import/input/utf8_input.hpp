@@ -88,6 +88,8 @@ class utf8_input {
   bool fill(std::size_t want);
   // Raw bytes, decompressed when the input is compressed.
   std::size_t read_some(char* into, std::size_t size);
+  // The bytes find_compression read first, then read_raw.
+  std::size_t read_after_head(char* into, std::size_t size);
   // One read of the descriptor (positional from position_ when set) or of
   // the memory, retried when interrupted; throws CannotReadFile.
   std::size_t read_raw(char* into, std::size_t size);
@@ -118,7 +120,7 @@ class utf8_input {
   std::size_t read_limit_ = static_cast<std::size_t>(-1);
   std::size_t block_size_ = std::size_t{1} << 18;
   std::unique_ptr<transcoder> transcoder_;  // none: the input is UTF-8
-  std::string head_;                        // raw bytes it read, handed out first when not compressed
+  std::string head_;                        // raw bytes it read, handed out first
   std::unique_ptr<decompressor> decompressor_;
 };
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "zvcore/ustring.hpp"
 #include "zvcore/utf8.hpp"
 
 namespace textio::import {
@@ -77,6 +78,11 @@ std::size_t utf16_length(std::string_view valid_utf8) noexcept {
     if (b >= 0xF0u) ++units;
   }
   return units;
+}
+
+std::string utf8_of_text(const output_value& v) {
+  if (v.kind != value_kind::text) return {};
+  return v.utf16 ? foundation::core::unicode::to_utf8(v.units) : std::string(v.bytes);
 }
 
 }  // namespace textio::import

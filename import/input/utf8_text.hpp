@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "import/output.hpp"
+
 namespace textio::import {
 
 struct utf8_check {
@@ -25,5 +27,9 @@ void append_utf16(std::u16string& out, std::string_view valid_utf8);
 // UTF-16 units that a prefix of well-formed UTF-8 text converts to: one per
 // sequence, two for a four-byte one.
 std::size_t utf16_length(std::string_view valid_utf8) noexcept;
+
+// A text value (a name, a field) as UTF-8, whichever units it is in; empty
+// for a value of another kind.
+std::string utf8_of_text(const output_value& v);
 
 }  // namespace textio::import

@@ -9,6 +9,7 @@
 #include <new>
 #include <utility>
 
+#include "import/input/utf8_text.hpp"
 #include "import/values/number_text.hpp"
 #include "zvcore/ustring.hpp"
 
@@ -437,9 +438,7 @@ std::int64_t arrow_table::rows() const noexcept {
 }
 
 void arrow_table_sink::header(const table_header& header) {
-  const auto text = [](const output_value& v) {
-    return v.utf16 ? foundation::core::unicode::to_utf8(v.units) : std::string(v.bytes);
-  };
+  const auto text = utf8_of_text;
   const std::size_t count = std::max({header.names.size(), header.units.size(), header.descriptions.size()});
   table_.fields.resize(std::max(table_.fields.size(), count));
   for (std::size_t i = 0; i < header.names.size(); ++i) table_.fields[i].name = text(header.names[i]);
