@@ -19,6 +19,9 @@ read_summary read_typed_table(const textio::parser::options& given, utf8_input& 
                               const text_format& format, std::span<const variable_typing> types,
                               const progress_callback& progress, const stray_quote_callback& stray_quote) {
   input.decode_from(format.encoding);
+  // A compressed input is decompressed on a thread of its own while this
+  // one reads.
+  if (format.threads > 1) input.decompress_ahead();
   const textio::parser::options opts = effective_options(given);
   if (scans_utf8_bytes(opts)) {
     if (format.threads > 1 && input.is_whole_regular_file() && !input.converts() && sink.takes_part_sinks()) {

@@ -12,6 +12,7 @@
 
 #include "import/reader_errors.hpp"
 #include "import/input/decompressor.hpp"
+#include "import/input/read_ahead.hpp"
 #include "import/input/transcoder.hpp"
 #include "import/input/utf8_text.hpp"
 
@@ -54,7 +55,18 @@ utf8_input::utf8_input(std::string_view bytes, std::string name)
   find_compression();
 }
 
+void utf8_input::decompress_ahead() {
+  // Not from a pipe or terminal, whose read may wait without end and keep
+  // the thread from stopping when the reading is done.
+  if (!decompressor_ || ahead_ || !(regular_ || in_memory_)) return;
+  // 4 blocks of 1 MiB: enough that neither thread waits on the other for
+  // long, little memory.
+  ahead_ = std::make_unique<read_ahead>(
+      [d = decompressor_.get()](char* into, std::size_t size) { return d->read(into, size); }, std::size_t{1} << 20, 4);
+}
+
 std::size_t utf8_input::read_some(char* into, std::size_t size) {
+  if (ahead_) return ahead_->read(into, size);
   if (decompressor_) return decompressor_->read(into, size);
   return read_after_head(into, size);
 }
@@ -119,6 +131,7 @@ bool utf8_input::changed_since_opened() const noexcept {
 }
 
 utf8_input::~utf8_input() {
+  ahead_.reset();  // its thread may be reading the descriptor
   if (owns_fd_) ::close(fd_);
 }
 

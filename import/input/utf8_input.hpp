@@ -14,6 +14,7 @@
 namespace textio::import {
 
 class decompressor;
+class read_ahead;
 class transcoder;
 
 class utf8_input {
@@ -69,6 +70,10 @@ class utf8_input {
   bool is_whole_regular_file() const noexcept { return regular_ && from_file_start_; }
   // Whether the input is compressed (and decompressed as it is read).
   bool compressed() const noexcept { return decompressor_ != nullptr; }
+  // Decompresses a compressed input on a thread of its own from now on, a
+  // few blocks ahead of the reading, so that both go on at once; nothing
+  // for other input, nor for a pipe. Throws std::system_error when no thread can be started.
+  void decompress_ahead();
   // Whether the input is converted from another encoding.
   bool converts() const noexcept { return transcoder_ != nullptr; }
   int descriptor() const noexcept { return fd_; }
@@ -122,6 +127,7 @@ class utf8_input {
   std::unique_ptr<transcoder> transcoder_;  // none: the input is UTF-8
   std::string head_;                        // raw bytes it read, handed out first
   std::unique_ptr<decompressor> decompressor_;
+  std::unique_ptr<read_ahead> ahead_;  // decompressor_ read on its own thread
 };
 
 }  // namespace textio::import

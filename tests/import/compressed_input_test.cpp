@@ -11,10 +11,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "import/input/decompressor.hpp"
+#include "import/input/read_ahead.hpp"
 #include "import/read_helpers.hpp"
 #include "support/run_tool.hpp"
 
@@ -102,6 +105,61 @@ TEST(CompressedInput, CutShortOrCorruptIsAReadingError) {
     EXPECT_EQ(run.status, 4) << run.err;
     EXPECT_NE(run.err.find("ZORVEK:textio:reader:CorruptInput: "), std::string::npos) << run.err;
   }
+}
+
+// Many blocks of the decompressing thread: the same records as on one thread,
+// and a stream cut short in a later block still a reading error.
+TEST(CompressedInput, DecompressedAheadOnAThreadOfItsOwn) {
+  std::string big = "id,note,value\n";
+  for (int i = 0; big.size() < (std::size_t{5} << 20); ++i) {
+    big += std::to_string(i) + ",\"row " + std::to_string(i * 7) + "\"," + std::to_string(i % 1000) + ".25\n";
+  }
+  const std::string packed = gzip(big);
+  const std::string path = import_test::write_file(packed);
+  const auto one = run_tool({"read", path, "--format", "csv", "--threads", "1"});
+  const auto two = run_tool({"read", path, "--format", "csv", "--threads", "2"});
+  EXPECT_EQ(two.status, 0) << two.err;
+  EXPECT_EQ(two.out, one.out);
+  EXPECT_EQ(two.out, run_tool({"read", import_test::write_file(big), "--format", "csv", "--threads", "1"}).out);
+  const auto cut =
+      run_tool({"read", import_test::write_file(packed.substr(0, packed.size() - 100)), "--count", "--threads", "2"});
+  EXPECT_EQ(cut.status, 4) << cut.err;
+  EXPECT_NE(cut.err.find("CorruptInput"), std::string::npos) << cut.err;
+}
+
+// The thread's bytes come in order whatever the sizes asked; its failure
+// comes after every byte before it, and again on the next read; stopping
+// early does not wait for the source's end.
+TEST(CompressedInput, ReadAheadKeepsOrderAndFailure) {
+  using textio::import::read_ahead;
+  std::string expected;
+  for (int i = 0; i < 10000; ++i) expected += static_cast<char>('a' + i % 26);
+  for (const bool fails : {false, true}) {
+    std::size_t at = 0;
+    read_ahead ahead(
+        [&](char* into, std::size_t size) -> std::size_t {
+          if (fails && at >= 1000) throw std::runtime_error("bad");
+          const std::size_t n = std::min<std::size_t>({size, 8, expected.size() - at});
+          expected.copy(into, n, at);
+          at += n;
+          return n;
+        },
+        64, 2);
+    std::string got;
+    char buffer[13];
+    try {
+      for (std::size_t n; (n = ahead.read(buffer, sizeof buffer)) != 0;) got.append(buffer, n);
+      EXPECT_FALSE(fails);
+      EXPECT_EQ(ahead.read(buffer, sizeof buffer), 0U);
+    } catch (const std::runtime_error&) {
+      EXPECT_TRUE(fails);
+      EXPECT_THROW(ahead.read(buffer, sizeof buffer), std::runtime_error);
+    }
+    EXPECT_EQ(got, fails ? expected.substr(0, 1000) : expected);
+  }
+  read_ahead endless([](char* into, std::size_t size) { return std::string(size, 'x').copy(into, size); }, 64, 2);
+  char one = 0;
+  EXPECT_EQ(endless.read(&one, 1), 1U);
 }
 
 TEST(CompressedInput, OnlyTheMagicOfEachFormatCounts) {
