@@ -236,11 +236,7 @@ class table_reader {
     }
     line_ = rec.line;
     send_header();  // before the variables grow, as data_record sends it
-    std::size_t fields = rec.fields;
-    if (fields > *variables_) {
-      if (opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
-      fields = *variables_;  // Ignore
-    }
+    const std::size_t fields = fields_kept(opts_.extra_columns_rule(), rec.fields, variables_);
     // (The fields that Ignore drops are not values: nothing converts them.)
     const std::span<output_value> values = std::span<output_value>(plain_values_).first(fields);
     values_.convert_in_place(values, rec.line);
@@ -413,8 +409,7 @@ class table_reader {
   structural_tally tally(std::uint64_t base) const {
     structural_tally t;
     if (!variables_) return t;
-    t.max_fields =
-        opts_.extra_columns_rule() == ExtraColumnsRule::Ignore ? std::numeric_limits<std::size_t>::max() : *variables_;
+    t.max_fields = most_fields_unchanged(opts_.extra_columns_rule(), *variables_);
     if (stop_ != std::numeric_limits<std::uint64_t>::max()) t.stop = stop_ > base ? stop_ - base : 0;
     if (table_end_) t.line_limit = *table_end_;
     return t;
@@ -422,9 +417,8 @@ class table_reader {
 
   // The field count of a record that is only counted (see counting_).
   void count_record(std::size_t fields) {
-    if (!variables_) variables_ = fields;
     // Extra fields are kept (AddVars) or dropped (Ignore), missing ones filled.
-    if (fields > *variables_ && opts_.extra_columns_rule() == ExtraColumnsRule::AddVars) variables_ = fields;
+    fields_kept(opts_.extra_columns_rule(), fields, variables_);
     sink_.record_count(*variables_, 1);
   }
 

@@ -50,10 +50,8 @@ class value_stage {
   }
   // Whether a value that does not convert may fail the reading.
   bool strict() const noexcept { return strict_; }
-  // Converts such values, of a record at `line`, to their variables' types
-  // as make would: under Matrix a number (NaN where the text is none); under
-  // Table with types the value of its type or, where it does not convert,
-  // its text (a guessed type) or missing; else the text.
+  // Turns such values (text, or missing), of a record at `line`, into what
+  // make gives for fields of that text under those rules.
   void convert_in_place(std::span<output_value> values, std::uint64_t line);
   // The type of each variable by position (Table only).
   std::span<const variable_typing> typing() const noexcept { return typing_; }
@@ -73,6 +71,8 @@ class value_stage {
   void count_unconverted(std::size_t i, std::uint64_t line);
   template <class ErrorTag, class Where>
   bool keep_row_under(textio::enums::BadDataRule rule, std::size_t i, Where where);
+  template <class Where>
+  bool field_value(std::size_t i, view text, bool missing, output_value& v, use how, Where where);
 
   textio::enums::BadDataRule missing_rule_;
   textio::enums::BadDataRule import_error_rule_;
