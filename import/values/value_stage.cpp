@@ -48,7 +48,32 @@ bool has_utf8_form(const ustring& text) {
   return foundation::core::unicode::to_utf16(foundation::core::unicode::to_utf8(text)) == text;
 }
 
+// The TreatAsMissing texts to compare: an empty text is missing anyway, and
+// one without a UTF-8 form never matches UTF-8 text.
+template <class CharT>
+std::vector<std::basic_string<CharT>> placeholders_of(const textio::parser::options& opts) {
+  std::vector<std::basic_string<CharT>> texts;
+  for (const auto& p : opts.missing_placeholders()) {
+    if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) texts.push_back(encode<CharT>(p));
+  }
+  return texts;
+}
+
 }  // namespace
+
+template <class CharT>
+value_needs value_stage<CharT>::needs(const textio::parser::options& opts, std::span<const variable_typing> types) {
+  value_needs n;
+  const bool typed = opts.output_type() == OutputBuilderType::Table && !types.empty();
+  n.converts = opts.output_type() == OutputBuilderType::Matrix || typed;
+  for (std::size_t i = 0; typed && i < types.size(); ++i) {
+    n.strict =
+        n.strict || (types[i].type != value_type::string && types[i].unconverted == unconverted_value::reading_error);
+  }
+  n.in_place = placeholders_of<CharT>(opts).empty() && opts.missing_rule() == BadDataRule::Fill &&
+               (!n.converts || opts.import_error_rule() == BadDataRule::Fill) && !n.strict;
+  return n;
+}
 
 template <class CharT>
 value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_rules<CharT>& data_rules,
@@ -60,19 +85,14 @@ value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_
       omitted_(omitted),
       format_(number_format_of(opts)) {
   if (opts.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
-  for (const auto& p : opts.missing_placeholders()) {
-    // An empty text is missing anyway; only the others need comparing.
-    if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) placeholders_.push_back(encode<CharT>(p));
-  }
-  converts_ = matrix_ || !typing_.empty();
+  placeholders_ = placeholders_of<CharT>(opts);
+  needs_ = needs(opts, types);
   conversions_.resize(typing_.size());
   canonical_.resize(typing_.size());
   for (std::size_t i = 0; i < typing_.size(); ++i) {
     conversions_[i].numbers = format_;
     conversions_[i].dates = typing_[i].dates;
     for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
-    strict_ = strict_ ||
-              (typing_[i].type != value_type::string && typing_[i].unconverted == unconverted_value::reading_error);
   }
   if (!typing_.empty()) unconverted_.resize(typing_.size());
 }
@@ -176,8 +196,8 @@ bool value_stage<CharT>::field_value(std::size_t i, view text, bool missing, out
 
 template <class CharT>
 void value_stage<CharT>::convert_in_place(std::span<output_value> values, std::uint64_t line) {
-  if (!converts_) return;  // text stays text, missing stays missing
-  // Under the rules converts_in_place() asks for, no rule fails or drops a
+  if (!needs_.converts) return;  // text stays text, missing stays missing
+  // Under the rules value_needs::in_place asks for, no rule fails or drops a
   // record: the place of a field is never asked for, only its line.
   const auto where = [line] { return source_position{line, 1}; };
   for (std::size_t i = 0; i < values.size(); ++i) {
