@@ -251,38 +251,28 @@ read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink
                            const stray_quote_callback& stray_quote) {
   table_reader<char> first(path, input, sink, progress, format, stray_quote, types);
   const std::uint64_t part = std::max<std::uint64_t>(format.part_bytes, 1);
-  first.stop_at(std::min<std::uint64_t>(part, first_part_bytes));
+  // The first part reads on alone to the end when the file ends in it, when
+  // quotes turn to text in it or when it is all header.
+  first.stop_at(std::min<std::uint64_t>(part, first_part_bytes), true);
   const reader_run first_run = first.run();
-  // Read on alone when the first part ended the file, when quotes turned
-  // to text in it (reads_in_parts() is then false) or when it is all header.
   if (first_run.end != run_end::stopped) return first_run.summary;
-  if (!first.reads_in_parts() || !first.header_sent() || first.stopped_at()->line < first.first_data_line()) {
-    first.stop_at(std::numeric_limits<std::uint64_t>::max());
-    return first.run().summary;
-  }
   read_summary summary = first_run.summary;
 
   part_state expected = *first.stopped_at();
   part_readers readers(path, input, sink, format, types, expected);
   // Reads from `expected` on this thread, up to `stop`; false when that
-  // read to the end of the file, or when quotes turned to text, so that the
-  // rest is read alone.
+  // read to the end of the file (also when quotes turned to text, after
+  // which the rest is read alone).
   const auto read_here = [&](std::uint64_t stop) {
     utf8_input rest(input.descriptor(), input.name(), expected.offset);
     part_plan plan;
     plan.start = expected;
     plan.stop = stop;
+    plan.stop_while_in_parts = true;
     table_reader<char> reader(path, rest, sink, progress, format, stray_quote, types, &plan);
-    read_summary read = reader.run().summary;
-    if (reader.stopped_at() && !reader.reads_in_parts()) {
-      readers.stop_workers();
-      reader.stop_at(std::numeric_limits<std::uint64_t>::max());
-      read = reader.run().summary;  // (its tallies hold those of the first run)
-      add_unconverted(summary.unconverted, read.unconverted, 0);
-      return false;
-    }
-    add_unconverted(summary.unconverted, read.unconverted, 0);
-    if (!reader.stopped_at()) return false;
+    const reader_run read = reader.run();
+    add_unconverted(summary.unconverted, read.summary.unconverted, 0);
+    if (read.end != run_end::stopped) return false;
     expected = *reader.stopped_at();
     return true;
   };

@@ -26,6 +26,9 @@ struct part_plan {
   bool header_sent = true;  // false for the part at the file's start
   // Stop before the first record that starts at or after this byte offset.
   std::uint64_t stop = std::numeric_limits<std::uint64_t>::max();
+  // Stop there only where the rest could be read in parts; else read on
+  // to the end (table_reader::stop_at).
+  bool stop_while_in_parts = false;
   // Read on another thread: a part that cannot be read from its start state
   // alone (a quote read as text from some point on, a header line, a record
   // longer than part_window_limit) is abandoned.

@@ -1,6 +1,7 @@
 #include "import/reading/table_reader.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -43,6 +44,7 @@ table_reader<CharT>::table_reader(const read_path& path, utf8_input& input, reco
     if (part->header_sent) variables_ = part->start.variables;
     header_sent_ = part->header_sent;
     stop_ = part->stop;
+    stop_while_in_parts_ = part->stop_while_in_parts;
     worker_ = part->worker;
   }
 }
@@ -66,9 +68,12 @@ run_end table_reader<CharT>::read_all() {
   if (worker_ && line < path_.first_structural_line) return run_end::abandoned;
   stopped_at_.reset();
   for (;;) {
-    if (at_stop()) {
-      stopped_at_ = part_state{window_offset(), line, variables_};
-      return run_end::stopped;
+    if (past_stop()) {
+      if (!stop_while_in_parts_ || (reads_in_parts() && header_sent_ && line >= path_.first_structural_line)) {
+        stopped_at_ = part_state{window_offset(), line, variables_};
+        return run_end::stopped;
+      }
+      stop_ = std::numeric_limits<std::uint64_t>::max();  // read on alone
     }
     if (done()) return run_end::finished;
     if (table_end_ && line >= *table_end_) {
@@ -84,7 +89,7 @@ run_end table_reader<CharT>::read_all() {
       if (structural_ && line >= path_.first_structural_line && window_.view().size() <= data_rules_.max_record_units) {
         const structural_stop what = path_.counts ? count_structurally() : read_structurally();
         if (what == structural_stop::end_of_input) break;
-        if ((table_end_ && line >= *table_end_) || at_stop() || done()) continue;
+        if ((table_end_ && line >= *table_end_) || past_stop() || done()) continue;
         // Otherwise the exact scanner takes the next record: one that the
         // scan leaves to it, or the one at the window's end, which the exact
         // scanner may find complete where the scan waits for another unit

@@ -56,8 +56,13 @@ class table_reader {
   std::uint64_t first_data_line() const noexcept { return path_.first_structural_line; }
 
   // Makes run() stop before the first record that starts at or after byte
-  // `offset`; run() again reads on from there.
-  void stop_at(std::uint64_t offset) noexcept { stop_ = offset; }
+  // `offset`; run() again reads on from there. With `while_in_parts`, only
+  // where the rest could be read in parts (reads_in_parts(), past the
+  // header): else it reads on to the end.
+  void stop_at(std::uint64_t offset, bool while_in_parts = false) noexcept {
+    stop_ = offset;
+    stop_while_in_parts_ = while_in_parts;
+  }
   bool header_sent() const noexcept { return header_sent_; }
 
   // Where the last run stopped (run_end::stopped); none otherwise.
@@ -94,7 +99,7 @@ class table_reader {
   // as it is (units are the input's bytes).
   std::uint64_t window_offset() const noexcept { return input_.bytes_read() - window_.view().size(); }
   // (Never at the end of the file: there the reader finishes.)
-  bool at_stop() const noexcept {
+  bool past_stop() const noexcept {
     return stop_ != std::numeric_limits<std::uint64_t>::max() && window_offset() >= stop_ &&
            window_offset() < input_.size();
   }
@@ -129,6 +134,7 @@ class table_reader {
   // after a detected end (table_goes_on).
   std::optional<std::uint64_t> table_end_ = text_.table_end_line;
   std::uint64_t stop_ = std::numeric_limits<std::uint64_t>::max();  // see part_plan
+  bool stop_while_in_parts_ = false;
   bool worker_ = false;
   std::optional<part_state> stopped_at_;
   omitted_variables<CharT> omitted_;
