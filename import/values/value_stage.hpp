@@ -52,10 +52,9 @@ class value_stage {
   // What values under `opts` (the reader's effective options) and `types` ask for.
   static value_needs needs(const textio::parser::options& opts, std::span<const variable_typing> types);
 
-  bool converts() const noexcept { return needs_.converts; }
-  bool strict() const noexcept { return needs_.strict; }
-  // Turns such values (text, or missing), of a record at `line`, into what
-  // make gives for fields of that text under those rules.
+  // Turns the values of a record at `line` as plain_text_values gives them
+  // (text, or missing for an empty unquoted field) into what make gives for
+  // such fields, under the rules value_needs::in_place allows.
   void convert_in_place(std::span<output_value> values, std::uint64_t line);
   // The type of each variable by position (Table only).
   std::span<const variable_typing> typing() const noexcept { return typing_; }
