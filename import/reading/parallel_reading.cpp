@@ -72,9 +72,9 @@ struct part_result {
 
 class part_readers {
  public:
-  part_readers(const textio::parser::options& given, const utf8_input& input, record_sink& sink,
-               const text_format& format, std::span<const variable_typing> types, const part_state& first_end)
-      : given_(given),
+  part_readers(const read_path& path, const utf8_input& input, record_sink& sink, const text_format& format,
+               std::span<const variable_typing> types, const part_state& first_end)
+      : path_(path),
         fd_(input.descriptor()),
         name_(input.name()),
         size_(input.size()),
@@ -210,15 +210,17 @@ class part_readers {
       // (The reader keeps references to its callbacks.)
       const progress_callback no_progress;
       const stray_quote_callback no_stray_quote;
-      table_reader<char> reader(given_, input, *r.sink, no_progress, format_, no_stray_quote, types_, &plan);
-      r.unconverted = reader.run().unconverted;
+      table_reader<char> reader(path_, input, *r.sink, no_progress, format_, no_stray_quote, types_, &plan);
+      const reader_run run = reader.run();
+      r.failed = run.end == run_end::abandoned;
+      r.unconverted = run.summary.unconverted;
       r.stopped_at = reader.stopped_at();
     } catch (...) {
       r.failed = true;
     }
   }
 
-  const textio::parser::options& given_;
+  const read_path& path_;
   int fd_;
   std::string name_;
   std::uint64_t size_;
@@ -244,43 +246,33 @@ class part_readers {
 
 }  // namespace
 
-read_summary read_in_parts(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-                           const text_format& format, std::span<const variable_typing> types,
-                           const progress_callback& progress, const stray_quote_callback& stray_quote) {
-  table_reader<char> first(given, input, sink, progress, format, stray_quote, types);
+read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink& sink, const text_format& format,
+                           std::span<const variable_typing> types, const progress_callback& progress,
+                           const stray_quote_callback& stray_quote) {
+  table_reader<char> first(path, input, sink, progress, format, stray_quote, types);
   const std::uint64_t part = std::max<std::uint64_t>(format.part_bytes, 1);
-  if (!first.reads_in_parts() || input.size() / 2 < part) return first.run();
-  first.stop_at(std::min<std::uint64_t>(part, first_part_bytes));
-  read_summary summary = first.run();
-  // Read on alone when the first part ended the file, when quotes turned
-  // to text in it (reads_in_parts() is then false) or when it is all header.
-  if (!first.stopped_at()) return summary;
-  if (!first.reads_in_parts() || !first.header_sent() || first.stopped_at()->line < first.first_data_line()) {
-    first.stop_at(std::numeric_limits<std::uint64_t>::max());
-    return first.run();
-  }
+  // The first part reads on alone to the end when the file ends in it, when
+  // quotes turn to text in it or when it is all header.
+  first.stop_at(std::min<std::uint64_t>(part, first_part_bytes), true);
+  const reader_run first_run = first.run();
+  if (first_run.end != run_end::stopped) return first_run.summary;
+  read_summary summary = first_run.summary;
 
   part_state expected = *first.stopped_at();
-  part_readers readers(given, input, sink, format, types, expected);
+  part_readers readers(path, input, sink, format, types, expected);
   // Reads from `expected` on this thread, up to `stop`; false when that
-  // read to the end of the file, or when quotes turned to text, so that the
-  // rest is read alone.
+  // read to the end of the file (also when quotes turned to text, after
+  // which the rest is read alone).
   const auto read_here = [&](std::uint64_t stop) {
     utf8_input rest(input.descriptor(), input.name(), expected.offset);
     part_plan plan;
     plan.start = expected;
     plan.stop = stop;
-    table_reader<char> reader(given, rest, sink, progress, format, stray_quote, types, &plan);
-    read_summary read = reader.run();
-    if (reader.stopped_at() && !reader.reads_in_parts()) {
-      readers.stop_workers();
-      reader.stop_at(std::numeric_limits<std::uint64_t>::max());
-      read = reader.run();  // (its tallies hold those of the first run)
-      add_unconverted(summary.unconverted, read.unconverted, 0);
-      return false;
-    }
-    add_unconverted(summary.unconverted, read.unconverted, 0);
-    if (!reader.stopped_at()) return false;
+    plan.stop_while_in_parts = true;
+    table_reader<char> reader(path, rest, sink, progress, format, stray_quote, types, &plan);
+    const reader_run read = reader.run();
+    add_unconverted(summary.unconverted, read.summary.unconverted, 0);
+    if (read.end != run_end::stopped) return false;
     expected = *reader.stopped_at();
     return true;
   };

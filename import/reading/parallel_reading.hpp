@@ -13,18 +13,18 @@
 #include <span>
 
 #include "import/output.hpp"
+#include "import/reading/read_path.hpp"
 #include "import/text_format.hpp"
 #include "import/read_events.hpp"
 #include "import/input/utf8_input.hpp"
 #include "import/values/value_conversion.hpp"
-#include "parser/options.hpp"
 
 namespace textio::import {
 
-// read_typed_table for a regular UTF-8 file and a sink that takes part
-// sinks, with format.threads threads.
-read_summary read_in_parts(const textio::parser::options& given, utf8_input& input, record_sink& sink,
-                           const text_format& format, std::span<const variable_typing> types,
-                           const progress_callback& progress, const stray_quote_callback& stray_quote);
+// read_typed_table for a path on threads (read_path::on_threads), with
+// format.threads threads.
+read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink& sink, const text_format& format,
+                           std::span<const variable_typing> types, const progress_callback& progress,
+                           const stray_quote_callback& stray_quote);
 
 }  // namespace textio::import

@@ -175,26 +175,23 @@ std::size_t record_shaper<CharT>::shape(view w, std::optional<std::size_t>& vari
     c.quoted = o->quoted;
     cells.push_front(c);
   }
-  if (!variables) variables = cells.size();
-  if (cells.size() > *variables) {
+  const std::size_t kept = fields_kept(extra_columns_rule_, cells.size(), variables);
+  if (kept < cells.size()) {
     switch (extra_columns_rule_) {
       case ExtraColumnsRule::AddVars:
-        variables = cells.size();
-        break;
       case ExtraColumnsRule::Ignore:
-        cells.resize(*variables);
         break;
       case ExtraColumnsRule::Wrap:
         // With no variables no record could ever take them.
-        for (std::size_t i = *variables; *variables > 0 && i < cells.size(); ++i) {
+        for (std::size_t i = kept; kept > 0 && i < cells.size(); ++i) {
           carry_.push_back(
               {std::basic_string<CharT>(cells_.text_of(w, cells[i])), cells[i].quoted != 0, cells_.where(w, cells[i])});
         }
-        cells.resize(*variables);
         break;
       case ExtraColumnsRule::Error:
-        fail<reader_error::ExtraColumns>(cells_.where(w, cells[*variables]));
+        fail<reader_error::ExtraColumns>(cells_.where(w, cells[kept]));
     }
+    cells.resize(kept);
   }
   return cells.size() < *variables ? *variables - cells.size() : 0;
 }

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,6 +30,24 @@ enum class empty_record {
   empty_row,  // a row of missing values (EmptyLineRule Read)
   as_record,  // a record like any other (the line parser when it reads empty lines)
 };
+
+// The extra-columns rule on the count of a record's fields: how many of its
+// `fields` stay in the record under `variables`, which it sets when unknown
+// and raises under AddVars. Ignore, Wrap and Error keep `variables` fields;
+// what Wrap and Error do with the rest is the shaper's.
+inline std::size_t fields_kept(textio::enums::ExtraColumnsRule rule, std::size_t fields,
+                               std::optional<std::size_t>& variables) {
+  if (!variables) variables = fields;
+  if (fields <= *variables) return fields;
+  if (rule == textio::enums::ExtraColumnsRule::AddVars) variables = fields;
+  return *variables;
+}
+
+// The most fields a record may have without changing the variable count or
+// being wrapped or failed: any under Ignore, else `variables`.
+inline std::size_t most_fields_unchanged(textio::enums::ExtraColumnsRule rule, std::size_t variables) {
+  return rule == textio::enums::ExtraColumnsRule::Ignore ? std::numeric_limits<std::size_t>::max() : variables;
+}
 
 template <class CharT>
 class record_shaper {

@@ -33,12 +33,47 @@ std::basic_string<CharT> from_utf8(const std::string& text) {
   }
 }
 
+// The text of a plain text value in the reader's units.
+template <class CharT>
+std::basic_string_view<CharT> text_of_value(const output_value& v) {
+  if constexpr (sizeof(CharT) == 1) {
+    return v.bytes;
+  } else {
+    return v.units;
+  }
+}
+
 // Whether a text has a UTF-8 form (no lone surrogate).
 bool has_utf8_form(const ustring& text) {
   return foundation::core::unicode::to_utf16(foundation::core::unicode::to_utf8(text)) == text;
 }
 
+// The TreatAsMissing texts to compare: an empty text is missing anyway, and
+// one without a UTF-8 form never matches UTF-8 text.
+template <class CharT>
+std::vector<std::basic_string<CharT>> placeholders_of(const textio::parser::options& opts) {
+  std::vector<std::basic_string<CharT>> texts;
+  for (const auto& p : opts.missing_placeholders()) {
+    if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) texts.push_back(encode<CharT>(p));
+  }
+  return texts;
+}
+
 }  // namespace
+
+template <class CharT>
+value_needs value_stage<CharT>::needs(const textio::parser::options& opts, std::span<const variable_typing> types) {
+  value_needs n;
+  const bool typed = opts.output_type() == OutputBuilderType::Table && !types.empty();
+  n.converts = opts.output_type() == OutputBuilderType::Matrix || typed;
+  for (std::size_t i = 0; typed && i < types.size(); ++i) {
+    n.strict =
+        n.strict || (types[i].type != value_type::string && types[i].unconverted == unconverted_value::reading_error);
+  }
+  n.in_place = placeholders_of<CharT>(opts).empty() && opts.missing_rule() == BadDataRule::Fill &&
+               (!n.converts || opts.import_error_rule() == BadDataRule::Fill) && !n.strict;
+  return n;
+}
 
 template <class CharT>
 value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_rules<CharT>& data_rules,
@@ -50,19 +85,14 @@ value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_
       omitted_(omitted),
       format_(number_format_of(opts)) {
   if (opts.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
-  for (const auto& p : opts.missing_placeholders()) {
-    // An empty text is missing anyway; only the others need comparing.
-    if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) placeholders_.push_back(encode<CharT>(p));
-  }
-  converts_ = matrix_ || !typing_.empty();
+  placeholders_ = placeholders_of<CharT>(opts);
+  needs_ = needs(opts, types);
   conversions_.resize(typing_.size());
   canonical_.resize(typing_.size());
   for (std::size_t i = 0; i < typing_.size(); ++i) {
     conversions_[i].numbers = format_;
     conversions_[i].dates = typing_[i].dates;
     for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
-    strict_ = strict_ ||
-              (typing_[i].type != value_type::string && typing_[i].unconverted == unconverted_value::reading_error);
   }
   if (!typing_.empty()) unconverted_.resize(typing_.size());
 }
@@ -126,41 +156,56 @@ bool value_stage<CharT>::keep_row_under(BadDataRule rule, std::size_t i, Where w
   return true;
 }
 
+// The value of field i (a fresh value in `v`) under the missing and
+// import-error rules; false when a rule drops the record. `where` gives the
+// field's place for an error and its line for the count of values that did
+// not convert.
+template <class CharT>
+template <class Where>
+bool value_stage<CharT>::field_value(std::size_t i, view text, bool missing, output_value& v, use how, Where where) {
+  if (missing) return keep_row_under<reader_error::MissingValue>(missing_rule_, i, where);
+  if (matrix_) {
+    if (number_value(text, format_, v)) return true;
+    v.kind = value_kind::number;
+    v.number = std::numeric_limits<double>::quiet_NaN();
+    return keep_row_under<reader_error::ImportError>(import_error_rule_, i, where);
+  }
+  if (i >= typing_.size() || typing_[i].type == value_type::string) {
+    if (how != use::check) v = text_value(text);
+    return true;
+  }
+  if (convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) return true;
+  v = output_value{};
+  if (is_typed_marker(i, text)) return keep_row_under<reader_error::MissingValue>(missing_rule_, i, where);
+  if (typing_[i].unconverted == unconverted_value::reading_error) {
+    const source_position p = where();
+    throw_msg_id_exception(reader_error::NotConverted(p.line, p.column, std::string(type_name(typing_[i].type))));
+  }
+  if (typing_[i].unconverted == unconverted_value::text) {
+    // Kept as its text: a later value that the guessed type does not fit.
+    if (how != use::check) count_unconverted(i, where().line);
+    v = text_value(text);
+    return true;
+  }
+  // (A first pass that only checks counts a value only where it drops the
+  // record; the pass that keeps it counts it.)
+  const bool keep = keep_row_under<reader_error::ImportError>(import_error_rule_, i, where);
+  if (how != use::check || !keep) count_unconverted(i, where().line);
+  return keep;
+}
+
 template <class CharT>
 void value_stage<CharT>::convert_in_place(std::span<output_value> values, std::uint64_t line) {
-  if (!converts_) return;
-  if constexpr (sizeof(CharT) == 1) {  // (plain_text_values gives UTF-8 values only)
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      output_value& v = values[i];
-      // (The values of the record before, converted here, left numbers and
-      // their texts.)
-      v.number = 0;
-      v.integer = 0;
-      v.written = {};
-      v.plain_decimal = false;
-      if (v.kind != value_kind::text) continue;  // missing stays missing
-      const std::string_view text = v.bytes;
-      if (matrix_) {
-        if (!number_value(text, format_, v)) {
-          v.kind = value_kind::number;
-          v.bytes = {};
-          v.number = std::numeric_limits<double>::quiet_NaN();
-        }
-      } else if (i < typing_.size() && typing_[i].type != value_type::string) {
-        // Built in place; what does not convert stays missing, as the Fill
-        // rules want, or text where the type was a guess (a missing marker
-        // is missing).
-        v = output_value{};
-        if (convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i]) || is_typed_marker(i, text)) {
-          continue;
-        }
-        count_unconverted(i, line);
-        if (typing_[i].unconverted == unconverted_value::text) {
-          v.kind = value_kind::text;
-          v.bytes = text;
-        }
-      }
-    }
+  if (!needs_.converts) return;  // text stays text, missing stays missing
+  // Under the rules value_needs::in_place asks for, no rule fails or drops a
+  // record: the place of a field is never asked for, only its line.
+  const auto where = [line] { return source_position{line, 1}; };
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    output_value& v = values[i];
+    const view text = text_of_value<CharT>(v);
+    const bool missing = v.kind != value_kind::text;
+    v = output_value{};
+    field_value(i, text, missing, v, use::whole, where);
   }
 }
 
@@ -175,40 +220,9 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
   std::size_t i = 0;
   for (const raw_field& c : record.cells) {
     const view text = record.text_of(w, c);
-    const auto where = [&] { return record.where(w, c); };
     output_value checked;
     output_value& v = how == use::check ? checked : values_.emplace_back();
-    if (is_missing(record, c, text)) {
-      if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
-    } else if (matrix_) {
-      if (!number_value(text, format_, v)) {
-        v.kind = value_kind::number;
-        v.number = std::numeric_limits<double>::quiet_NaN();
-        if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) return false;
-      }
-    } else if (i < typing_.size() && typing_[i].type != value_type::string) {
-      if (!convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) {
-        v = output_value{};
-        if (is_typed_marker(i, text)) {
-          if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
-        } else if (typing_[i].unconverted == unconverted_value::reading_error) {
-          const source_position p = where();
-          throw_msg_id_exception(reader_error::NotConverted(p.line, p.column, std::string(type_name(typing_[i].type))));
-        } else if (typing_[i].unconverted == unconverted_value::text) {
-          // Kept as its text: a later value that the guessed type does not fit.
-          if (how != use::check) count_unconverted(i, where().line);
-          v = text_value(text);
-        } else {
-          // (A first pass that only checks counts a value only where it
-          // drops the record; the pass that keeps it counts it.)
-          const bool keep = keep_row_under<reader_error::ImportError>(import_error_rule_, i, where);
-          if (how != use::check || !keep) count_unconverted(i, where().line);
-          if (!keep) return false;
-        }
-      }
-    } else if (how != use::check) {
-      v = text_value(text);
-    }
+    if (!field_value(i, text, is_missing(record, c, text), v, how, [&] { return record.where(w, c); })) return false;
     ++i;
     if (how == use::parts && values_.size() > record_part_size) {
       sink.record_part(std::span<const output_value>(values_).first(record_part_size));

@@ -22,6 +22,17 @@
 
 namespace textio::import {
 
+// What the values of a read ask of the reader.
+struct value_needs {
+  bool converts = false;  // values are converted from text: Matrix, or Table with types
+  bool strict = false;    // a value that does not convert may fail the reading
+  // A record's values follow from its fields as plain_text_values gives
+  // them (text, or missing for an empty unquoted field) through
+  // convert_in_place alone: no placeholders to compare, and a missing value
+  // or one that does not convert stays in its record.
+  bool in_place = false;
+};
+
 template <class CharT>
 class value_stage {
  public:
@@ -38,22 +49,12 @@ class value_stage {
   value_stage(const textio::parser::options& opts, const scan_rules<CharT>& data_rules,
               std::span<const variable_typing> types, omitted_variables<CharT>& omitted);
 
-  // Whether values are converted from text: Matrix, or Table with types.
-  bool converts() const noexcept { return converts_; }
-  // Whether a record's values follow from its fields as plain_text_values
-  // gives them (text, or missing for an empty unquoted field) through
-  // convert_in_place alone: no placeholders to compare, and a missing value
-  // or one that does not convert stays in its record.
-  bool converts_in_place() const noexcept {
-    return placeholders_.empty() && missing_rule_ == textio::enums::BadDataRule::Fill &&
-           (!converts_ || import_error_rule_ == textio::enums::BadDataRule::Fill) && !strict_;
-  }
-  // Whether a value that does not convert may fail the reading.
-  bool strict() const noexcept { return strict_; }
-  // Converts such values, of a record at `line`, to their variables' types
-  // as make would: under Matrix a number (NaN where the text is none); under
-  // Table with types the value of its type or, where it does not convert,
-  // its text (a guessed type) or missing; else the text.
+  // What values under `opts` (the reader's effective options) and `types` ask for.
+  static value_needs needs(const textio::parser::options& opts, std::span<const variable_typing> types);
+
+  // Turns the values of a record at `line` as plain_text_values gives them
+  // (text, or missing for an empty unquoted field) into what make gives for
+  // such fields, under the rules value_needs::in_place allows.
   void convert_in_place(std::span<output_value> values, std::uint64_t line);
   // The type of each variable by position (Table only).
   std::span<const variable_typing> typing() const noexcept { return typing_; }
@@ -73,6 +74,8 @@ class value_stage {
   void count_unconverted(std::size_t i, std::uint64_t line);
   template <class ErrorTag, class Where>
   bool keep_row_under(textio::enums::BadDataRule rule, std::size_t i, Where where);
+  template <class Where>
+  bool field_value(std::size_t i, view text, bool missing, output_value& v, use how, Where where);
 
   textio::enums::BadDataRule missing_rule_;
   textio::enums::BadDataRule import_error_rule_;
@@ -85,8 +88,7 @@ class value_stage {
   std::vector<conversion_settings> conversions_;
   std::vector<std::string> canonical_;  // per variable: the text of its datetime or duration value
   std::vector<std::pair<std::size_t, string>> typed_markers_;
-  bool converts_ = false;
-  bool strict_ = false;  // a variable whose values must convert
+  value_needs needs_;
   std::vector<output_value> values_;
   std::vector<unconverted_values> unconverted_;
 };

@@ -90,7 +90,8 @@ std::vector<ti::part_state> part_starts(const std::string& path, const read_plan
   // (The reader keeps references to its callbacks.)
   const ti::progress_callback no_progress;
   const ti::stray_quote_callback no_stray_quote;
-  ti::table_reader<char> reader(record, input, sink, no_progress, plan.format, no_stray_quote, {});
+  ti::table_reader<char> reader(ti::choose_read_path(record, input, sink, plan.format), input, sink, no_progress,
+                                plan.format, no_stray_quote, {});
   if (!reader.reads_in_parts()) return starts;
   for (std::uint64_t at = block_bytes; at < input.size(); at += block_bytes) {
     if (at <= starts.back().offset) continue;  // a record longer than a block
@@ -123,7 +124,8 @@ ti::arrow_table read_part(const std::string& path, const read_plan& plan, const 
       ti::read_typed_table(record, input, sink, plan.format, plan.types, no_progress, no_stray_quote);
       return sink.take();
     }
-    ti::table_reader<char> reader(record, input, sink, no_progress, plan.format, no_stray_quote, plan.types);
+    ti::table_reader<char> reader(ti::choose_read_path(record, input, sink, plan.format, plan.types), input, sink,
+                                  no_progress, plan.format, no_stray_quote, plan.types);
     reader.stop_at(*stop);
     reader.run();
     return sink.take();
@@ -147,7 +149,8 @@ ti::arrow_table read_part(const std::string& path, const read_plan& plan, const 
   ti::part_plan part;
   part.start = start;
   part.stop = stop.value_or(std::numeric_limits<std::uint64_t>::max());
-  ti::table_reader<char> reader(record, input, sink, no_progress, plan.format, no_stray_quote, plan.types, &part);
+  ti::table_reader<char> reader(ti::choose_read_path(record, input, sink, plan.format, plan.types), input, sink,
+                                no_progress, plan.format, no_stray_quote, plan.types, &part);
   reader.run();
   return sink.take();
 }

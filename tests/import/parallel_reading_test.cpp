@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -34,11 +35,13 @@ struct outcome {
 };
 
 outcome read_with(const std::string& path, const parallel_case& c, unsigned threads, std::uint64_t part_bytes,
-                  bool count) {
+                  bool count, std::optional<std::uint64_t> table_end = {}, bool table_end_detected = false) {
   textio::parser::options record;
   EXPECT_FALSE(zvtool::apply_option_arguments(std::nullopt, c.options, record));
   textio::import::text_format format;
   format.quote_detected = c.quote_detected;
+  format.table_end_line = table_end;
+  format.table_end_detected = table_end_detected;
   format.threads = threads;
   format.part_bytes = part_bytes;
   std::ostringstream out;
@@ -90,6 +93,8 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
       {"quotes turn to text", plain + "5,\"open\n" + plain, {"Delimiter", ","}, true},
       {"quotes turn to text in the first part", "1,2\n5,\"open\n" + plain, {"Delimiter", ","}, true},
       {"comments and lone CR", "# c\r" + plain + "#x\r1,2,3\r" + plain, {"Delimiter", ",", "CommentStyle", "#"}},
+      // Rules that keep state from record to record: read on one thread.
+      {"extra columns wrapped", plain + "1,2,3,4,5\n" + plain, {"Delimiter", ",", "ExtraColumnsRule", "wrap"}},
   };
   bool some_parts = false;
   for (const parallel_case& c : cases) {
@@ -106,6 +111,13 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
     }
   }
   EXPECT_TRUE(some_parts);  // not all read on one thread after all
+  // A table end, given or detected (where records like the table's go on).
+  const parallel_case ends{"table end", plain + "1\n" + plain, {"Delimiter", ","}};
+  const std::string path = import_test::write_file(ends.text);
+  for (const bool detected : {false, true}) {
+    const std::string alone = read_with(path, ends, 1, 64, false, 200, detected).output;
+    EXPECT_EQ(read_with(path, ends, 2, 37, false, 200, detected).output, alone) << detected;
+  }
   // A plain file is read in parts, also with CR LF endings.
   std::string crlf;
   for (const char ch : plain) crlf += ch == '\n' ? std::string("\r\n") : std::string(1, ch);
