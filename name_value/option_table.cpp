@@ -68,7 +68,7 @@ option_map::const_iterator find_option(const option_map& table, std::string_view
 
 // One row per key of the vocabulary.
 const option_map option_table{
-#define ZVTP_OPTION_ROW(key, setter, description) {#key, &setters::setter},
+#define ZVTP_OPTION_ROW(key, setter, field, text, description) {#key, &setters::setter},
 #define ZVTP_RULE_ROW(key, setter, match, member, enumeration, description, ...)                              \
   {#key, &setters::rule<enums::enumeration,                                                                   \
                         static_cast<void (parser::options::*)(enums::enumeration)>(&parser::options::member), \

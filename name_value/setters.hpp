@@ -15,7 +15,7 @@ namespace textio::options::setters {
 
 // Counts, line numbers, logicals, widths, single texts, escape-decoded texts
 // and the ignored keys, each defined in the file of its kind.
-#define ZVTP_DECLARE_SETTER(key, setter, description) \
+#define ZVTP_DECLARE_SETTER(key, setter, field, text, description) \
   void setter(const hvArray_tag* value, textio::parser::options& opts);
 #define ZVTP_NOT_DECLARED(key, setter, match, member, enumeration, description, ...)
 ZVTP_OPTION_VOCABULARY(ZVTP_DECLARE_SETTER, ZVTP_NOT_DECLARED)

@@ -18,12 +18,14 @@
 
 #include <nlohmann/json.hpp>
 
+#include "name_value/option_vocabulary.hpp"
 #include "parser/options.hpp"
 #include "import/values/number_text.hpp"
 #include "tools/apply_options.hpp"
 #include "tools/host_values.hpp"
 #include "tools/json_writer.hpp"
 #include "tools/message_failure.hpp"
+#include "tools/reading_choices.hpp"
 #include "tools/record_json.hpp"
 #include "tools/record_writers.hpp"
 #include "tools/subcommands.hpp"
@@ -505,48 +507,61 @@ TEST(ToolMessageLine, NamesThePairAndHints) {
   }
 }
 
-// Every field under its own name: the defaults, and a record with each field
-// changed through the options.
-TEST(ToolRecordJson, EveryFieldUnderItsOwnName) {
+nlohmann::ordered_json record_json(const textio::parser::options& record) {
+  json_writer out;
+  zvtool::write_options_record(out, record);
+  return nlohmann::ordered_json::parse(out.text());
+}
+
+// The record as JSON names each field that a key sets, and the detection
+// flags of such fields; the arguments that reproduce a record give it back,
+// field for field: the defaults, a record with every field changed, and
+// records of random rules.
+TEST(ToolRecordJson, ReproducingArgumentsGiveTheRecordBack) {
+  const auto gives_back = [](const textio::parser::options& record) {
+    const auto json = record_json(record);
+    for (const auto& f : textio::options::field_keys) EXPECT_TRUE(json.contains(std::string(f.field))) << f.field;
+    for (const auto& item : json.items()) {
+      const std::string field = item.key().starts_with("detecting_") ? item.key().substr(10) : item.key();
+      EXPECT_NE(textio::options::key_of_field(field), nullptr) << item.key();
+    }
+    std::vector<std::string> args{"file"};
+    for (const auto& a : zvtool::reproducing_arguments(record, textio::import::text_format{})) args.push_back(a);
+    const auto parsed = zvtool::parse_subcommand_arguments("read", args);
+    textio::parser::options back;
+    EXPECT_FALSE(zvtool::apply_option_arguments(std::nullopt, parsed.option_arguments, back));
+    EXPECT_EQ(record_json(back), json);
+  };
   textio::parser::options changed;
   const auto failure = zvtool::apply_option_arguments(std::string(R"({
-    "Delimiter": [",", "\\t"], "LineEnding": "\\n", "TreatAsMissing": ["NA", ""], "CommentStyle": "%",
-    "Whitespace": " ", "ThousandsSeparator": "'", "DateLocale": "de_CH", "ExpChars": "e", "FileType": "fixedwidth",
-    "VariableWidths": {"$class": "uint64", "$size": [1, 2], "$data": [1, 18446744073709551615]},
-    "NumHeaderLines": 1, "NumVariables": 2, "VariableNamesLine": 3, "VariableUnitsLine": 4,
-    "VariableDescriptionsLine": 5, "ParserType": "line", "OutputBuilderType": "cell", "DecimalSeparator": ",",
-    "MissingRule": "omitrow", "ImportErrorRule": "error", "ConsecutiveDelimitersRule": "error",
+    "Delimiter": [",", "\\t", "--"], "LineEnding": {"$class": "cell", "$size": [0, 0]}, "TreatAsMissing": ["NA", ""],
+    "CommentStyle": "%", "Whitespace": " \\\\t", "ThousandsSeparator": "'", "DateLocale": "de_CH", "ExpChars": "e",
+    "FileType": "fixed", "VariableWidths": [1, 7], "NumHeaderLines": 1, "NumVariables": 2, "VariableNamesLine": 3,
+    "VariableUnitsLine": 4, "VariableDescriptionsLine": 5, "ParserType": "line", "OutputBuilderType": "cell",
+    "DecimalSeparator": ",", "MissingRule": "omitrow", "ImportErrorRule": "error", "ConsecutiveDelimitersRule": "error",
     "EmptyLineRule": "read", "ExtraColumnsRule": "wrap", "LeadingDelimitersRule": "ignore",
-    "TrailingDelimitersRule": "error", "TrimNonNumeric": true})"),
+    "TrailingDelimitersRule": "error", "PartialFieldRule": "omitvar", "TrimNonNumeric": true})"),
                                                       {}, changed);
   ASSERT_FALSE(failure.has_value()) << zvtool::message_line(*failure);
-  changed.partial_field_rule(static_cast<textio::enums::PartialFieldRule>(9));  // no enumerator: shown as its number
-  const std::pair<textio::parser::options, const char*> cases[] = {
-      {textio::parser::options{}, R"({
-    "delimiter": [], "line_ending": ["\r\n", "\n", "\r"], "missing_placeholders": [], "comment_style": [],
-    "whitespace": " \b\t", "thousands_separator": "", "date_locale": "", "exp_chars": "eEdD", "file_type": "Text",
-    "field_widths": [], "num_header_lines": 18446744073709551615, "num_variables": 0, "variable_names_line": 0,
-    "variable_units_line": 0, "variable_descriptions_line": 0, "parser_type": "Delimited", "output_type": "Table",
-    "decimal_separator": ".", "missing_rule": "Fill", "import_error_rule": "Fill", "consecutive_delim_rule": "Split",
-    "empty_line_rule": "Skip", "extra_columns_rule": "AddVars", "leading_delim_rule": "Keep",
-    "trailing_delim_rule": "Keep", "partial_field_rule": "Keep", "detecting_delimiter": true,
-    "detecting_num_header_lines": true, "detecting_num_variables": true, "trim_non_numeric": false})"},
-      {changed, R"({
-    "delimiter": [",", "\t"], "line_ending": ["\n"], "missing_placeholders": ["NA", ""],
-    "comment_style": ["%"], "whitespace": " ", "thousands_separator": "'", "date_locale": "de_CH",
-    "exp_chars": "e", "file_type": "FixedWidth", "field_widths": [1, 18446744073709551615],
-    "num_header_lines": 1, "num_variables": 2, "variable_names_line": 3, "variable_units_line": 4,
-    "variable_descriptions_line": 5, "parser_type": "Line", "output_type": "Cell", "decimal_separator": ",",
-    "missing_rule": "OmitRow", "import_error_rule": "Error", "consecutive_delim_rule": "Error",
-    "empty_line_rule": "Read", "extra_columns_rule": "Wrap", "leading_delim_rule": "Ignore",
-    "trailing_delim_rule": "Error", "partial_field_rule": 9, "detecting_delimiter": false,
-    "detecting_num_header_lines": false, "detecting_num_variables": false, "trim_non_numeric": true})"},
-  };
-  for (const auto& [record, expected] : cases) {
-    json_writer out;
-    zvtool::write_options_record(out, record);
-    EXPECT_EQ(nlohmann::ordered_json::parse(out.text()), nlohmann::ordered_json::parse(expected));
+  gives_back(textio::parser::options{});
+  gives_back(changed);
+  std::mt19937 random(20261125);
+  for (int i = 0; i < 100; ++i) {
+    std::vector<std::string> pairs;
+    for (const auto& rule : textio::options::rule_options) {
+      if (random() % 2 == 0) continue;
+      pairs.emplace_back(rule.key);
+      pairs.emplace_back(rule.flags[random() % rule.flags.size()]);
+    }
+    textio::parser::options record;
+    ASSERT_FALSE(zvtool::apply_option_arguments(std::nullopt, pairs, record));
+    gives_back(record);
   }
+  // A value outside its enumeration (which no setter stores) shows as its
+  // number.
+  changed.partial_field_rule(static_cast<textio::enums::PartialFieldRule>(9));
+  EXPECT_EQ(record_json(changed)["partial_field_rule"], 9);
+  EXPECT_EQ(record_json(changed)["file_type"], "FixedWidth");
 }
 
 }  // namespace

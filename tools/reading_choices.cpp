@@ -36,45 +36,20 @@ void add_key(std::set<std::string>& keys, std::string_view name) {
   }
 }
 
-// A record field and the key that sets it; `escaped`: the key decodes
-// escape sequences, so a backslash in the value is doubled; `flag`: the
-// detection flag that setting the key clears.
-struct field_key {
-  std::string_view field;
-  std::string_view key;
-  bool escaped = false;
-  std::string_view flag = {};
-};
+using textio::options::field_key;
+using textio::options::field_text;
 
-constexpr field_key field_keys[] = {
-    {"file_type", "FileType"},
-    {"parser_type", "ParserType"},
-    {"delimiter", "Delimiter", true, "detecting_delimiter"},
-    {"line_ending", "LineEnding", true},
-    {"missing_placeholders", "TreatAsMissing", true},
-    {"comment_style", "CommentStyle", true},
-    {"whitespace", "Whitespace", true},
-    {"thousands_separator", "ThousandsSeparator"},
-    {"date_locale", "DateLocale"},
-    {"exp_chars", "ExpChars"},
-    {"field_widths", "VariableWidths"},
-    {"num_header_lines", "NumHeaderLines", false, "detecting_num_header_lines"},
-    {"num_variables", "NumVariables", false, "detecting_num_variables"},
-    {"variable_names_line", "VariableNamesLine"},
-    {"variable_units_line", "VariableUnitsLine"},
-    {"variable_descriptions_line", "VariableDescriptionsLine"},
-    {"output_type", "OutputBuilderType"},
-    {"decimal_separator", "DecimalSeparator"},
-    {"missing_rule", "MissingRule"},
-    {"import_error_rule", "ImportErrorRule"},
-    {"consecutive_delim_rule", "ConsecutiveDelimitersRule"},
-    {"empty_line_rule", "EmptyLineRule"},
-    {"extra_columns_rule", "ExtraColumnsRule"},
-    {"leading_delim_rule", "LeadingDelimitersRule"},
-    {"trailing_delim_rule", "TrailingDelimitersRule"},
-    {"partial_field_rule", "PartialFieldRule"},
-    {"trim_non_numeric", "TrimNonNumeric"},
-};
+// The fields that a key sets back, in the order of their arguments: the kind
+// of file and of reader first, then the rest in the record's order.
+std::vector<const field_key*> keyed_fields(const nlohmann::ordered_json& record) {
+  std::vector<const field_key*> fields{textio::options::key_of_field("file_type"),
+                                       textio::options::key_of_field("parser_type")};
+  for (const auto& item : record.items()) {
+    const field_key* row = textio::options::key_of_field(item.key());
+    if (row != nullptr && std::ranges::find(fields, row) == fields.end()) fields.push_back(row);
+  }
+  return fields;
+}
 
 nlohmann::ordered_json record_json(const textio::parser::options& record) {
   json_writer out;
@@ -85,8 +60,9 @@ nlohmann::ordered_json record_json(const textio::parser::options& record) {
 
 // The VALUE argument that gives a field's JSON value back.
 std::string value_text(const field_key& f, nlohmann::ordered_json value) {
-  const auto unescape = [&f](nlohmann::ordered_json& v) {
-    if (!f.escaped || !v.is_string()) return;
+  const bool escaped = f.text == field_text::escaped;
+  const auto unescape = [escaped](nlohmann::ordered_json& v) {
+    if (!escaped || !v.is_string()) return;
     std::string doubled;
     for (const char c : v.get<std::string>()) {
       doubled += c;
@@ -95,14 +71,14 @@ std::string value_text(const field_key& f, nlohmann::ordered_json value) {
     v = doubled;
   };
   // An empty list of texts: an empty cell array ([] would be numbers).
-  if (value.is_array() && value.empty() && f.escaped) return R"({"$class": "cell", "$size": [0, 0]})";
+  if (value.is_array() && value.empty() && escaped) return R"({"$class": "cell", "$size": [0, 0]})";
   if (value.is_array()) {
     for (auto& v : value) unescape(v);
   } else {
     unescape(value);
   }
   // Enumerations go by their lower-case names, which the options accept.
-  if (value.is_string() && (f.key.ends_with("Type") || f.key.ends_with("Rule"))) {
+  if (value.is_string() && f.text == field_text::enumerator) {
     std::string name = value.get<std::string>();
     for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     value = name;
@@ -218,13 +194,16 @@ std::vector<std::string> reproducing_arguments(const textio::parser::options& re
   const nlohmann::ordered_json wanted = record_json(record);
   const nlohmann::ordered_json plain = record_json(textio::parser::options{});
   std::vector<std::string> pairs;
+  const std::vector<const field_key*> fields = keyed_fields(plain);
   const auto add_differing = [&](const nlohmann::ordered_json& from) {
-    for (const field_key& f : field_keys) {
-      const std::string field(f.field);
-      const bool flag_differs = !f.flag.empty() && wanted[std::string(f.flag)] != from[std::string(f.flag)];
+    for (const field_key* f : fields) {
+      const std::string field(f->field);
+      // Setting the field also clears its detection flag, if it has one.
+      const std::string flag = "detecting_" + field;
+      const bool flag_differs = wanted.contains(flag) && wanted[flag] != from[flag];
       if (wanted[field] == from[field] && !flag_differs) continue;
-      pairs.emplace_back(f.key);
-      pairs.push_back(value_text(f, wanted[field]));
+      pairs.emplace_back(f->key);
+      pairs.push_back(value_text(*f, wanted[field]));
     }
   };
   if (!wanted.is_discarded()) add_differing(plain);

@@ -1,15 +1,15 @@
 #include "tools/record_json.hpp"
 
-#include <array>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <type_traits>
 #include <vector>
 
+#include "name_value/option_vocabulary.hpp"
+
 namespace zvtool {
 namespace {
-
-namespace enums = textio::enums;
 
 void text_list_field(json_writer& out, std::string_view name, const std::vector<ustring>& list) {
   out.key(name);
@@ -33,28 +33,31 @@ void bool_field(json_writer& out, std::string_view name, bool b) {
   out.bool_value(b);
 }
 
+// A field that holds an enumeration, with its enumerator names from the
+// option vocabulary; a field that no rule option writes does not build.
+struct enumeration_field {
+  std::string_view name;
+  std::span<const char* const> names;
+
+  consteval enumeration_field(const char* field) : name(field) {
+    const auto* row = textio::options::key_of_field(field);
+    if (row == nullptr || row->names.empty()) throw "not an enumeration of the options record";
+    names = row->names;
+  }
+};
+
 // The enumerator's name; a number outside the enumeration (which no setter
 // stores) is written as that number, so the output still shows the record.
-template <class Enum, std::size_t N>
-void enum_field(json_writer& out, std::string_view name, Enum value, const std::array<std::string_view, N>& names) {
+template <class Enum>
+void enum_field(json_writer& out, enumeration_field field, Enum value) {
   const auto n = static_cast<std::underlying_type_t<Enum>>(value);
-  out.key(name);
-  if (n < N) {
-    out.bytes_value(names[n]);
+  out.key(field.name);
+  if (n < field.names.size()) {
+    out.bytes_value(field.names[n]);
   } else {
     out.unsigned_value(n);
   }
 }
-
-constexpr std::array<std::string_view, 3> consecutive_names{"Split", "Join", "Error"};
-constexpr std::array<std::string_view, 3> leading_trailing_names{"Keep", "Ignore", "Error"};
-constexpr std::array<std::string_view, 3> empty_line_names{"Skip", "Read", "Error"};
-constexpr std::array<std::string_view, 4> extra_columns_names{"AddVars", "Ignore", "Wrap", "Error"};
-constexpr std::array<std::string_view, 6> partial_field_names{"Keep", "OmitRow", "OmitVar", "Fill", "Wrap", "Error"};
-constexpr std::array<std::string_view, 4> bad_data_names{"Fill", "OmitRow", "OmitVar", "Error"};
-constexpr std::array<std::string_view, 3> file_type_names{"Text", "DelimitedText", "FixedWidth"};
-constexpr std::array<std::string_view, 4> parser_type_names{"Delimited", "FixedWidth", "Tabular", "Line"};
-constexpr std::array<std::string_view, 3> output_type_names{"Table", "Matrix", "Cell"};
 
 }  // namespace
 
@@ -68,7 +71,7 @@ void write_options_record(json_writer& out, const textio::parser::options& recor
   text_field(out, "thousands_separator", record.thousands_separator());
   text_field(out, "date_locale", record.date_locale());
   text_field(out, "exp_chars", record.exp_chars());
-  enum_field(out, "file_type", record.file_type(), file_type_names);
+  enum_field(out, "file_type", record.file_type());
   out.key("field_widths");
   out.begin_array();
   for (const auto width : record.field_widths()) out.unsigned_value(width);
@@ -78,18 +81,18 @@ void write_options_record(json_writer& out, const textio::parser::options& recor
   count_field(out, "variable_names_line", record.variable_names_line());
   count_field(out, "variable_units_line", record.variable_units_line());
   count_field(out, "variable_descriptions_line", record.variable_descriptions_line());
-  enum_field(out, "parser_type", record.parser_type(), parser_type_names);
-  enum_field(out, "output_type", record.output_type(), output_type_names);
+  enum_field(out, "parser_type", record.parser_type());
+  enum_field(out, "output_type", record.output_type());
   const char16_t separator = record.decimal_separator();
   text_field(out, "decimal_separator", std::u16string_view(&separator, 1));
-  enum_field(out, "missing_rule", record.missing_rule(), bad_data_names);
-  enum_field(out, "import_error_rule", record.import_error_rule(), bad_data_names);
-  enum_field(out, "consecutive_delim_rule", record.consecutive_delim_rule(), consecutive_names);
-  enum_field(out, "empty_line_rule", record.empty_line_rule(), empty_line_names);
-  enum_field(out, "extra_columns_rule", record.extra_columns_rule(), extra_columns_names);
-  enum_field(out, "leading_delim_rule", record.leading_delim_rule(), leading_trailing_names);
-  enum_field(out, "trailing_delim_rule", record.trailing_delim_rule(), leading_trailing_names);
-  enum_field(out, "partial_field_rule", record.partial_field_rule(), partial_field_names);
+  enum_field(out, "missing_rule", record.missing_rule());
+  enum_field(out, "import_error_rule", record.import_error_rule());
+  enum_field(out, "consecutive_delim_rule", record.consecutive_delim_rule());
+  enum_field(out, "empty_line_rule", record.empty_line_rule());
+  enum_field(out, "extra_columns_rule", record.extra_columns_rule());
+  enum_field(out, "leading_delim_rule", record.leading_delim_rule());
+  enum_field(out, "trailing_delim_rule", record.trailing_delim_rule());
+  enum_field(out, "partial_field_rule", record.partial_field_rule());
   bool_field(out, "detecting_delimiter", record.detecting_delimiter());
   bool_field(out, "detecting_num_header_lines", record.detecting_num_header_lines());
   bool_field(out, "detecting_num_variables", record.detecting_num_variables());

@@ -30,7 +30,9 @@ read_output read_file(const std::string& path, const std::vector<std::string>& a
   }
   std::ostringstream text;
   read_output out;
-  out.status = zvtool::run_read(zvtool::parse_subcommand_arguments("read", all), text).status;
+  const auto result = zvtool::run_read(zvtool::parse_subcommand_arguments("read", all), text);
+  out.status = result.status;
+  out.err = result.err;
   out.raw = text.str();
   std::istringstream lines(out.raw);
   for (std::string line; std::getline(lines, line);) {

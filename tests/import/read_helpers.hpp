@@ -13,6 +13,7 @@ struct read_output {
   std::vector<std::string> records;  // the record lines, without an error line
   std::string error;                 // the {"error": ...} line, if any
   std::string raw;                   // everything written to standard output
+  std::string err;                   // what standard error would show
 };
 
 // Writes `contents` to a fresh file in the test's temporary folder.

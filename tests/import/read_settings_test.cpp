@@ -1,8 +1,10 @@
-// The read subcommand in process. Each setting of the options at work on a
-// small file: the records that come out (as JSON lines joined with " | "),
-// then the error that stops reading, if any, with the physical line and column
-// (or the byte offset) where it is; and what --count says of them. Then the
-// header lines, typed reading, and round trips through the CSV output.
+// The read subcommand in process. Each setting of the options and of the
+// text format (encoding, quote, escape, table end) at work on a small file:
+// the records that come out (as JSON lines joined with " | "), then the error
+// that stops reading, if any, with the physical line and column (or the byte
+// offset) where it is; what --count says of them; and the same records when
+// the input is read one byte at a time. Then the header lines, typed
+// reading, and round trips through the CSV output.
 #include <algorithm>
 #include <random>
 #include <sstream>
@@ -13,8 +15,13 @@
 #include <nlohmann/json.hpp>
 
 #include "import/read_helpers.hpp"
+#include "import/text_reader.hpp"
 #include "support/run_tool.hpp"
+#include "tools/apply_options.hpp"
+#include "tools/message_failure.hpp"
+#include "tools/reading_choices.hpp"
 #include "tools/record_writers.hpp"
+#include "tools/subcommands.hpp"
 
 namespace {
 
@@ -27,6 +34,7 @@ struct setting_case {
   std::string contents;
   std::vector<std::string> args;
   std::string expected;  // records and error as import_test::joined shows them
+  std::string err_has = {};
 };
 
 void PrintTo(const setting_case& c, std::ostream* os) { *os << c.name; }
@@ -36,11 +44,51 @@ class ReadSetting : public ::testing::TestWithParam<setting_case> {};
 // --count takes a shorter way where no rule looks at the values; it must
 // count what the records show. The exact scanner alone (--exact-scan) gives
 // the same output byte for byte.
+// The records of `args` read without the tool, one byte per read of the
+// input, then the error's key, if any.
+std::vector<std::string> read_byte_by_byte(const std::string& contents, std::vector<std::string> args) {
+  args.insert(args.begin(), {import_test::write_file(contents), "--no-detect", "OutputBuilderType", "cell"});
+  const auto parsed = zvtool::parse_subcommand_arguments("read", args);
+  const auto settings = zvtool::read_settings_of(parsed);
+  textio::parser::options options;
+  EXPECT_FALSE(zvtool::apply_option_arguments(std::nullopt, parsed.option_arguments, options));
+  textio::import::text_format format;
+  format.encoding = settings.given.encoding.value_or("UTF-8");
+  format.quote = settings.given.quote.value_or('"');
+  format.escape = settings.given.escape.value_or(textio::import::escape_style::doubled);
+  format.table_end_line = settings.table_end_line;
+  std::ostringstream text;
+  std::string failed;
+  try {
+    textio::import::utf8_input input(*parsed.operand);
+    input.limit_reads(1);
+    zvtool::jsonl_writer writer(text);
+    textio::import::read_table(options, input, writer, format);
+    writer.flush();
+  } catch (const foundation::core::except::IMsgIDException& error) {
+    failed = zvtool::capture_message(error).id.key;
+  }
+  std::vector<std::string> lines;
+  std::istringstream records(text.str());
+  for (std::string line; std::getline(records, line);) lines.push_back(line);
+  if (!lines.empty()) lines.erase(lines.begin());  // the header
+  if (!failed.empty()) lines.push_back(failed);
+  return lines;
+}
+
 TEST_P(ReadSetting, GivesTheRecordsAndCountsThem) {
   const auto& c = GetParam();
   const auto out = read_text(c.contents, c.args);
   EXPECT_EQ(out.status, out.error.empty() ? 0 : 4);
   EXPECT_EQ(joined(out), c.expected);
+  EXPECT_NE(out.err.find(c.err_has), std::string::npos) << out.err;
+  // Texts only (the reader's own types come with the tool), and small inputs.
+  if (c.contents.size() < 4096 && std::ranges::find(c.args, "OutputBuilderType") == c.args.end()) {
+    std::vector<std::string> lines = out.records;
+    const std::size_t key = out.error.find("\"key\": \"") + 8;
+    if (!out.error.empty()) lines.push_back(out.error.substr(key, out.error.find('"', key) - key));
+    EXPECT_EQ(read_byte_by_byte(c.contents, c.args), lines) << "one byte per read";
+  }
   std::vector<std::string> exact_args = c.args;
   exact_args.push_back("--exact-scan");
   EXPECT_EQ(read_text(c.contents, exact_args).raw, out.raw);
@@ -70,6 +118,12 @@ std::vector<std::string> typed(std::vector<std::string> more) {
 std::vector<std::string> as_int16(const char* import_error_rule) {
   return typed({"ImportErrorRule", import_error_rule, "--types", R"(["int16"])"});
 }
+std::vector<std::string> in(const char* encoding, std::vector<std::string> more = {}) {
+  more.insert(more.begin(), {"--encoding", encoding});
+  return more;
+}
+std::vector<std::string> ending_at(const char* line) { return {"--table-end", line}; }
+const std::vector<std::string> backslash = {"--escape", "backslash"};
 // Longer than the reader's one-MiB blocks.
 const std::string block_of_x(std::size_t{1} << 20, 'x');
 const std::string blocks_of_q(3 * block_of_x.size() + 17, 'q');
@@ -234,6 +288,43 @@ const setting_case setting_cases[] = {
     // Text.
     {"byte_order_mark_skipped", "\uFEFFa,b", {}, R"(["a", "b"])"},
     {"non_ascii_whitespace_trimmed", "\u3000a\u3000,b", {"Whitespace", "\u3000"}, R"(["a", "b"])"},
+    // Encodings, converted while reading; the offset of a bad byte counts
+    // the input's bytes.
+    {"latin1", "caf\xE9,\xBD\n", in("ISO-8859-1"), R"(["café", "½"])"},
+    {"utf16le_bom_skipped",
+     std::string("\xFF\xFE"
+                 "a\0,\0\xE9\0\n\0b\0",
+                 12),
+     in("UTF-16LE"), R"(["a", "é"] | ["b", null])"},
+    {"utf16be_no_bom", std::string("\0a\0,\0b", 6), in("UTF-16BE"), R"(["a", "b"])"},
+    {"utf32le_bom_skipped", std::string("\xFF\xFE\0\0x\0\0\0", 8), in("UTF-32LE"), R"(["x"])"},
+    // Typed values keep the text they were read from, converted to UTF-8.
+    {"typed_values_as_written", std::string("4\0\x30\0.\0\x30\0,\0\x31\0\n\0+\0\x31\0,\0x\0", 22),
+     in("UTF-16LE", {"OutputBuilderType", "table"}), R"([40.0, "1"] | [1, "x"])"},
+    {"invalid_byte_offset_after_good_text", "ab\ncd\n\x81", in("WINDOWS-1252"),
+     R"(["ab"] | InvalidEncoding("WINDOWS-1252", 6))"},
+    {"cut_off_character_at_end", std::string("a\0\n\0b", 5), in("UTF-16LE"), R"(InvalidEncoding("UTF-16LE", 4))"},
+    {"unknown_encoding", "a", in("NO-SUCH-ENCODING"), R"(UnknownEncoding("NO-SUCH-ENCODING"))"},
+    {"lone_surrogate", std::string("a\0\n\0\x00\xD8x\0", 8), in("UTF-16LE"), R"(InvalidEncoding("UTF-16LE", 4))"},
+    // Other quotes and escapes.
+    {"single_quote", "'a,b',\"c\"\n'it''s',d", {"--quote", "'"}, R"(["a,b", "\"c\""] | ["it's", "d"])"},
+    {"no_quote", "\"a,b\",c", {"--quote", "none"}, R"(["\"a", "b\"", "c"])"},
+    {"backslash_escape", R"("a\"b\\c\n",d)", backslash, R"(["a\"b\\c\\n", "d"])"},
+    {"backslash_then_quote_closes", "\"a\\\\\",b", backslash, R"(["a\\", "b"])"},
+    {"escaped_quote_before_delimiter", "\"a\\\",b\",c", backslash, R"(["a\",b", "c"])"},
+    // The table's end: the record that starts before the end line is read
+    // whole, the lines after it counted, whatever ends them.
+    {"table_end", "1,2\n\"3\n3\",4", ending_at("3"), R"(["1", "2"] | ["3\n3", "4"])"},
+    {"table_end_crlf", "1,2\n\"3\n3\",4\r\n\r\nnote 1\r\nnote\"2", ending_at("3"), R"(["1", "2"] | ["3\n3", "4"])",
+     "3 lines from line 4 on were left unread"},
+    {"table_end_lf", "1,2\n\"3\n3\",4\nx\n", ending_at("3"), R"(["1", "2"] | ["3\n3", "4"])",
+     "1 lines from line 4 on were left unread"},
+    {"table_end_cr", "1,2\n\"3\n3\",4\rx\ry", ending_at("3"), R"(["1", "2"] | ["3\n3", "4"])",
+     "2 lines from line 4 on were left unread"},
+    {"table_end_at_a_record_start", "1,2\n3,4\n", ending_at("2"), R"(["1", "2"])",
+     "1 lines from line 2 on were left unread"},
+    {"table_end_after_a_record_of_two_lines", "1,2\n\"3\n3\",4\n5,6\n7,8\n", ending_at("4"),
+     R"(["1", "2"] | ["3\n3", "4"])", "2 lines from line 4 on were left unread"},
 };
 INSTANTIATE_TEST_SUITE_P(Settings, ReadSetting, ::testing::ValuesIn(setting_cases));
 
