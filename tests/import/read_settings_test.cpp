@@ -92,6 +92,11 @@ const setting_case setting_cases[] = {
     {"marker_in_quotes_is_text", "\"a#b\",c # d", {"CommentStyle", "#"}, R"(["a#b", "c"])"},
     {"block_comment_across_lines", "1,/* x\ny */2\n3,4", block_comment, R"(["1", "2"] | ["3", "4"])"},
     {"unclosed_block_comment", "1,2\n3/* x\n4", block_comment, R"(["1", "2"] | ["3", null])"},
+    // Markers of one byte each: still a block, not a line comment.
+    {"one_byte_block_comment",
+     "1,{x}2\n{a\nb}3,4\n5,{6\n",
+     {"CommentStyle", R"(["{", "}"])"},
+     R"(["1", "2"] | ["3", "4"] | ["5", null])"},
     // Empty lines.
     {"empty_lines_skipped", "1\n\n \t\n2", {}, R"(["1"] | ["2"])"},
     {"empty_line_read", "1,2\n\n3,4", {"EmptyLineRule", "read"}, R"(["1", "2"] | [null, null] | ["3", "4"])"},
@@ -283,6 +288,26 @@ TEST(ReadTypes, CsvReadsBackTheSame) {
             "a,b,c\r\n1.25,true,2018-01-28T05:06:07.5+01:00\r\n,false,2018-01-29\r\n1e+300,true,\r\n5e-324,,\r\n-0,,"
             "\r\nNaN,,\r\n-Inf,,\r\n0.1,,\r\n");
   EXPECT_EQ(joined(read_text(canonical.raw, typed({"--canonical"}))), joined(read_text(file, typed({"--canonical"}))));
+}
+
+// A record that is padding only (no field of its own) has the table's
+// field count in CSV too: one separator fewer than fields.
+TEST(ReadCsv, PaddingOnlyRecordsKeepTheFieldCount) {
+  const struct {
+    const char* name;
+    std::string contents;
+    std::vector<std::string> args;
+    std::string csv;
+  } cases[] = {
+      {"delimiters_ignored", "1,2\n,,\n3,4\n", {"LeadingDelimitersRule", "ignore"}, "1,2\r\n,\r\n3,4\r\n"},
+      {"three_variables", "1,2,3\n,\n", {"LeadingDelimitersRule", "ignore"}, "1,2,3\r\n,,\r\n"},
+      {"empty_line_read", "1,2\n\n3,4\n", {"EmptyLineRule", "read"}, "1,2\r\n,\r\n3,4\r\n"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> args = c.args;
+    args.insert(args.end(), {"--format", "csv"});
+    EXPECT_EQ(read_text(c.contents, args).raw, c.csv) << c.name;
+  }
 }
 
 // Random tables (shapes, names or none, missing values, texts built from
