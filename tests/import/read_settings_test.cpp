@@ -152,6 +152,7 @@ const setting_case setting_cases[] = {
     {"placeholders", "NA,1, -- ,\"NA\"", {"TreatAsMissing", R"(["NA", "--"])"}, R"([null, "1", null, "NA"])"},
     {"missing_omitrow", "1,2\n3,\n5,6", {"MissingRule", "omitrow"}, R"(["1", "2"] | ["5", "6"])"},
     {"missing_omitvar", "1,2,3\n4,,6\n7,8,9", {"MissingRule", "omitvar"}, R"(["1", "3"] | ["4", "6"] | ["7", "9"])"},
+    {"omitvar_of_padding", "1,2,3\n7\n", {"MissingRule", "omitvar"}, R"(["1"] | ["7"])"},
     {"first_record_sets_count", "1,2\n3\n4,5,6", {}, R"(["1", "2"] | ["3", null] | ["4", "5", "6"])"},
     {"crlf_records_then_a_longer_one",
      "1,2\r\n3,4\r\n5,6,7\r\n8,9\r\n",
@@ -237,6 +238,11 @@ const setting_case setting_cases[] = {
      {"ParserType", "fixedwidth", "VariableWidths", "[1048575, 2, 2]"},
      R"([")" + block_of_x.substr(1) + R"(", "é,", "𝄞"])"},
     // Text.
+    {"control_units_escaped",
+     "a\x01"
+     "b,\x1f",
+     {},
+     R"(["a\u0001b", "\u001f"])"},
     {"byte_order_mark_skipped", "\uFEFFa,b", {}, R"(["a", "b"])"},
     {"non_ascii_whitespace_trimmed", "\u3000a\u3000,b", {"Whitespace", "\u3000"}, R"(["a", "b"])"},
 };
