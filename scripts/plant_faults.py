@@ -188,7 +188,7 @@ FAULTS = [
      "if (even_zero * 10 >= pairs * 9 && odd_zero * 10 <= pairs) return \"UTF-16BE\";",
      [("detection_tests", "-DetectionCorpus.*")]),
     ("detect-thousands-dot", "import/detect/cell_types.cpp", "guess_number_format",
-     "a grouping dot needs more dot votes than comma votes, not as many",
+     "a grouping dot needs two grouped numbers, not one",
      "if (f.decimal == ',' && v.thousands_dot >= 1 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';",
      "if (f.decimal == ',' && v.thousands_dot >= 2 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';",
      [("detection_tests", "-DetectionCorpus.*")]),
