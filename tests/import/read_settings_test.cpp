@@ -146,6 +146,11 @@ const setting_case setting_cases[] = {
     {"marker_in_quotes_is_text", "\"a#b\",c # d", {"CommentStyle", "#"}, R"(["a#b", "c"])"},
     {"block_comment_across_lines", "1,/* x\ny */2\n3,4", block_comment, R"(["1", "2"] | ["3", "4"])"},
     {"unclosed_block_comment", "1,2\n3/* x\n4", block_comment, R"(["1", "2"] | ["3", null])"},
+    // Markers of one byte each: still a block, not a line comment.
+    {"one_byte_block_comment",
+     "1,{x}2\n{a\nb}3,4\n5,{6\n",
+     {"CommentStyle", R"(["{", "}"])"},
+     R"(["1", "2"] | ["3", "4"] | ["5", null])"},
     // Empty lines.
     {"empty_lines_skipped", "1\n\n \t\n2", {}, R"(["1"] | ["2"])"},
     {"empty_line_read", "1,2\n\n3,4", {"EmptyLineRule", "read"}, R"(["1", "2"] | [null, null] | ["3", "4"])"},
@@ -201,6 +206,7 @@ const setting_case setting_cases[] = {
     {"placeholders", "NA,1, -- ,\"NA\"", {"TreatAsMissing", R"(["NA", "--"])"}, R"([null, "1", null, "NA"])"},
     {"missing_omitrow", "1,2\n3,\n5,6", {"MissingRule", "omitrow"}, R"(["1", "2"] | ["5", "6"])"},
     {"missing_omitvar", "1,2,3\n4,,6\n7,8,9", {"MissingRule", "omitvar"}, R"(["1", "3"] | ["4", "6"] | ["7", "9"])"},
+    {"omitvar_of_padding", "1,2,3\n7\n", {"MissingRule", "omitvar"}, R"(["1"] | ["7"])"},
     {"first_record_sets_count", "1,2\n3\n4,5,6", {}, R"(["1", "2"] | ["3", null] | ["4", "5", "6"])"},
     {"crlf_records_then_a_longer_one",
      "1,2\r\n3,4\r\n5,6,7\r\n8,9\r\n",
@@ -286,6 +292,11 @@ const setting_case setting_cases[] = {
      {"ParserType", "fixedwidth", "VariableWidths", "[1048575, 2, 2]"},
      R"([")" + block_of_x.substr(1) + R"(", "é,", "𝄞"])"},
     // Text.
+    {"control_units_escaped",
+     "a\x01"
+     "b,\x1f",
+     {},
+     R"(["a\u0001b", "\u001f"])"},
     {"byte_order_mark_skipped", "\uFEFFa,b", {}, R"(["a", "b"])"},
     {"non_ascii_whitespace_trimmed", "\u3000a\u3000,b", {"Whitespace", "\u3000"}, R"(["a", "b"])"},
     // Encodings, converted while reading; the offset of a bad byte counts
@@ -374,6 +385,26 @@ TEST(ReadTypes, CsvReadsBackTheSame) {
             "a,b,c\r\n1.25,true,2018-01-28T05:06:07.5+01:00\r\n,false,2018-01-29\r\n1e+300,true,\r\n5e-324,,\r\n-0,,"
             "\r\nNaN,,\r\n-Inf,,\r\n0.1,,\r\n");
   EXPECT_EQ(joined(read_text(canonical.raw, typed({"--canonical"}))), joined(read_text(file, typed({"--canonical"}))));
+}
+
+// A record that is padding only (no field of its own) has the table's
+// field count in CSV too: one separator fewer than fields.
+TEST(ReadCsv, PaddingOnlyRecordsKeepTheFieldCount) {
+  const struct {
+    const char* name;
+    std::string contents;
+    std::vector<std::string> args;
+    std::string csv;
+  } cases[] = {
+      {"delimiters_ignored", "1,2\n,,\n3,4\n", {"LeadingDelimitersRule", "ignore"}, "1,2\r\n,\r\n3,4\r\n"},
+      {"three_variables", "1,2,3\n,\n", {"LeadingDelimitersRule", "ignore"}, "1,2,3\r\n,,\r\n"},
+      {"empty_line_read", "1,2\n\n3,4\n", {"EmptyLineRule", "read"}, "1,2\r\n,\r\n3,4\r\n"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> args = c.args;
+    args.insert(args.end(), {"--format", "csv"});
+    EXPECT_EQ(read_text(c.contents, args).raw, c.csv) << c.name;
+  }
 }
 
 // Random tables (shapes, names or none, missing values, texts built from

@@ -97,6 +97,11 @@ TEST(StructuralScan, LeavesUncoveredRulesToTheExactScanner) {
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, {u"\n", u"\n,"}, 0, u" ")));  // LF then more
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, lf, u'"', u" ")));  // comment marker is the quote
   EXPECT_FALSE(structural_classes::for_rules(make_rules({u",", u";", u"|", u":", u"!"}, lf, 0, u" ")));
+  EXPECT_FALSE(structural_classes::for_rules(make_rules({u","}, lf, 0, u" \u3000")));  // whitespace not ASCII
+  // A block comment, even of one-byte markers: the scan knows line comments only.
+  auto block = make_rules({u","}, lf, u'{', u" ");
+  block.comment_close = textio::import::string_matcher<char>(textio::get_or_create_delim({u"}"}));
+  EXPECT_FALSE(structural_classes::for_rules(block));
 }
 
 // Collecting the delimiters of a record with more fields than that would

@@ -79,6 +79,10 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"127", value_type::int8, "127"},
       {"128", value_type::int8, "refused"},
       {"-1", value_type::uint8, "refused"},
+      {"65535", value_type::uint16, "65535"},  // above int16's range
+      {"65536", value_type::uint16, "refused"},
+      {"-32768", value_type::int16, "-32768"},
+      {"32768", value_type::int16, "refused"},
       {"9223372036854775807", value_type::int64, "9223372036854775807"},
       {"9223372036854775808", value_type::int64, "refused"},
       {"18446744073709551615", value_type::uint64, "18446744073709551615"},
@@ -95,6 +99,8 @@ TEST(ValueConversion, SpellingsOfEachType) {
       {"13/4/2020", value_type::datetime, "refused", month_first()},
       {"2020-03-04", value_type::datetime, "2020-03-04", month_first()},
       {"3-4-99", value_type::datetime, "1999-04-03"},
+      {"3-4-68", value_type::datetime, "2068-04-03"},  // two-digit years turn between 68 and 69
+      {"3-4-69", value_type::datetime, "1969-04-03"},
       {"28-Jan-2018", value_type::datetime, "2018-01-28"},
       {"January 28, 2018", value_type::datetime, "2018-01-28"},
       {"Sept 1 2018", value_type::datetime, "2018-09-01"},
