@@ -13,6 +13,7 @@
 #include "import/reader_errors.hpp"
 #include "import/input/decompressor.hpp"
 #include "import/input/read_ahead.hpp"
+#include "import/input/stream_spool.hpp"
 #include "import/input/transcoder.hpp"
 #include "import/input/utf8_text.hpp"
 
@@ -50,6 +51,9 @@ utf8_input::utf8_input(int fd, std::string name, std::uint64_t offset)
   note_file_state();
 }
 
+utf8_input::utf8_input(stream_spool& spool, std::string name, std::uint64_t offset, bool releases)
+    : name_(std::move(name)), offset_(offset), started_(true), spool_(&spool), spool_at_(offset), releases_(releases) {}
+
 utf8_input::utf8_input(std::string_view bytes, std::string name)
     : name_(std::move(name)), in_memory_(true), memory_(bytes.data()), memory_size_(bytes.size()) {
   find_compression();
@@ -65,7 +69,22 @@ void utf8_input::decompress_ahead() {
       [d = decompressor_.get()](char* into, std::size_t size) { return d->read(into, size); }, std::size_t{1} << 20, 4);
 }
 
+void utf8_input::spool_ahead(std::uint64_t ahead_bytes) {
+  if (!can_spool()) return;
+  spool_at_ = offset_ + pending_.size();
+  own_spool_ = std::make_unique<stream_spool>(
+      pending_, offset_, [d = decompressor_.get()](char* into, std::size_t size) { return d->read(into, size); },
+      std::size_t{1} << 20, ahead_bytes);
+  spool_ = own_spool_.get();
+}
+
 std::size_t utf8_input::read_some(char* into, std::size_t size) {
+  if (spool_) {
+    const std::size_t n = spool_->read_at(spool_at_, into, size);
+    spool_at_ += n;
+    if (releases_) spool_->release_before(spool_at_);
+    return n;
+  }
   if (ahead_) return ahead_->read(into, size);
   if (decompressor_) return decompressor_->read(into, size);
   return read_after_head(into, size);
@@ -131,7 +150,9 @@ bool utf8_input::changed_since_opened() const noexcept {
 }
 
 utf8_input::~utf8_input() {
-  ahead_.reset();  // its thread may be reading the descriptor
+  // Their threads may be reading the descriptor.
+  ahead_.reset();
+  own_spool_.reset();
   if (owns_fd_) ::close(fd_);
 }
 

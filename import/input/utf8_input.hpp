@@ -15,6 +15,7 @@ namespace textio::import {
 
 class decompressor;
 class read_ahead;
+class stream_spool;
 class transcoder;
 
 class utf8_input {
@@ -29,6 +30,10 @@ class utf8_input {
   // that several inputs can read parts of one file at once. No byte-order
   // mark is looked for.
   utf8_input(int fd, std::string name, std::uint64_t offset);
+  // Reads the bytes of `spool` from `offset` on, as a part of a file is
+  // read; with `releases`, the spool lets go of each byte once read (the
+  // input reads on to the end alone).
+  utf8_input(stream_spool& spool, std::string name, std::uint64_t offset, bool releases);
   // Reads bytes in memory, which must outlive the input; `name` names them
   // in messages.
   utf8_input(std::string_view bytes, std::string name);
@@ -74,6 +79,17 @@ class utf8_input {
   // few blocks ahead of the reading, so that both go on at once; nothing
   // for other input, nor for a pipe. Throws std::system_error when no thread can be started.
   void decompress_ahead();
+  // Whether the input is compressed and read from a file or memory, so that
+  // spool_ahead() can make its bytes readable at any offset.
+  bool can_spool() const noexcept { return decompressor_ && !ahead_ && !spool_ && (regular_ || in_memory_); }
+  // Decompresses a compressed input on a thread of its own into a spool
+  // (stream_spool.hpp) that keeps its bytes from the ones not yet read on,
+  // at most `ahead_bytes` ahead of its floor; this input reads on from it.
+  // Nothing when !can_spool(). Throws std::system_error when no thread can
+  // be started.
+  void spool_ahead(std::uint64_t ahead_bytes);
+  // The spool this input reads from, if any.
+  stream_spool* spool() const noexcept { return spool_; }
   // Whether the input is converted from another encoding.
   bool converts() const noexcept { return transcoder_ != nullptr; }
   int descriptor() const noexcept { return fd_; }
@@ -127,7 +143,11 @@ class utf8_input {
   std::unique_ptr<transcoder> transcoder_;  // none: the input is UTF-8
   std::string head_;                        // raw bytes it read, handed out first
   std::unique_ptr<decompressor> decompressor_;
-  std::unique_ptr<read_ahead> ahead_;  // decompressor_ read on its own thread
+  std::unique_ptr<read_ahead> ahead_;        // decompressor_ read on its own thread
+  std::unique_ptr<stream_spool> own_spool_;  // decompressor_ spooled on its own thread
+  stream_spool* spool_ = nullptr;            // read from here, at spool_at_
+  std::uint64_t spool_at_ = 0;
+  bool releases_ = false;  // lets go of the spool's bytes once read
 };
 
 }  // namespace textio::import

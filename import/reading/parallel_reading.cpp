@@ -17,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "import/input/stream_spool.hpp"
 #include "import/reading/table_reader.hpp"
 
 namespace textio::import {
@@ -26,25 +27,45 @@ constexpr std::size_t probe_bytes = std::size_t{1} << 16;
 // The first part, read before the workers start: short, so that they start soon.
 constexpr std::uint64_t first_part_bytes = std::uint64_t{1} << 20;
 
-// Positional reads of the shared descriptor; short at the end of the file.
-std::size_t read_at(int fd, char* into, std::size_t size, std::uint64_t offset) {
-  std::size_t got = 0;
-  while (got < size) {
-    const ssize_t n = ::pread(fd, into + got, size - got, static_cast<off_t>(offset + got));
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) break;  // a failure shows again when the part is read
-    got += static_cast<std::size_t>(n);
+// Where the parts are read from: the file's descriptor, with positional
+// reads, or the spool of a decompressed file.
+struct part_source {
+  int fd = -1;
+  stream_spool* spool = nullptr;
+  std::string name;
+
+  // The bytes at `offset`; short at the end of the input.
+  std::size_t read_at(char* into, std::size_t size, std::uint64_t offset) const {
+    std::size_t got = 0;
+    while (got < size) {
+      if (spool) {
+        const std::size_t n = spool->read_at(offset + got, into + got, size - got);
+        if (n == 0) break;
+        got += n;
+        continue;
+      }
+      const ssize_t n = ::pread(fd, into + got, size - got, static_cast<off_t>(offset + got));
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) break;  // a failure shows again when the part is read
+      got += static_cast<std::size_t>(n);
+    }
+    return got;
   }
-  return got;
-}
+  // An input reading on from `offset`; with `alone`, reading on to the end
+  // alone (a spool then lets go of the bytes as they are read).
+  std::unique_ptr<utf8_input> open(std::uint64_t offset, bool alone) const {
+    if (spool) return std::make_unique<utf8_input>(*spool, name, offset, alone);
+    return std::make_unique<utf8_input>(fd, name, offset);
+  }
+};
 
 // The guessed start of the first record at or after `from`: the byte after
 // the first line ending that ends at or after it (a CR LF as one ending), or
 // `size` when none does.
-std::uint64_t guess_record_start(int fd, std::uint64_t from, std::uint64_t size) {
+std::uint64_t guess_record_start(const part_source& source, std::uint64_t from, std::uint64_t size) {
   std::string block(probe_bytes + 1, '\0');
   for (std::uint64_t at = from - 1; at < size;) {
-    const std::size_t got = read_at(fd, block.data(), probe_bytes + 1, at);
+    const std::size_t got = source.read_at(block.data(), probe_bytes + 1, at);
     if (got == 0) break;
     const std::size_t scan = std::min(got, probe_bytes);
     for (std::size_t i = 0; i < scan; ++i) {
@@ -72,12 +93,11 @@ struct part_result {
 
 class part_readers {
  public:
-  part_readers(const read_path& path, const utf8_input& input, record_sink& sink, const text_format& format,
-               std::span<const variable_typing> types, const part_state& first_end)
+  part_readers(const read_path& path, const part_source& source, std::uint64_t size, record_sink& sink,
+               const text_format& format, std::span<const variable_typing> types, const part_state& first_end)
       : path_(path),
-        fd_(input.descriptor()),
-        name_(input.name()),
-        size_(input.size()),
+        source_(source),
+        size_(size),
         sink_(sink),
         format_(format),
         types_(types),
@@ -127,6 +147,10 @@ class part_readers {
   std::uint64_t base_line() const noexcept { return first_end_.line; }
   const std::optional<std::size_t>& base_variables() const noexcept { return first_end_.variables; }
 
+  // Where part k (from 2) is cut at the earliest: its start is guessed
+  // from here on.
+  std::uint64_t nominal_begin(std::size_t k) const noexcept { return first_end_.offset + (k - 1) * part_; }
+
   // A worker failed outside reading a part (out of memory, say); the rest
   // of the file is then read on the calling thread.
   bool broken() {
@@ -149,8 +173,8 @@ class part_readers {
   // first_end + (k - 1) * part.
   std::uint64_t begin_of(std::size_t k) const {
     if (k == 1) return first_end_.offset;
-    const std::uint64_t nominal = first_end_.offset + (k - 1) * part_;
-    return nominal >= size_ ? size_ : guess_record_start(fd_, nominal, size_);
+    const std::uint64_t nominal = nominal_begin(k);
+    return nominal >= size_ ? size_ : guess_record_start(source_, nominal, size_);
   }
 
   void work() {
@@ -206,11 +230,11 @@ class part_readers {
     plan.worker = true;
     try {
       r.sink = sink ? std::move(sink) : sink_.part_sink();
-      utf8_input input(fd_, name_, r.begin);
+      const std::unique_ptr<utf8_input> input = source_.open(r.begin, false);
       // (The reader keeps references to its callbacks.)
       const progress_callback no_progress;
       const stray_quote_callback no_stray_quote;
-      table_reader<char> reader(path_, input, *r.sink, no_progress, format_, no_stray_quote, types_, &plan);
+      table_reader<char> reader(path_, *input, *r.sink, no_progress, format_, no_stray_quote, types_, &plan);
       const reader_run run = reader.run();
       r.failed = run.end == run_end::abandoned;
       r.unconverted = run.summary.unconverted;
@@ -221,9 +245,8 @@ class part_readers {
   }
 
   const read_path& path_;
-  int fd_;
-  std::string name_;
-  std::uint64_t size_;
+  const part_source& source_;
+  std::uint64_t size_;  // the most there can be: a spool's end is not known
   record_sink& sink_;
   const text_format& format_;
   std::span<const variable_typing> types_;
@@ -249,8 +272,13 @@ class part_readers {
 read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink& sink, const text_format& format,
                            std::span<const variable_typing> types, const progress_callback& progress,
                            const stray_quote_callback& stray_quote) {
-  table_reader<char> first(path, input, sink, progress, format, stray_quote, types);
   const std::uint64_t part = std::max<std::uint64_t>(format.part_bytes, 1);
+  // A compressed file is decompressed ahead into a spool, a few parts more
+  // than the workers read at once.
+  input.spool_ahead((2 * std::uint64_t{format.threads} + 3) * part);
+  const part_source source{input.descriptor(), input.spool(), input.name()};
+  const std::uint64_t size = source.spool ? std::numeric_limits<std::uint64_t>::max() : input.size();
+  table_reader<char> first(path, input, sink, progress, format, stray_quote, types);
   // The first part reads on alone to the end when the file ends in it, when
   // quotes turn to text in it or when it is all header.
   first.stop_at(std::min<std::uint64_t>(part, first_part_bytes), true);
@@ -259,17 +287,18 @@ read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink
   read_summary summary = first_run.summary;
 
   part_state expected = *first.stopped_at();
-  part_readers readers(path, input, sink, format, types, expected);
+  part_readers readers(path, source, size, sink, format, types, expected);
   // Reads from `expected` on this thread, up to `stop`; false when that
   // read to the end of the file (also when quotes turned to text, after
   // which the rest is read alone).
   const auto read_here = [&](std::uint64_t stop) {
-    utf8_input rest(input.descriptor(), input.name(), expected.offset);
+    const std::unique_ptr<utf8_input> rest =
+        source.open(expected.offset, stop == std::numeric_limits<std::uint64_t>::max());
     part_plan plan;
     plan.start = expected;
     plan.stop = stop;
     plan.stop_while_in_parts = true;
-    table_reader<char> reader(path, rest, sink, progress, format, stray_quote, types, &plan);
+    table_reader<char> reader(path, *rest, sink, progress, format, stray_quote, types, &plan);
     const reader_run read = reader.run();
     add_unconverted(summary.unconverted, read.summary.unconverted, 0);
     if (read.end != run_end::stopped) return false;
@@ -284,6 +313,9 @@ read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink
     std::unique_ptr<part_result> r = readers.take(k);
     if (!r && readers.broken()) break;
     if (!r) return summary;  // the part before read to the end
+    // From here on the spool's bytes are read from `expected` on, and
+    // parts after this one look for their start from their nominal one.
+    if (source.spool) source.spool->release_before(std::min(expected.offset, readers.nominal_begin(k + 1) - 1));
     // After the variable count grew, every later part was read with the
     // old one: read the rest alone.
     if (expected.variables != readers.base_variables()) break;
@@ -295,7 +327,7 @@ read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink
       ++summary.parts_on_threads;
       add_unconverted(summary.unconverted, r->unconverted, expected.line - readers.base_line());
       readers.reuse(std::move(r->sink));
-      if (progress) progress(r->end, input.size());
+      if (progress && input.size() != 0) progress(r->end, input.size());
       if (!r->stopped_at) return summary;
       expected = part_state{r->stopped_at->offset, expected.line + (r->stopped_at->line - readers.base_line()),
                             r->stopped_at->variables};

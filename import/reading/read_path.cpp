@@ -64,8 +64,11 @@ read_path choose_read_path(const textio::parser::options& given, const utf8_inpu
             keeps_every_field(
                 delimiter_rule_set{o.leading_delim_rule(), o.trailing_delim_rule(), o.consecutive_delim_rule()});
   p.parts_readable = !p.keeps_table && !format.table_end_line && o.extra_columns_rule() != ExtraColumnsRule::Wrap;
-  p.on_threads = p.parts_readable && format.threads > 1 && input.is_whole_regular_file() && !input.converts() &&
-                 sink.takes_part_sinks() && input.size() / 2 >= std::max<std::uint64_t>(format.part_bytes, 1);
+  // A compressed file's size is not known before it is read: it is read in
+  // parts whatever its size (a short one ends in the first part).
+  const bool large = input.size() / 2 >= std::max<std::uint64_t>(format.part_bytes, 1);
+  p.on_threads = p.parts_readable && format.threads > 1 && !input.converts() && sink.takes_part_sinks() &&
+                 ((input.is_whole_regular_file() && large) || input.can_spool());
   return p;
 }
 

@@ -26,8 +26,8 @@ struct read_path {
   bool keeps_table = false;
   // Records are only counted: no rule looks at their values.
   bool counts = false;
-  // A compressed input is decompressed on a thread of its own, ahead of
-  // the reading.
+  // A compressed input not read in parts is decompressed on a thread of
+  // its own, ahead of the reading.
   bool decompress_ahead = false;
   // A long record goes to the sink in parts of value_stage::record_part_size.
   bool values_in_parts = false;
@@ -44,7 +44,8 @@ struct read_path {
   // The data records can be read in parts, each from its start state alone
   // (as long as quotes stay quotes).
   bool parts_readable = false;
-  // The file is read in parts on format.threads threads.
+  // The file is read in parts on format.threads threads (a compressed one
+  // decompressed on a thread of its own into a spool the parts read).
   bool on_threads = false;
 };
 

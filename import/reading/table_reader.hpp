@@ -98,10 +98,11 @@ class table_reader {
   // The byte offset in the file of the window's start; for UTF-8 input read
   // as it is (units are the input's bytes).
   std::uint64_t window_offset() const noexcept { return input_.bytes_read() - window_.view().size(); }
-  // (Never at the end of the file: there the reader finishes.)
+  // (Never at the end of a file of known size: there the reader finishes.
+  // A decompressed input's size is not known: size() is 0.)
   bool past_stop() const noexcept {
     return stop_ != std::numeric_limits<std::uint64_t>::max() && window_offset() >= stop_ &&
-           window_offset() < input_.size();
+           (window_offset() < input_.size() || input_.size() == 0);
   }
 
   const read_path path_;

@@ -27,19 +27,7 @@ using test_support::run_tool;
 
 const std::string table = "id,note\n1,plain\n2,\"two\nlines\"\n3,\"a, b\"\n";
 
-std::string gzip(const std::string& text, int window_bits = 15 + 16) {
-  z_stream z{};
-  deflateInit2(&z, 6, Z_DEFLATED, window_bits, 8, Z_DEFAULT_STRATEGY);
-  std::string out(deflateBound(&z, text.size()) + 32, '\0');
-  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  z.avail_in = static_cast<uInt>(text.size());
-  z.next_out = reinterpret_cast<Bytef*>(out.data());
-  z.avail_out = static_cast<uInt>(out.size());
-  deflate(&z, Z_FINISH);
-  out.resize(z.total_out);
-  deflateEnd(&z);
-  return out;
-}
+using import_test::gzip;
 std::string zlib(const std::string& text) { return gzip(text, 15); }
 
 std::string bzip2(const std::string& text) {

@@ -99,18 +99,22 @@ TEST(ParallelReading, GivesTheOneThreadOutput) {
   bool some_parts = false;
   for (const parallel_case& c : cases) {
     const std::string path = import_test::write_file(c.text);
+    // Compressed, its parts are read from the decompressing thread's spool.
+    const std::string compressed = import_test::write_file(import_test::gzip(c.text));
     for (const bool count : {false, true}) {
       const std::string alone = read_with(path, c, 1, 64, count).output;
       for (const unsigned threads : {2U, 3U}) {
         for (const std::uint64_t part : {7, 37, 100, 1000}) {
-          const outcome got = read_with(path, c, threads, part, count);
-          EXPECT_EQ(got.output, alone) << c.name << ", " << threads << " threads, parts of " << part;
-          some_parts = some_parts || got.parts > 2;
+          for (const std::string& file : {path, compressed}) {
+            const outcome got = read_with(file, c, threads, part, count);
+            EXPECT_EQ(got.output, alone) << c.name << ", " << threads << " threads, parts of " << part << ", " << file;
+            some_parts = some_parts || (got.parts > 2 && file == compressed);
+          }
         }
       }
     }
   }
-  EXPECT_TRUE(some_parts);  // not all read on one thread after all
+  EXPECT_TRUE(some_parts);  // not all read on one thread after all, compressed too
   // A table end, given or detected (where records like the table's go on).
   const parallel_case ends{"table end", plain + "1\n" + plain, {"Delimiter", ","}};
   const std::string path = import_test::write_file(ends.text);

@@ -1,6 +1,7 @@
 #include "import/read_helpers.hpp"
 
 #include <unistd.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <atomic>
@@ -20,6 +21,20 @@ std::string write_file(const std::string& contents) {
       ::testing::TempDir() + "zvtextimport_" + std::to_string(::getpid()) + "_" + std::to_string(counter++) + ".txt";
   std::ofstream(path, std::ios::binary) << contents;
   return path;
+}
+
+std::string gzip(const std::string& text, int window_bits) {
+  z_stream z{};
+  deflateInit2(&z, 6, Z_DEFLATED, window_bits, 8, Z_DEFAULT_STRATEGY);
+  std::string out(deflateBound(&z, text.size()) + 32, '\0');
+  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+  z.avail_in = static_cast<uInt>(text.size());
+  z.next_out = reinterpret_cast<Bytef*>(out.data());
+  z.avail_out = static_cast<uInt>(out.size());
+  deflate(&z, Z_FINISH);
+  out.resize(z.total_out);
+  deflateEnd(&z);
+  return out;
 }
 
 read_output read_file(const std::string& path, const std::vector<std::string>& args) {

@@ -19,6 +19,10 @@ struct read_output {
 // Writes `contents` to a fresh file in the test's temporary folder.
 std::string write_file(const std::string& contents);
 
+// `text` compressed with gzip (or zlib without the gzip wrapper, with
+// window_bits 15).
+std::string gzip(const std::string& text, int window_bits = 15 + 16);
+
 // zvtextparser read <file> --no-detect <args...>; every field as text unless
 // the arguments name OutputBuilderType.
 read_output read_file(const std::string& path, const std::vector<std::string>& args);
