@@ -63,11 +63,24 @@ struct text_sample : record_sink {
     variables = std::max(variables, names.size());
   }
   void record(std::span<const output_value> values) override {
-    if (rows.size() == type_sample_records) return;
-    auto& row = rows.emplace_back();
-    for (const auto& v : values) row.push_back(utf8_of_text(v));
-    variables = std::max(variables, row.size());
+    record_part(values);
+    if (part_open) variables = std::max(variables, rows.back().size());
+    part_open = false;
   }
+  // A wide record comes in parts, so that its values are never held whole
+  // beside their texts.
+  bool takes_parts() const override { return true; }
+  void record_part(std::span<const output_value> values) override {
+    if (!part_open) {
+      if (rows.size() == type_sample_records) return;
+      rows.emplace_back();
+      part_open = true;
+    }
+    for (const auto& v : values) rows.back().push_back(utf8_of_text(v));
+  }
+
+ private:
+  bool part_open = false;  // the last row takes the next part
 };
 
 // Reads the sample's records as text. A record cut off by the sample's end
@@ -119,13 +132,20 @@ void find_types(read_outcome& out, const read_settings& settings, std::string_vi
     unsettled = out.report->date_order_unsettled;
     names = out.report->variable_names;
   } else {
-    const text_sample sample = sample_records(raw, whole, out.options, out.format);
-    const auto detected = detect_types(sample.rows, sample.variables, type_detection_settings_of(out.options));
-    for (const detected_type& d : detected) {
-      types.push_back(d.typing);
+    std::vector<detected_type> detected;
+    {
+      // (The sample's texts go before the types are copied out: a wide
+      // record holds many.)
+      text_sample sample = sample_records(raw, whole, out.options, out.format);
+      detected = detect_types(sample.rows, sample.variables, type_detection_settings_of(out.options));
+      names = std::move(sample.names);
+    }
+    types.reserve(detected.size());
+    unsettled.reserve(detected.size());
+    for (detected_type& d : detected) {
+      types.push_back(std::move(d.typing));
       unsettled.push_back(d.date_order_unsettled);
     }
-    names = sample.names;
   }
   if (!out.format.variable_names.empty()) names = out.format.variable_names;
   out.types = apply_request(std::move(types), settings.types, names);

@@ -49,21 +49,23 @@ value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_
       data_rules_(data_rules),
       omitted_(omitted),
       format_(number_format_of(opts)) {
-  if (opts.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
+  if (opts.output_type() == OutputBuilderType::Table) typing_ = types;
   for (const auto& p : opts.missing_placeholders()) {
     // An empty text is missing anyway; only the others need comparing.
     if (!p.empty() && (sizeof(CharT) == 2 || has_utf8_form(p))) placeholders_.push_back(encode<CharT>(p));
   }
   converts_ = matrix_ || !typing_.empty();
-  conversions_.resize(typing_.size());
-  canonical_.resize(typing_.size());
+  for (const date_order order : {date_order::day_first, date_order::month_first}) {
+    conversions_[static_cast<std::size_t>(order)] = conversion_settings{format_, order};
+  }
+  std::size_t timed = 0;  // variables up to the last datetime or duration one
   for (std::size_t i = 0; i < typing_.size(); ++i) {
-    conversions_[i].numbers = format_;
-    conversions_[i].dates = typing_[i].dates;
     for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
     strict_ = strict_ ||
               (typing_[i].type != value_type::string && typing_[i].unconverted == unconverted_value::reading_error);
+    if (typing_[i].type == value_type::datetime || typing_[i].type == value_type::duration) timed = i + 1;
   }
+  canonical_.resize(timed);
   if (!typing_.empty()) unconverted_.resize(typing_.size());
 }
 
@@ -92,8 +94,10 @@ bool value_stage<CharT>::is_missing(const record_cells<CharT>& record, const raw
 // variable.
 template <class CharT>
 bool value_stage<CharT>::is_typed_marker(std::size_t i, view text) const {
-  for (const auto& [variable, marker] : typed_markers_) {
-    if (variable == i && text == marker) return true;
+  const auto first = std::lower_bound(typed_markers_.begin(), typed_markers_.end(), i,
+                                      [](const auto& m, std::size_t v) { return m.first < v; });
+  for (auto m = first; m != typed_markers_.end() && m->first == i; ++m) {
+    if (text == m->second) return true;
   }
   return false;
 }
@@ -151,7 +155,7 @@ void value_stage<CharT>::convert_in_place(std::span<output_value> values, std::u
         // rules want, or text where the type was a guess (a missing marker
         // is missing).
         v = output_value{};
-        if (convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i]) || is_typed_marker(i, text)) {
+        if (convert_value(text, typing_[i].type, conversion_of(i), v, canonical_of(i)) || is_typed_marker(i, text)) {
           continue;
         }
         count_unconverted(i, line);
@@ -187,7 +191,7 @@ bool value_stage<CharT>::make(const record_cells<CharT>& record, view w, std::si
         if (!keep_row_under<reader_error::ImportError>(import_error_rule_, i, where)) return false;
       }
     } else if (i < typing_.size() && typing_[i].type != value_type::string) {
-      if (!convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) {
+      if (!convert_value(text, typing_[i].type, conversion_of(i), v, canonical_of(i))) {
         v = output_value{};
         if (is_typed_marker(i, text)) {
           if (!keep_row_under<reader_error::MissingValue>(missing_rule_, i, where)) return false;
