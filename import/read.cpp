@@ -164,7 +164,10 @@ namespace {
 
 // Detection and the types: all that reading `input` goes by, before its
 // first record.
-read_outcome prepare(utf8_input& input, const textio::parser::options& options, const read_settings& settings) {
+// `counting`: the sink only counts, so types matter only where a rule looks
+// at the values.
+read_outcome prepare(utf8_input& input, const textio::parser::options& options, const read_settings& settings,
+                     bool counting = false) {
   read_outcome out;
   out.options = options;
   out.format = format_given(settings.given);
@@ -192,7 +195,15 @@ read_outcome prepare(utf8_input& input, const textio::parser::options& options, 
   }
   out.format.structural_scan = !settings.exact_scan;
   out.format.threads = settings.threads != 0 ? settings.threads : std::max(1U, std::thread::hardware_concurrency());
-  if (out.options.output_type() == textio::enums::OutputBuilderType::Table && !out.empty_input) {
+  // A count is the same with types or without while no type is asked for
+  // (which may be refused) and neither a value that does not convert nor a
+  // detected missing marker changes a record: then the sample is not read
+  // for them.
+  using textio::enums::BadDataRule;
+  const bool types_count = !counting || settings.strict || !settings.types.by_position.empty() ||
+                           !settings.types.by_name.empty() || out.options.import_error_rule() != BadDataRule::Fill ||
+                           out.options.missing_rule() != BadDataRule::Fill;
+  if (out.options.output_type() == textio::enums::OutputBuilderType::Table && !out.empty_input && types_count) {
     find_types(out, settings, raw, whole);
   }
   if (out.names.empty() && out.report) out.names = out.report->variable_names;
@@ -205,7 +216,7 @@ read_outcome prepare(utf8_input& input, const textio::parser::options& options, 
 read_outcome read_into(const read_source& source, const textio::parser::options& options, const read_settings& settings,
                        record_sink& sink) {
   const std::unique_ptr<utf8_input> input = open_input(source);
-  read_outcome out = prepare(*input, options, settings);
+  read_outcome out = prepare(*input, options, settings, sink.counts_only());
   if (settings.before_reading) settings.before_reading(out);
   out.summary =
       read_typed_table(out.options, *input, sink, out.format, out.types, settings.progress, settings.stray_quote);
