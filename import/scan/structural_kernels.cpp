@@ -285,19 +285,34 @@ struct tally_run {
 tally_run TallyRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
                        std::uint64_t line, const structural_tally& tally) {
   const std::size_t n = text.size();
-  const class_vectors vectors(classes);
+  // Content tells an empty record (whitespace only, or a comment) from
+  // others. A delimiter is content, so without comments only a record with
+  // no delimiter needs its bytes looked at, and the blocks are classified
+  // without whitespace.
+  const bool lean = !classes.has_comment;
+  structural_classes walked = classes;
+  if (lean) walked.whitespace_count = 0;
+  const auto all_blank = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      const auto first = classes.whitespace.begin();
+      const auto last = first + static_cast<std::ptrdiff_t>(classes.whitespace_count);
+      if (std::find(first, last, text[i]) == last) return false;
+    }
+    return true;
+  };
+  const class_vectors vectors(walked);
   block_carry carry;
   tally_run run{0, from, line};
   std::uint64_t lines = 0;
   std::size_t fields = 0;
   std::uint64_t content = 0;  // the record's bytes that are content
   walk_blocks(
-      reinterpret_cast<const std::uint8_t*>(text.data()), n, from, at_end ? n : n - 1, classes, vectors, carry,
-      [&](const block_marks& m, std::uint64_t seg, std::size_t, unsigned, std::size_t next) {
+      reinterpret_cast<const std::uint8_t*>(text.data()), n, from, at_end ? n : n - 1, walked, vectors, carry,
+      [&](const block_marks& m, std::uint64_t seg, std::size_t at, unsigned e, std::size_t next) {
         fields += bit_count(m.fields & seg);
-        content |= m.content & seg;
         lines += bit_count(m.lines & seg);
-        if (content == 0 || fields >= tally.max_fields || run.end >= tally.stop || run.line >= tally.line_limit) {
+        const bool has_content = lean ? fields != 0 || !all_blank(run.end, at + e) : (content |= m.content & seg) != 0;
+        if (!has_content || fields >= tally.max_fields || run.end >= tally.stop || run.line >= tally.line_limit) {
           return false;
         }
         ++run.records;
@@ -309,7 +324,7 @@ tally_run TallyRecords(const structural_classes& classes, std::string_view text,
       },
       [&](const block_marks& m, std::uint64_t live, std::size_t) {
         fields += bit_count(m.fields & live);
-        content |= m.content & live;
+        if (!lean) content |= m.content & live;
         lines += bit_count(m.lines & live);
         return true;
       });
