@@ -1,7 +1,8 @@
 // Throughput of the reference reader on a generated CSV (10 columns, mixed
 // text and numbers, some quoted fields): the structural scan alone on the
 // text in memory (per kernel), counting (the structural scan), reading every value (the full scanner, on UTF-8 bytes),
-// and reading as UTF-16 (a non-ASCII delimiter forces that path). The comparison with other programs on a 256 MiB file
+// and reading as UTF-16 (a non-ASCII delimiter forces that path), and one
+// wide record typed field by field. The comparison with other programs on a 256 MiB file
 // is bench/read_comparison.sh.
 #include <benchmark/benchmark.h>
 
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "import/output.hpp"
 #include "import/scan/structural_scan.hpp"
@@ -77,6 +79,37 @@ void BM_ReadDelimitedUtf16(benchmark::State& state) {
   read_sample<null_sink>(state, opts);
 }
 BENCHMARK(BM_ReadDelimitedUtf16)->Unit(benchmark::kMillisecond);
+
+// One line of `fields` fields (whole numbers, decimals and words by turns,
+// as bench/generate_wide.py writes them) read with a type for each field:
+// the time per field should not grow with the line (bench/wide_records.sh
+// measures whole processes and their memory).
+void BM_ReadWideRecord(benchmark::State& state) {
+  const auto fields = static_cast<std::size_t>(state.range(0));
+  std::string line;
+  std::vector<textio::import::variable_typing> types(fields);
+  const char* const words[] = {"alpha", "beta", "gamma", "delta"};
+  for (std::size_t i = 0; i < fields; ++i) {
+    if (i != 0) line += ',';
+    if (i % 3 == 0) line += std::to_string(i);
+    if (i % 3 == 1) line += std::to_string(i % 1000) + ".125";
+    if (i % 3 == 2) line += words[i % 4];
+    types[i].type = i % 3 == 2 ? textio::import::value_type::string : textio::import::value_type::double_;
+  }
+  line += '\n';
+  struct parts_sink : null_sink {
+    bool takes_parts() const override { return true; }
+    void record_part(std::span<const textio::import::output_value> values) override { fields += values.size(); }
+  };
+  for (auto _ : state) {
+    textio::import::utf8_input input(line, "wide");
+    parts_sink sink;
+    textio::import::read_typed_table(textio::parser::options(), input, sink, textio::import::text_format{}, types);
+    benchmark::DoNotOptimize(sink.fields);
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
+}
+BENCHMARK(BM_ReadWideRecord)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
 // The structural scan over the whole sample in memory, counting records and
 // fields, with one kernel.

@@ -63,11 +63,24 @@ struct text_sample : record_sink {
     variables = std::max(variables, names.size());
   }
   void record(std::span<const output_value> values) override {
-    if (rows.size() == type_sample_records) return;
-    auto& row = rows.emplace_back();
-    for (const auto& v : values) row.push_back(utf8_of_text(v));
-    variables = std::max(variables, row.size());
+    record_part(values);
+    if (part_open) variables = std::max(variables, rows.back().size());
+    part_open = false;
   }
+  // A wide record comes in parts, so that its values are never held whole
+  // beside their texts.
+  bool takes_parts() const override { return true; }
+  void record_part(std::span<const output_value> values) override {
+    if (!part_open) {
+      if (rows.size() == type_sample_records) return;
+      rows.emplace_back();
+      part_open = true;
+    }
+    for (const auto& v : values) rows.back().push_back(utf8_of_text(v));
+  }
+
+ private:
+  bool part_open = false;  // the last row takes the next part
 };
 
 // Reads the sample's records as text. A record cut off by the sample's end
@@ -119,13 +132,20 @@ void find_types(read_outcome& out, const read_settings& settings, std::string_vi
     unsettled = out.report->date_order_unsettled;
     names = out.report->variable_names;
   } else {
-    const text_sample sample = sample_records(raw, whole, out.options, out.format);
-    const auto detected = detect_types(sample.rows, sample.variables, type_detection_settings_of(out.options));
-    for (const detected_type& d : detected) {
-      types.push_back(d.typing);
+    std::vector<detected_type> detected;
+    {
+      // (The sample's texts go before the types are copied out: a wide
+      // record holds many.)
+      text_sample sample = sample_records(raw, whole, out.options, out.format);
+      detected = detect_types(sample.rows, sample.variables, type_detection_settings_of(out.options));
+      names = std::move(sample.names);
+    }
+    types.reserve(detected.size());
+    unsettled.reserve(detected.size());
+    for (detected_type& d : detected) {
+      types.push_back(std::move(d.typing));
       unsettled.push_back(d.date_order_unsettled);
     }
-    names = sample.names;
   }
   if (!out.format.variable_names.empty()) names = out.format.variable_names;
   out.types = apply_request(std::move(types), settings.types, names);
@@ -144,7 +164,10 @@ namespace {
 
 // Detection and the types: all that reading `input` goes by, before its
 // first record.
-read_outcome prepare(utf8_input& input, const textio::parser::options& options, const read_settings& settings) {
+// `counting`: the sink only counts, so types matter only where a rule looks
+// at the values.
+read_outcome prepare(utf8_input& input, const textio::parser::options& options, const read_settings& settings,
+                     bool counting = false) {
   read_outcome out;
   out.options = options;
   out.format = format_given(settings.given);
@@ -172,7 +195,15 @@ read_outcome prepare(utf8_input& input, const textio::parser::options& options, 
   }
   out.format.structural_scan = !settings.exact_scan;
   out.format.threads = settings.threads != 0 ? settings.threads : std::max(1U, std::thread::hardware_concurrency());
-  if (out.options.output_type() == textio::enums::OutputBuilderType::Table && !out.empty_input) {
+  // A count is the same with types or without while no type is asked for
+  // (which may be refused) and neither a value that does not convert nor a
+  // detected missing marker changes a record: then the sample is not read
+  // for them.
+  using textio::enums::BadDataRule;
+  const bool types_count = !counting || settings.strict || !settings.types.by_position.empty() ||
+                           !settings.types.by_name.empty() || out.options.import_error_rule() != BadDataRule::Fill ||
+                           out.options.missing_rule() != BadDataRule::Fill;
+  if (out.options.output_type() == textio::enums::OutputBuilderType::Table && !out.empty_input && types_count) {
     find_types(out, settings, raw, whole);
   }
   if (out.names.empty() && out.report) out.names = out.report->variable_names;
@@ -185,7 +216,7 @@ read_outcome prepare(utf8_input& input, const textio::parser::options& options, 
 read_outcome read_into(const read_source& source, const textio::parser::options& options, const read_settings& settings,
                        record_sink& sink) {
   const std::unique_ptr<utf8_input> input = open_input(source);
-  read_outcome out = prepare(*input, options, settings);
+  read_outcome out = prepare(*input, options, settings, sink.counts_only());
   if (settings.before_reading) settings.before_reading(out);
   out.summary =
       read_typed_table(out.options, *input, sink, out.format, out.types, settings.progress, settings.stray_quote);

@@ -85,14 +85,10 @@ typename record_scanner<CharT>::field_end record_scanner<CharT>::scan_unquoted(v
             break;
           }
         }
-        const std::size_t ending =
-            (rules_.classes(text[pos_]) & starts_line_ending) != 0 ? rules_.line_endings.match(text, pos_) : 0;
+        const std::size_t ending = lines_.ending_at(text, pos_, rules_);
         if (ending != 0) {
           if (!block) break;  // the line ending ends the record
-          pos_ += ending;
-          ++line_;
-          line_start_ = pos_;
-          out.line_starts.push_back(static_cast<std::uint32_t>(pos_));
+          lines_.pass(pos_, ending, out);
         } else {
           ++pos_;
         }
@@ -129,10 +125,9 @@ scan_result record_scanner<CharT>::scan_units(view text, bool at_end, std::uint6
   out.first_line = first_line;
   if (text.empty()) return at_end ? scan_result::end_of_input : scan_result::need_more;
   pos_ = 0;
-  line_ = first_line;
-  line_start_ = 0;
+  lines_ = {first_line, 0};
   const std::size_t n = text.size();
-  const auto here = [this] { return window_position{line_, line_start_, pos_}; };
+  const auto here = [this] { return window_position{lines_.line, lines_.line_start, pos_}; };
   for (;;) {
     raw_field f;
     // Leading whitespace, up to a unit that starts a delimiter or line ending.
@@ -197,12 +192,9 @@ scan_result record_scanner<CharT>::scan_units(view text, bool at_end, std::uint6
           break;
         }
         if (needs_more(text, at_end)) return scan_result::need_more;
-        const std::size_t ending = rules_.line_endings.match(text, pos_);
+        const std::size_t ending = lines_.ending_at(text, pos_, rules_);
         if (ending != 0) {
-          pos_ += ending;
-          ++line_;
-          line_start_ = pos_;
-          out.line_starts.push_back(static_cast<std::uint32_t>(pos_));
+          lines_.pass(pos_, ending, out);
         } else {
           ++pos_;
         }
@@ -239,10 +231,10 @@ scan_result record_scanner<CharT>::scan_units(view text, bool at_end, std::uint6
     out.end = here();
     if (end == field_end::line_ending) {
       pos_ += match;
-      ++line_;
+      ++lines_.line;
     }
     out.consumed = pos_;
-    out.next_line = line_;
+    out.next_line = lines_.line;
     return scan_result::record;
   }
 }

@@ -162,6 +162,28 @@ struct scan_rules {
   std::uint8_t classes(CharT unit) const noexcept { return table[static_cast<std::make_unsigned_t<CharT>>(unit)]; }
 };
 
+// The physical lines a record crosses: a line ending inside it (in quotes
+// or a block comment) moves on to the next line, whose start the record
+// notes. The exact scanner and the structural path's fields both go by it.
+template <class CharT>
+struct line_tracker {
+  std::uint64_t line = 0;
+  std::size_t line_start = 0;  // in the window
+
+  // The units of the line ending at text[pos], 0 where none starts.
+  static std::size_t ending_at(std::basic_string_view<CharT> text, std::size_t pos,
+                               const scan_rules<CharT>& rules) noexcept {
+    return (rules.classes(text[pos]) & starts_line_ending) != 0 ? rules.line_endings.match(text, pos) : 0;
+  }
+  // Moves `pos` past a line ending of `units` units inside the record.
+  void pass(std::size_t& pos, std::size_t units, scanned_record<CharT>& out) {
+    pos += units;
+    ++line;
+    line_start = pos;
+    out.line_starts.push_back(static_cast<std::uint32_t>(pos));
+  }
+};
+
 template <class CharT>
 class record_scanner {
  public:
@@ -193,8 +215,7 @@ class record_scanner {
 
   const scan_rules<CharT>& rules_;
   std::size_t pos_ = 0;
-  std::uint64_t line_ = 0;
-  std::size_t line_start_ = 0;
+  line_tracker<CharT> lines_;
   bool quotes_as_text_ = false;  // after a stray quote
 };
 

@@ -41,21 +41,18 @@ namespace {
 // line and line start of its end; false unless its last line is `last_line`.
 bool find_line_starts(std::string_view record, const scan_rules<char>& rules, scanned_record<char>& out,
                       std::uint64_t last_line) {
-  std::uint64_t line = out.first_line;
+  line_tracker<char> lines{out.first_line, 0};
   for (std::size_t p = 0; p < record.size();) {
-    const std::size_t ending =
-        (rules.classes(record[p]) & starts_line_ending) != 0 ? rules.line_endings.match(record, p) : 0;
+    const std::size_t ending = lines.ending_at(record, p, rules);
     if (ending == 0) {
       ++p;
       continue;
     }
-    p += ending;
-    ++line;
-    out.line_starts.push_back(static_cast<std::uint32_t>(p));
+    lines.pass(p, ending, out);
   }
-  if (line != last_line) return false;
-  out.end.line = line;
-  out.end.line_start = out.line_starts.back();
+  if (lines.line != last_line) return false;
+  out.end.line = lines.line;
+  out.end.line_start = lines.line_start;
   return true;
 }
 

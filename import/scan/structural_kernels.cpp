@@ -237,10 +237,45 @@ HWY_INLINE block_marks mark_at(const std::uint8_t* p, std::size_t n, std::size_t
   return finish(classify(tail, classes, vectors), n - at, false, classes, carry);
 }
 
+// The bit walk that counting and scanning share: the marks of each block of
+// text[from..), and in each block every settled record end before the first
+// irregular quote, handed to `on_end(m, seg, at, e, next)` with the bits of
+// the record that lie in the block (seg), the end's bit e and where the next
+// record starts; the bits of the block after its last end go to
+// `on_rest(m, live, at)`. Either returns false to stop the walk. Everything
+// stays in registers: counting spends its time in this loop.
+enum class walk_end { text_end, stopped, irregular };
+
+template <class OnEnd, class OnRest>
+HWY_INLINE walk_end walk_blocks(const std::uint8_t* p, std::size_t n, std::size_t from, std::size_t settled,
+                                const structural_classes& classes, const class_vectors& vectors, block_carry& carry,
+                                OnEnd&& on_end, OnRest&& on_rest) {
+  std::size_t begin = from;  // the record being walked
+  for (std::size_t at = from; at < n; at += 64) {
+    const block_marks m = mark_at(p, n, at, classes, vectors, carry);
+    // Bits from the record's first byte on.
+    std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
+    const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
+    std::uint64_t ends = stop_bit == 64 ? m.records : m.records & ((std::uint64_t{1} << stop_bit) - 1);
+    if (settled < at + 64) ends &= settled > at ? (std::uint64_t{1} << (settled - at)) - 1 : 0;
+    while (ends != 0) {
+      const unsigned e = static_cast<unsigned>(std::countr_zero(ends));
+      ends &= ends - 1;
+      const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
+      const std::size_t next = at + e + 1 + ((m.wide >> e) & 1);
+      if (!on_end(m, seg, at, e, next)) return walk_end::stopped;
+      begin = next;
+      live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
+    }
+    if (stop_bit != 64) return walk_end::irregular;
+    if (!on_rest(m, live, at)) return walk_end::stopped;
+  }
+  return walk_end::text_end;
+}
+
 // The records a tally covers from text[from..], counted up to the first
 // one it does not cover, the first irregular quote or the window's end;
-// the walk goes on from `end`. Everything stays in registers: this is the
-// loop that counting spends its time in.
+// the walk goes on from `end`.
 struct tally_run {
   std::uint64_t records = 0;
   std::size_t end = 0;
@@ -250,44 +285,50 @@ struct tally_run {
 tally_run TallyRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
                        std::uint64_t line, const structural_tally& tally) {
   const std::size_t n = text.size();
-  const std::size_t settled = at_end ? n : n - 1;
-  const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
-  const class_vectors vectors(classes);
+  // Content tells an empty record (whitespace only, or a comment) from
+  // others. A delimiter is content, so without comments only a record with
+  // no delimiter needs its bytes looked at, and the blocks are classified
+  // without whitespace.
+  const bool lean = !classes.has_comment;
+  structural_classes walked = classes;
+  if (lean) walked.whitespace_count = 0;
+  const auto all_blank = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      const auto first = classes.whitespace.begin();
+      const auto last = first + static_cast<std::ptrdiff_t>(classes.whitespace_count);
+      if (std::find(first, last, text[i]) == last) return false;
+    }
+    return true;
+  };
+  const class_vectors vectors(walked);
   block_carry carry;
-  std::uint64_t records = 0;
-  std::size_t begin = from;
+  tally_run run{0, from, line};
   std::uint64_t lines = 0;
   std::size_t fields = 0;
   std::uint64_t content = 0;  // the record's bytes that are content
-  for (std::size_t at = from; at < n; at += 64) {
-    const block_marks m = mark_at(p, n, at, classes, vectors, carry);
-    std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
-    const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
-    std::uint64_t ends = stop_bit == 64 ? m.records : m.records & ((std::uint64_t{1} << stop_bit) - 1);
-    if (settled < at + 64) ends &= settled > at ? (std::uint64_t{1} << (settled - at)) - 1 : 0;
-    while (ends != 0) {
-      const unsigned e = static_cast<unsigned>(std::countr_zero(ends));
-      ends &= ends - 1;
-      const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
-      fields += bit_count(m.fields & seg);
-      content |= m.content & seg;
-      lines += bit_count(m.lines & seg);
-      if (content == 0 || fields >= tally.max_fields || begin >= tally.stop || line >= tally.line_limit) {
-        return {records, begin, line};
-      }
-      ++records;
-      line += lines + 1;
-      begin = at + e + 1 + ((m.wide >> e) & 1);
-      live = begin - at < 64 ? ~std::uint64_t{0} << (begin - at) : 0;
-      lines = fields = 0;
-      content = 0;
-    }
-    if (stop_bit != 64) break;
-    fields += bit_count(m.fields & live);
-    content |= m.content & live;
-    lines += bit_count(m.lines & live);
-  }
-  return {records, begin, line};
+  walk_blocks(
+      reinterpret_cast<const std::uint8_t*>(text.data()), n, from, at_end ? n : n - 1, walked, vectors, carry,
+      [&](const block_marks& m, std::uint64_t seg, std::size_t at, unsigned e, std::size_t next) {
+        fields += bit_count(m.fields & seg);
+        lines += bit_count(m.lines & seg);
+        const bool has_content = lean ? fields != 0 || !all_blank(run.end, at + e) : (content |= m.content & seg) != 0;
+        if (!has_content || fields >= tally.max_fields || run.end >= tally.stop || run.line >= tally.line_limit) {
+          return false;
+        }
+        ++run.records;
+        run.line += lines + 1;
+        run.end = next;
+        lines = fields = 0;
+        content = 0;
+        return true;
+      },
+      [&](const block_marks& m, std::uint64_t live, std::size_t) {
+        fields += bit_count(m.fields & live);
+        if (!lean) content |= m.content & live;
+        lines += bit_count(m.lines & live);
+        return true;
+      });
+  return run;
 }
 
 // With a tally (it starts where TallyRecords stopped), the batch ends before
@@ -302,9 +343,6 @@ void Walk(const structural_classes& classes, std::string_view text, std::size_t 
   const std::size_t n = text.size();
   batch.what = at_end ? structural_stop::end_of_input : structural_stop::need_more;
   if (from == n) return;
-  // Without the end of the input, the last byte may begin a CR LF: records
-  // end only before it.
-  const std::size_t settled = at_end ? n : n - 1;
   block_carry carry;
   // The record being walked.
   std::size_t begin = from;
@@ -333,57 +371,51 @@ void Walk(const structural_classes& classes, std::string_view text, std::size_t 
     lines = fields = 0;
     content = comment = false;
   };
-  const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
+  // The bits of the record that lie in a block, before its end or the block's.
+  const auto take = [&](const block_marks& m, std::uint64_t bits, std::size_t at) {
+    fields += static_cast<std::size_t>(bit_count(m.fields & bits));
+    if (collect) add_delimiters(m.fields & bits, at);
+    content = content || (m.content & bits) != 0;
+    comment = comment || (m.comments & bits) != 0;
+    lines += bit_count(m.lines & bits);
+  };
   const class_vectors vectors(classes);
-  // Each block is marked and walked at once (its marks stay in registers).
-  for (std::size_t at = from; at < n; at += 64) {
-    const block_marks m = mark_at(p, n, at, classes, vectors, carry);
-    // Bits from the record's first byte on.
-    std::uint64_t live = begin > at ? ~std::uint64_t{0} << (begin - at) : ~std::uint64_t{0};
-    const unsigned stop_bit = m.irregular != 0 ? static_cast<unsigned>(std::countr_zero(m.irregular)) : 64;
-    std::uint64_t ends = stop_bit == 64 ? m.records : m.records & ((std::uint64_t{1} << stop_bit) - 1);
-    if (settled < at + 64) ends &= settled > at ? (std::uint64_t{1} << (settled - at)) - 1 : 0;
-    while (ends != 0) {
-      const unsigned e = static_cast<unsigned>(std::countr_zero(ends));
-      ends &= ends - 1;
-      const std::uint64_t seg = live & ((std::uint64_t{1} << e) - 1);
-      fields += static_cast<std::size_t>(bit_count(m.fields & seg));
-      if (collect) add_delimiters(m.fields & seg, at);
-      content = content || (m.content & seg) != 0;
-      comment = comment || (m.comments & seg) != 0;
-      lines += bit_count(m.lines & seg);
-      const std::size_t next = at + e + 1 + ((m.wide >> e) & 1);
-      if constexpr (Tally) {
-        // The batch ends before a record the tally covers. (The walk starts
-        // where the tally stopped, at a record it does not cover.)
-        if (!batch.records.empty() && content && fields < tally.max_fields && begin < tally.stop &&
-            line < tally.line_limit) {
-          batch.what = structural_stop::full;
-          return;
+  // Without the end of the input, the last byte may begin a CR LF: records
+  // end only before it.
+  const walk_end how = walk_blocks(
+      reinterpret_cast<const std::uint8_t*>(text.data()), n, from, at_end ? n : n - 1, classes, vectors, carry,
+      [&](const block_marks& m, std::uint64_t seg, std::size_t at, unsigned e, std::size_t next) {
+        take(m, seg, at);
+        if constexpr (Tally) {
+          // The batch ends before a record the tally covers. (The walk starts
+          // where the tally stopped, at a record it does not cover.)
+          if (!batch.records.empty() && content && fields < tally.max_fields && begin < tally.stop &&
+              line < tally.line_limit) {
+            batch.what = structural_stop::full;
+            return false;
+          }
         }
-      }
-      add_record(at + e, next);
-      live = next - at < 64 ? ~std::uint64_t{0} << (next - at) : 0;
-      // (A tally that covers no record yet may cover more after this one.)
-      if (batch.records.size() == structural_batch::capacity || (Tally && tally.max_fields == 0)) {
-        batch.what = structural_stop::full;
-        return;
-      }
-    }
-    if (stop_bit != 64) {
-      batch.what = structural_stop::exact;
-      return;
-    }
-    // The rest of the block belongs to the open record.
-    fields += static_cast<std::size_t>(bit_count(m.fields & live));
-    if (collect) add_delimiters(m.fields & live, at);
-    content = content || (m.content & live) != 0;
-    comment = comment || (m.comments & live) != 0;
-    lines += bit_count(m.lines & live);
-    if (collect && fields > structural_batch::max_collected_fields) {
-      batch.what = structural_stop::exact;
-      return;
-    }
+        add_record(at + e, next);
+        // (A tally that covers no record yet may cover more after this one.)
+        if (batch.records.size() == structural_batch::capacity || (Tally && tally.max_fields == 0)) {
+          batch.what = structural_stop::full;
+          return false;
+        }
+        return true;
+      },
+      [&](const block_marks& m, std::uint64_t live, std::size_t at) {
+        // The rest of the block belongs to the open record.
+        take(m, live, at);
+        if (collect && fields > structural_batch::max_collected_fields) {
+          batch.what = structural_stop::exact;
+          return false;
+        }
+        return true;
+      });
+  if (how == walk_end::stopped) return;
+  if (how == walk_end::irregular) {
+    batch.what = structural_stop::exact;
+    return;
   }
   if (begin == n) return;
   if (!at_end) {

@@ -177,12 +177,42 @@ class structural_scanner {
   // (that record is then not consumed).
   template <class Sink>
   outcome scan(std::string_view text, bool at_end, std::uint64_t line, Sink&& sink) {
+    const auto no_tally = [] { return structural_tally{}; };
+    const auto none_counted = [](std::uint64_t) {};
+    return walk<false>(text, at_end, line, no_tally, none_counted, sink);
+  }
+
+  // Like scan, for a caller that only counts: the records `tally` covers go
+  // to `counted(std::uint64_t records)` in bulk, the others one by one to
+  // `sink`; `tally_for()` gives the tally at each step, as the sink's
+  // records may change it.
+  template <class TallyFor, class Counted, class Sink>
+  outcome count(std::string_view text, bool at_end, std::uint64_t line, TallyFor&& tally_for, Counted&& counted,
+                Sink&& sink) {
+    return walk<true>(text, at_end, line, tally_for, counted, sink);
+  }
+
+ private:
+  // scan and count: batch by batch, counted records first.
+  template <bool Counting, class TallyFor, class Counted, class Sink>
+  outcome walk(std::string_view text, bool at_end, std::uint64_t line, TallyFor&& tally_for, Counted&& counted,
+               Sink&& sink) {
     outcome out{0, line, stop::end_of_input};
     for (;;) {
-      walk_records(classes_, text, out.consumed, at_end, out.next_line, collect_, target_, batch_);
+      if constexpr (Counting) {
+        const structural_tally tally = tally_for();
+        walk_records(classes_, text, out.consumed, at_end, out.next_line, false, target_, batch_, &tally);
+        if (batch_.tallied != 0) {
+          counted(batch_.tallied);
+          out.consumed = batch_.tally_end;
+          out.next_line = batch_.tally_line;
+        }
+      } else {
+        walk_records(classes_, text, out.consumed, at_end, out.next_line, collect_, target_, batch_);
+      }
       for (std::size_t i = 0; i < batch_.records.size(); ++i) {
         structural_record& r = batch_.records[i];
-        if (collect_) r.delimiters = batch_.delimiters.data() + batch_.first_delimiter[i];
+        if (!Counting && collect_) r.delimiters = batch_.delimiters.data() + batch_.first_delimiter[i];
         if (!sink(static_cast<const structural_record&>(r))) {
           out.what = stop::exact;
           return out;
@@ -197,38 +227,6 @@ class structural_scanner {
     }
   }
 
-  // Like scan, for a caller that only counts: the records `tally` covers go
-  // to `counted(std::uint64_t records)` in bulk, the others one by one to
-  // `sink`; `tally_for()` gives the tally at each step, as the sink's
-  // records may change it.
-  template <class TallyFor, class Counted, class Sink>
-  outcome count(std::string_view text, bool at_end, std::uint64_t line, TallyFor&& tally_for, Counted&& counted,
-                Sink&& sink) {
-    outcome out{0, line, stop::end_of_input};
-    for (;;) {
-      const structural_tally tally = tally_for();
-      walk_records(classes_, text, out.consumed, at_end, out.next_line, false, target_, batch_, &tally);
-      if (batch_.tallied != 0) {
-        counted(batch_.tallied);
-        out.consumed = batch_.tally_end;
-        out.next_line = batch_.tally_line;
-      }
-      for (const structural_record& r : batch_.records) {
-        if (!sink(r)) {
-          out.what = stop::exact;
-          return out;
-        }
-        out.consumed = r.next;
-        out.next_line = r.next_line;
-      }
-      if (batch_.what != stop::full) {
-        out.what = batch_.what;
-        return out;
-      }
-    }
-  }
-
- private:
   structural_classes classes_;
   bool collect_ = false;
   std::int64_t target_ = 0;

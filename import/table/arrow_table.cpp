@@ -492,17 +492,17 @@ std::size_t batch_bytes(const arrow_batch& batch) {
 
 }  // namespace
 
-void arrow_table_sink::padded_record(std::span<const output_value> values, std::size_t missing) {
+void arrow_table_sink::put_values(std::span<const output_value> values, std::size_t width) {
   arrow_batch& batch = open_batch();
-  const std::size_t width = values.size() + missing;
   if (utc_.size() < width) utc_.resize(width, false);
   while (batch.columns.size() < width) {
     const std::size_t i = batch.columns.size();
     batch.columns.push_back(new_column(i < declared_.size() ? declared_[i] : arrow_type::null, batch.rows, false));
   }
-  for (std::size_t i = 0; i < values.size(); ++i) {
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    const std::size_t i = part_at_ + k;
     arrow_column& c = batch.columns[i];
-    const output_value& v = values[i];
+    const output_value& v = values[k];
     // Most values: a double for a float64 column, UTF-8 text for a text one.
     if (c.validity.size() == 0) [[likely]] {
       if (c.type == arrow_type::float64 && v.kind == value_kind::number) {
@@ -530,7 +530,18 @@ void arrow_table_sink::padded_record(std::span<const output_value> values, std::
     if (v.kind == value_kind::datetime && !utc_[i] && has_utc_offset(v.bytes)) utc_[i] = true;
     put_value(c, v);
   }
-  for (std::size_t i = values.size(); i < batch.columns.size(); ++i) put_missing(batch.columns[i]);
+  part_at_ += values.size();
+}
+
+void arrow_table_sink::record_part(std::span<const output_value> values) {
+  put_values(values, part_at_ + values.size());
+}
+
+void arrow_table_sink::padded_record(std::span<const output_value> values, std::size_t missing) {
+  put_values(values, part_at_ + values.size() + missing);
+  arrow_batch& batch = *open_;
+  for (std::size_t i = part_at_; i < batch.columns.size(); ++i) put_missing(batch.columns[i]);
+  part_at_ = 0;
   const auto rows = static_cast<std::size_t>(++batch.rows);
   if (rows >= limits_.rows || (rows % 1024 == 0 && batch_bytes(batch) >= limits_.bytes)) close_batch();
 }

@@ -16,6 +16,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -163,6 +164,9 @@ class ZVTEXTIMPORT_API arrow_table_sink : public record_sink {
   void header(const table_header& header) override;
   void record(std::span<const output_value> values) override { padded_record(values, 0); }
   void padded_record(std::span<const output_value> values, std::size_t missing) override;
+  // A wide record comes in parts, its values never held whole.
+  bool takes_parts() const override { return true; }
+  void record_part(std::span<const output_value> values) override;
   bool takes_part_sinks() const override { return true; }
   std::unique_ptr<record_sink> part_sink() override;
   void take_part(record_sink& part) override;
@@ -171,6 +175,9 @@ class ZVTEXTIMPORT_API arrow_table_sink : public record_sink {
 
  private:
   arrow_batch& open_batch();
+  // Puts values into the columns from part_at_ on, the batch at least
+  // `width` columns wide.
+  void put_values(std::span<const output_value> values, std::size_t width);
   void close_batch();
   void hand_on(arrow_batch&& batch);
 
@@ -180,6 +187,7 @@ class ZVTEXTIMPORT_API arrow_table_sink : public record_sink {
   std::vector<bool> utc_;             // by variable: a datetime had a UTC offset
   arrow_table table_;
   std::optional<arrow_batch> open_;
+  std::size_t part_at_ = 0;  // the column of the record's next value
 };
 
 }  // namespace textio::import

@@ -84,16 +84,18 @@ value_stage<CharT>::value_stage(const textio::parser::options& opts, const scan_
       data_rules_(data_rules),
       omitted_(omitted),
       format_(number_format_of(opts)) {
-  if (opts.output_type() == OutputBuilderType::Table) typing_.assign(types.begin(), types.end());
+  if (opts.output_type() == OutputBuilderType::Table) typing_ = types;
   placeholders_ = placeholders_of<CharT>(opts);
   needs_ = needs(opts, types);
-  conversions_.resize(typing_.size());
-  canonical_.resize(typing_.size());
-  for (std::size_t i = 0; i < typing_.size(); ++i) {
-    conversions_[i].numbers = format_;
-    conversions_[i].dates = typing_[i].dates;
-    for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
+  for (const date_order order : {date_order::day_first, date_order::month_first}) {
+    conversions_[static_cast<std::size_t>(order)] = conversion_settings{format_, order};
   }
+  std::size_t timed = 0;  // variables up to the last datetime or duration one
+  for (std::size_t i = 0; i < typing_.size(); ++i) {
+    for (const std::string& m : typing_[i].missing_markers) typed_markers_.push_back({i, from_utf8<CharT>(m)});
+    if (typing_[i].type == value_type::datetime || typing_[i].type == value_type::duration) timed = i + 1;
+  }
+  canonical_.resize(timed);
   if (!typing_.empty()) unconverted_.resize(typing_.size());
 }
 
@@ -122,8 +124,10 @@ bool value_stage<CharT>::is_missing(const record_cells<CharT>& record, const raw
 // variable.
 template <class CharT>
 bool value_stage<CharT>::is_typed_marker(std::size_t i, view text) const {
-  for (const auto& [variable, marker] : typed_markers_) {
-    if (variable == i && text == marker) return true;
+  const auto first = std::lower_bound(typed_markers_.begin(), typed_markers_.end(), i,
+                                      [](const auto& m, std::size_t v) { return m.first < v; });
+  for (auto m = first; m != typed_markers_.end() && m->first == i; ++m) {
+    if (text == m->second) return true;
   }
   return false;
 }
@@ -174,7 +178,7 @@ bool value_stage<CharT>::field_value(std::size_t i, view text, bool missing, out
     if (how != use::check) v = text_value(text);
     return true;
   }
-  if (convert_value(text, typing_[i].type, conversions_[i], v, canonical_[i])) return true;
+  if (convert_value(text, typing_[i].type, conversion_of(i), v, canonical_of(i))) return true;
   v = output_value{};
   if (is_typed_marker(i, text)) return keep_row_under<reader_error::MissingValue>(missing_rule_, i, where);
   if (typing_[i].unconverted == unconverted_value::reading_error) {

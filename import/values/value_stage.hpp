@@ -71,6 +71,13 @@ class value_stage {
  private:
   bool is_missing(const record_cells<CharT>& record, const raw_field& c, view t) const;
   bool is_typed_marker(std::size_t i, view text) const;
+  const conversion_settings& conversion_of(std::size_t i) const {
+    return conversions_[static_cast<std::size_t>(typing_[i].dates)];
+  }
+  // The canonical text's home for variable i: its own for datetime and
+  // duration variables, whose values point into it until the record is
+  // handed on; one shared string for the others, which leave it unused.
+  std::string& canonical_of(std::size_t i) { return i < canonical_.size() ? canonical_[i] : unused_canonical_; }
   void count_unconverted(std::size_t i, std::uint64_t line);
   template <class ErrorTag, class Where>
   bool keep_row_under(textio::enums::BadDataRule rule, std::size_t i, Where where);
@@ -84,9 +91,16 @@ class value_stage {
   omitted_variables<CharT>& omitted_;
   number_format format_;
   std::vector<string> placeholders_;
-  std::vector<variable_typing> typing_;
-  std::vector<conversion_settings> conversions_;
-  std::vector<std::string> canonical_;  // per variable: the text of its datetime or duration value
+  // The caller's types, which outlive the reading: a wide table holds them
+  // once, not once a reader.
+  std::span<const variable_typing> typing_;
+  // By date order (not by variable: a wide table would hold a copy of the
+  // number format for each of its variables).
+  conversion_settings conversions_[2];
+  // Per variable up to the last datetime or duration one.
+  std::vector<std::string> canonical_;
+  std::string unused_canonical_;
+  // By variable, so that a variable's markers are found by binary search.
   std::vector<std::pair<std::size_t, string>> typed_markers_;
   value_needs needs_;
   std::vector<output_value> values_;

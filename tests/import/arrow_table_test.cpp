@@ -199,3 +199,71 @@ TEST(ArrowTable, EmptyTableIsASchemaWithNoBatches) {
 }
 
 }  // namespace
+
+// Hands on whole records only, so that the reader never splits one.
+struct whole_records : record_sink {
+  arrow_table_sink to;
+  void header(const table_header& h) override { to.header(h); }
+  void record(std::span<const output_value> values) override { to.record(values); }
+  void padded_record(std::span<const output_value> values, std::size_t missing) override {
+    to.padded_record(values, missing);
+  }
+};
+
+// A record wider than a part of the reader's comes in parts, each put at
+// its place in the row: the table is the one whole records give, with the
+// padding, a column turned text past the first part and a record that adds
+// columns.
+TEST(ArrowTable, RecordsInPartsFillTheRowsAsWholeOnes) {
+  std::string file;
+  for (int line = 0; line < 3; ++line) {
+    const int fields = line == 1 ? 6000 : 9000 + line;
+    for (int i = 0; i < fields; ++i) {
+      if (i != 0) file += ',';
+      if (line == 2 && i == 7000) {
+        file += "text";
+      } else if (i % 3 != 2) {
+        file += std::to_string(i * 10 + line);
+      }
+    }
+    file += '\n';
+  }
+  const std::string path = import_test::write_file(file);
+  // Typed up to column 8000, text after it; column 7000 keeps what does not
+  // convert as text.
+  std::vector<variable_typing> types(8000);
+  for (std::size_t i = 0; i < types.size(); ++i) types[i].type = i % 2 == 0 ? value_type::double_ : value_type::int32;
+  types[7000].unconverted = unconverted_value::text;
+  textio::parser::options opts;
+  utf8_input in_parts(path);
+  arrow_table_sink parts;
+  read_typed_table(opts, in_parts, parts, text_format{}, types);
+  utf8_input in_whole(path);
+  whole_records whole;
+  read_typed_table(opts, in_whole, whole, text_format{}, types);
+  const consumed a = consume(parts.take());
+  const consumed b = consume(whole.to.take());
+  ASSERT_EQ(a.rows.size(), 3U);
+  EXPECT_EQ(a.rows[0].size(), 9002U);
+  EXPECT_EQ(a.rows[0][7000], "70000");
+  EXPECT_EQ(a.rows[2][7000], "text");
+  EXPECT_EQ(a.rows[1][8000], "null");
+  EXPECT_EQ(a.rows[2][9001], "90012");
+  EXPECT_EQ(a.formats, b.formats);
+  EXPECT_EQ(a.rows, b.rows);
+  EXPECT_EQ(a.null_counts, b.null_counts);
+}
+
+// Each variable reads two-number dates in its own order.
+TEST(ArrowTable, DateOrderIsThatOfTheVariable) {
+  const std::string path = import_test::write_file("03/04/2020,03/04/2020\n");
+  std::vector<variable_typing> types(2);
+  for (variable_typing& t : types) t.type = value_type::datetime;
+  types[1].dates = date_order::month_first;
+  utf8_input input(path);
+  arrow_table_sink sink;
+  read_typed_table(textio::parser::options{}, input, sink, text_format{}, types);
+  const consumed c = consume(sink.take());
+  // 3 April and 4 March 2020, in microseconds.
+  EXPECT_EQ(c.rows, (rows{{"1585872000000000", "1583280000000000"}}));
+}

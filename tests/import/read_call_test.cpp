@@ -116,6 +116,18 @@ TEST(ReadCall, WithoutDetectionTypesComeFromTheFirstRecords) {
   EXPECT_FALSE(got.outcome.report);
   EXPECT_EQ(types(got.table), (std::vector{arrow_type::float64, arrow_type::utf8}));
   EXPECT_EQ(cells(got.table), (std::vector<std::vector<std::string>>{{"1", "t"}, {"2.5", "u"}}));
+  // Records wider than the reader's parts: every field of the sample's
+  // records counts, the last column text, the others numbers.
+  std::string wide;
+  for (int line = 0; line < 2; ++line) {
+    for (int i = 0; i < 9000; ++i) wide += std::to_string(i + line) + ',';
+    wide += "x\n";
+  }
+  const table_read w = read_table(read_source::memory(wide), {}, settings);
+  std::vector<arrow_type> wanted(9001, arrow_type::float64);
+  wanted.back() = arrow_type::utf8;
+  EXPECT_EQ(types(w.table), wanted);
+  ASSERT_EQ(w.outcome.types.size(), 9001U);
   const table_read empty = read_table(read_source::memory(" \n\n"));
   EXPECT_TRUE(empty.outcome.empty_input);
   EXPECT_EQ(empty.table.rows(), 0);

@@ -153,6 +153,7 @@ const setting_case setting_cases[] = {
      R"(["1", "2"] | ["3", "4"] | ["5", null])"},
     // Empty lines.
     {"empty_lines_skipped", "1\n\n \t\n2", {}, R"(["1"] | ["2"])"},
+    {"blank_line_among_counted_records", "1\n2\n3\n \t\n4\n5\n", {}, R"(["1"] | ["2"] | ["3"] | ["4"] | ["5"])"},
     {"empty_line_read", "1,2\n\n3,4", {"EmptyLineRule", "read"}, R"(["1", "2"] | [null, null] | ["3", "4"])"},
     {"empty_line_first", "\n1,2", {"EmptyLineRule", "read"}, R"([null] | ["1", "2"])"},
     {"delimiters_make_a_line", "1,2\n,\n", {"EmptyLineRule", "error"}, R"(["1", "2"] | [null, null])"},

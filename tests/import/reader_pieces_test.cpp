@@ -1,9 +1,12 @@
 // The record scanner's limit on a record's length, which reading a file does
-// not reach in a test.
+// not reach in a test; which bytes make a sample no text.
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
 
+#include "import/detect/encoding.hpp"
 #include "import/reader_errors.hpp"
 #include "import/scan/record_scanner.hpp"
 #include "support/expect_message.hpp"
@@ -40,6 +43,23 @@ TEST(RecordScanner, RefusesARecordLongerThanItsLimit) {
         [&] { scanner.scan(c.first, c.second, 5, rec); }, {std::uint64_t{5}, std::uint64_t{8}}))
         << c.first;
   }
+}
+
+// A sample is no text when more than one byte in a hundred (and at least two)
+// is a control byte: below 0x20 other than tab, LF, VT, FF and CR, or DEL.
+TEST(FirstBinaryByte, ControlBytesAreThoseOfNoText) {
+  using textio::import::first_binary_byte;
+  for (const unsigned char b : {0x00, 0x01, 0x08, 0x0E, 0x1B, 0x1F, 0x7F}) {
+    const std::string sample = std::string("ab") + std::string(2, static_cast<char>(b)) + std::string(100, 'x');
+    EXPECT_EQ(first_binary_byte(sample, "UTF-8"), std::optional<std::size_t>(2)) << int{b};
+  }
+  for (const unsigned char b : {0x09, 0x0A, 0x0B, 0x0C, 0x0D, 0x20, 0x7E, 0x80, 0xFF}) {
+    const std::string sample = std::string("ab") + std::string(50, static_cast<char>(b));
+    EXPECT_EQ(first_binary_byte(sample, "UTF-8"), std::nullopt) << int{b};
+  }
+  // One in a hundred is not enough.
+  EXPECT_EQ(first_binary_byte(std::string(2, '\0') + std::string(198, 'x'), "UTF-8"), std::nullopt);
+  EXPECT_EQ(first_binary_byte(std::string(2, '\0') + std::string(197, 'x'), "UTF-8"), std::optional<std::size_t>(0));
 }
 
 }  // namespace
