@@ -18,7 +18,8 @@ read_summary read_typed_table(const textio::parser::options& given, utf8_input& 
   input.decode_from(format.encoding);
   const read_path path = choose_read_path(given, input, sink, format, types);
   if (path.on_threads) return read_in_parts(path, input, sink, format, types, progress, stray_quote);
-  if (path.decompress_ahead) input.decompress_ahead();
+  // (4 MiB: enough that neither thread waits on the other for long.)
+  if (path.decompress_ahead) input.spool_ahead(std::uint64_t{4} << 20, true);
   if (path.utf8_bytes) return table_reader<char>(path, input, sink, progress, format, stray_quote, types).run().summary;
   return table_reader<char16_t>(path, input, sink, progress, format, stray_quote, types).run().summary;
 }

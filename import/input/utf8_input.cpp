@@ -12,7 +12,6 @@
 
 #include "import/reader_errors.hpp"
 #include "import/input/decompressor.hpp"
-#include "import/input/read_ahead.hpp"
 #include "import/input/stream_spool.hpp"
 #include "import/input/transcoder.hpp"
 #include "import/input/utf8_text.hpp"
@@ -59,18 +58,9 @@ utf8_input::utf8_input(std::string_view bytes, std::string name)
   find_compression();
 }
 
-void utf8_input::decompress_ahead() {
-  // Not from a pipe or terminal, whose read may wait without end and keep
-  // the thread from stopping when the reading is done.
-  if (!decompressor_ || ahead_ || !(regular_ || in_memory_)) return;
-  // 4 blocks of 1 MiB: enough that neither thread waits on the other for
-  // long, little memory.
-  ahead_ = std::make_unique<read_ahead>(
-      [d = decompressor_.get()](char* into, std::size_t size) { return d->read(into, size); }, std::size_t{1} << 20, 4);
-}
-
-void utf8_input::spool_ahead(std::uint64_t ahead_bytes) {
+void utf8_input::spool_ahead(std::uint64_t ahead_bytes, bool releases) {
   if (!can_spool()) return;
+  releases_ = releases;
   spool_at_ = offset_ + pending_.size();
   own_spool_ = std::make_unique<stream_spool>(
       pending_, offset_, [d = decompressor_.get()](char* into, std::size_t size) { return d->read(into, size); },
@@ -85,7 +75,6 @@ std::size_t utf8_input::read_some(char* into, std::size_t size) {
     if (releases_) spool_->release_before(spool_at_);
     return n;
   }
-  if (ahead_) return ahead_->read(into, size);
   if (decompressor_) return decompressor_->read(into, size);
   return read_after_head(into, size);
 }
@@ -150,9 +139,7 @@ bool utf8_input::changed_since_opened() const noexcept {
 }
 
 utf8_input::~utf8_input() {
-  // Their threads may be reading the descriptor.
-  ahead_.reset();
-  own_spool_.reset();
+  own_spool_.reset();  // its thread may be reading the descriptor
   if (owns_fd_) ::close(fd_);
 }
 

@@ -14,7 +14,6 @@
 namespace textio::import {
 
 class decompressor;
-class read_ahead;
 class stream_spool;
 class transcoder;
 
@@ -75,19 +74,18 @@ class utf8_input {
   bool is_whole_regular_file() const noexcept { return regular_ && from_file_start_; }
   // Whether the input is compressed (and decompressed as it is read).
   bool compressed() const noexcept { return decompressor_ != nullptr; }
-  // Decompresses a compressed input on a thread of its own from now on, a
-  // few blocks ahead of the reading, so that both go on at once; nothing
-  // for other input, nor for a pipe. Throws std::system_error when no thread can be started.
-  void decompress_ahead();
-  // Whether the input is compressed and read from a file or memory, so that
-  // spool_ahead() can make its bytes readable at any offset.
-  bool can_spool() const noexcept { return decompressor_ && !ahead_ && !spool_ && (regular_ || in_memory_); }
+  // Whether the input is compressed and read from a file or memory (not a
+  // pipe or terminal, whose read may wait without end and keep a thread
+  // from stopping), so that spool_ahead() can decompress it on a thread.
+  bool can_spool() const noexcept { return decompressor_ && !spool_ && (regular_ || in_memory_); }
   // Decompresses a compressed input on a thread of its own into a spool
   // (stream_spool.hpp) that keeps its bytes from the ones not yet read on,
-  // at most `ahead_bytes` ahead of its floor; this input reads on from it.
-  // Nothing when !can_spool(). Throws std::system_error when no thread can
-  // be started.
-  void spool_ahead(std::uint64_t ahead_bytes);
+  // at most `ahead_bytes` ahead of its floor; this input reads on from it,
+  // so that decompression and reading go on at once. With `releases`, the
+  // spool lets go of each byte once this input has read it (no other input
+  // reads the spool). Nothing when !can_spool(). Throws std::system_error
+  // when no thread can be started.
+  void spool_ahead(std::uint64_t ahead_bytes, bool releases);
   // The spool this input reads from, if any.
   stream_spool* spool() const noexcept { return spool_; }
   // Whether the input is converted from another encoding.
@@ -143,7 +141,6 @@ class utf8_input {
   std::unique_ptr<transcoder> transcoder_;  // none: the input is UTF-8
   std::string head_;                        // raw bytes it read, handed out first
   std::unique_ptr<decompressor> decompressor_;
-  std::unique_ptr<read_ahead> ahead_;        // decompressor_ read on its own thread
   std::unique_ptr<stream_spool> own_spool_;  // decompressor_ spooled on its own thread
   stream_spool* spool_ = nullptr;            // read from here, at spool_at_
   std::uint64_t spool_at_ = 0;

@@ -275,7 +275,7 @@ read_summary read_in_parts(const read_path& path, utf8_input& input, record_sink
   const std::uint64_t part = std::max<std::uint64_t>(format.part_bytes, 1);
   // A compressed file is decompressed ahead into a spool, a few parts more
   // than the workers read at once.
-  input.spool_ahead((2 * std::uint64_t{format.threads} + 3) * part);
+  input.spool_ahead((2 * std::uint64_t{format.threads} + 3) * part, false);
   const part_source source{input.descriptor(), input.spool(), input.name()};
   const std::uint64_t size = source.spool ? std::numeric_limits<std::uint64_t>::max() : input.size();
   table_reader<char> first(path, input, sink, progress, format, stray_quote, types);

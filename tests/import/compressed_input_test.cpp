@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "import/input/decompressor.hpp"
-#include "import/input/read_ahead.hpp"
+#include "import/input/stream_spool.hpp"
 #include "import/read_helpers.hpp"
 #include "support/run_tool.hpp"
 
@@ -95,8 +95,9 @@ TEST(CompressedInput, CutShortOrCorruptIsAReadingError) {
   }
 }
 
-// Many blocks of the decompressing thread: the same records as on one thread,
-// and a stream cut short in a later block still a reading error.
+// Many blocks of the decompressing thread, read in parts: the same records as
+// on one thread, and a stream cut short in a later block still a reading
+// error.
 TEST(CompressedInput, DecompressedAheadOnAThreadOfItsOwn) {
   std::string big = "id,note,value\n";
   for (int i = 0; big.size() < (std::size_t{5} << 20); ++i) {
@@ -115,39 +116,48 @@ TEST(CompressedInput, DecompressedAheadOnAThreadOfItsOwn) {
   EXPECT_NE(cut.err.find("CorruptInput"), std::string::npos) << cut.err;
 }
 
-// The thread's bytes come in order whatever the sizes asked; its failure
-// comes after every byte before it, and again on the next read; stopping
-// early does not wait for the source's end.
-TEST(CompressedInput, ReadAheadKeepsOrderAndFailure) {
-  using textio::import::read_ahead;
+// The spool's bytes come at their offsets whatever the sizes asked, with a
+// bound ahead far below the input; its source's failure comes after every
+// byte before it, and again; bytes let go of are refused, not waited for;
+// an endless source does not keep it from stopping.
+TEST(CompressedInput, SpoolKeepsOffsetsFailureAndFloor) {
+  using textio::import::stream_spool;
   std::string expected;
   for (int i = 0; i < 10000; ++i) expected += static_cast<char>('a' + i % 26);
   for (const bool fails : {false, true}) {
-    std::size_t at = 0;
-    read_ahead ahead(
+    std::size_t at = 3;  // the first 3 bytes are given to the spool whole
+    stream_spool spool(
+        expected.substr(0, 3), 0,
         [&](char* into, std::size_t size) -> std::size_t {
-          if (fails && at >= 1000) throw std::runtime_error("bad");
+          if (fails && at >= 1003) throw std::runtime_error("bad");
           const std::size_t n = std::min<std::size_t>({size, 8, expected.size() - at});
           expected.copy(into, n, at);
           at += n;
           return n;
         },
-        64, 2);
+        64, 128);
     std::string got;
     char buffer[13];
+    EXPECT_EQ(spool.read_at(500, buffer, 13), 13U);
+    EXPECT_EQ(std::string(buffer, 13), expected.substr(500, 13));
     try {
-      for (std::size_t n; (n = ahead.read(buffer, sizeof buffer)) != 0;) got.append(buffer, n);
+      for (std::size_t n; (n = spool.read_at(got.size(), buffer, sizeof buffer)) != 0;) {
+        got.append(buffer, n);
+        spool.release_before(got.size());
+      }
       EXPECT_FALSE(fails);
-      EXPECT_EQ(ahead.read(buffer, sizeof buffer), 0U);
+      EXPECT_EQ(spool.read_at(got.size(), buffer, sizeof buffer), 0U);
     } catch (const std::runtime_error&) {
       EXPECT_TRUE(fails);
-      EXPECT_THROW(ahead.read(buffer, sizeof buffer), std::runtime_error);
+      EXPECT_THROW(spool.read_at(got.size(), buffer, sizeof buffer), std::runtime_error);
     }
-    EXPECT_EQ(got, fails ? expected.substr(0, 1000) : expected);
+    EXPECT_EQ(got, fails ? expected.substr(0, 1003) : expected);
+    EXPECT_THROW(spool.read_at(got.size() - 1, buffer, 1), std::out_of_range);
   }
-  read_ahead endless([](char* into, std::size_t size) { return std::string(size, 'x').copy(into, size); }, 64, 2);
+  stream_spool endless(
+      {}, 0, [](char* into, std::size_t size) { return std::string(size, 'x').copy(into, size); }, 64, 128);
   char one = 0;
-  EXPECT_EQ(endless.read(&one, 1), 1U);
+  EXPECT_EQ(endless.read_at(0, &one, 1), 1U);
 }
 
 TEST(CompressedInput, OnlyTheMagicOfEachFormatCounts) {
