@@ -11,7 +11,6 @@
 
 #include "import/detect/type_detection.hpp"
 #include "import/input/utf8_input.hpp"
-#include "import/reading/reader_settings.hpp"
 #include "import/reader_errors.hpp"
 #include "import/table/arrow_table.hpp"
 #include "import/text_reader.hpp"
@@ -82,16 +81,13 @@ std::vector<ti::part_state> part_starts(const std::string& path, const read_plan
   const textio::parser::options record = options_of(plan);
   ti::utf8_input input(path);
   input.decode_from(plan.format.encoding);
-  if (!input.is_whole_regular_file() || input.converts() || !ti::scans_utf8_bytes(ti::effective_options(record)) ||
-      block_bytes == 0) {
-    return starts;
-  }
   discarding_sink sink;
+  const ti::read_path how = ti::choose_read_path(record, input, sink, plan.format);
+  if (!input.is_whole_regular_file() || input.converts() || !how.utf8_bytes || block_bytes == 0) return starts;
   // (The reader keeps references to its callbacks.)
   const ti::progress_callback no_progress;
   const ti::stray_quote_callback no_stray_quote;
-  ti::table_reader<char> reader(ti::choose_read_path(record, input, sink, plan.format), input, sink, no_progress,
-                                plan.format, no_stray_quote, {});
+  ti::table_reader<char> reader(how, input, sink, no_progress, plan.format, no_stray_quote, {});
   if (!reader.reads_in_parts()) return starts;
   for (std::uint64_t at = block_bytes; at < input.size(); at += block_bytes) {
     if (at <= starts.back().offset) continue;  // a record longer than a block
@@ -120,12 +116,12 @@ ti::arrow_table read_part(const std::string& path, const read_plan& plan, const 
     input.decode_from(plan.format.encoding);
     // Text that is converted, or read in UTF-16 units, is read whole: its
     // offsets are no file offsets.
-    if (!stop || input.converts() || !ti::scans_utf8_bytes(ti::effective_options(record))) {
+    const ti::read_path how = ti::choose_read_path(record, input, sink, plan.format, plan.types);
+    if (!stop || input.converts() || !how.utf8_bytes) {
       ti::read_typed_table(record, input, sink, plan.format, plan.types, no_progress, no_stray_quote);
       return sink.take();
     }
-    ti::table_reader<char> reader(ti::choose_read_path(record, input, sink, plan.format, plan.types), input, sink,
-                                  no_progress, plan.format, no_stray_quote, plan.types);
+    ti::table_reader<char> reader(how, input, sink, no_progress, plan.format, no_stray_quote, plan.types);
     reader.stop_at(*stop);
     reader.run();
     return sink.take();
