@@ -40,9 +40,16 @@ struct enumeration_field {
   std::span<const char* const> names;
 
   consteval enumeration_field(const char* field) : name(field) {
-    const auto* row = textio::options::key_of_field(field);
-    if (row == nullptr || row->names.empty()) throw "not an enumeration of the options record";
-    names = row->names;
+    // (A loop over the rows, not key_of_field: a pointer compared with null
+    // is no constant expression in a build with the undefined-behaviour
+    // checks.)
+    for (const textio::options::field_key& row : textio::options::field_keys) {
+      if (row.field == name && !row.names.empty()) {
+        names = row.names;
+        return;
+      }
+    }
+    throw "not an enumeration of the options record";
   }
 };
 
