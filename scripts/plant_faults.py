@@ -192,7 +192,7 @@ FAULTS = [
      "if (f.decimal == ',' && v.thousands_dot >= 1 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';",
      "if (f.decimal == ',' && v.thousands_dot >= 2 && v.thousands_dot >= v.thousands_comma) f.thousands = '.';",
      [("detection_tests", "-DetectionCorpus.*")]),
-    ("detect-comment-marker", "import/detect/detection.cpp", "find_comment_marker",
+    ("detect-comment-marker", "import/detect/sample_preamble.cpp", "find_comment_marker",
      "// is no comment marker",
      'static constexpr std::string_view markers[] = {"#", "%", "//"};',
      'static constexpr std::string_view markers[] = {"#", "%", "#"};',
