@@ -135,7 +135,7 @@ FAULTS = [
      "semicolon preferred to tab on a tie",
      'static constexpr std::string_view order = ",\\t;|:";', 'static constexpr std::string_view order = ",;\\t|:";',
      [("detection_tests", "-DetectionCorpus.*")]),
-    ("detect-layout-fits", "import/detect/table_layout.cpp", "fits",
+    ("detect-layout-fits", "import/detect/layout_rows.cpp", "fits",
      "a row one field short or long belongs to a table of 4 fields or more only (was 3)",
      "return count == k || (k >= 3 && count + 1 >= k && count <= k + 1);",
      "return count == k || (k >= 4 && count + 1 >= k && count <= k + 1);",
