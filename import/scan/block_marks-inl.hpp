@@ -211,6 +211,23 @@ HWY_INLINE block_marks finish(raw_masks k, std::size_t length, bool next_is_lf, 
   return m;
 }
 
+void MarkBlocks(const structural_classes& classes, std::string_view text, int next, block_carry& carry,
+                block_marks* out) {
+  const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
+  const std::size_t n = text.size();
+  const class_vectors vectors(classes);
+  std::size_t at = 0;
+  for (; at + 64 <= n; at += 64) {
+    const bool next_is_lf = at + 64 < n ? p[at + 64] == '\n' : next == '\n';
+    *out++ = finish(classify(p + at, classes, vectors), 64, next_is_lf, classes, carry);
+  }
+  if (at < n) {
+    std::uint8_t tail[64] = {};
+    std::memcpy(tail, p + at, n - at);
+    *out = finish(classify(tail, classes, vectors), n - at, next == '\n', classes, carry);
+  }
+}
+
 // The marks of the block at p[at..] of p[0..n): 64 bytes, or those left.
 HWY_INLINE block_marks mark_at(const std::uint8_t* p, std::size_t n, std::size_t at, const structural_classes& classes,
                                const class_vectors& vectors, block_carry& carry) {

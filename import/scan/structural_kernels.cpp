@@ -1,7 +1,8 @@
 // The block kernels of the structural scan, compiled once per instruction set
 // (Highway's foreach_target) and chosen at run time from what the CPU runs.
 // The per-target code is in the -inl headers: block_marks (classing bytes,
-// the bit walk), record_tally (counting) and record_walk (noting records).
+// marking blocks, the bit walk), record_tally (counting) and record_walk
+// (noting records); this file holds the walk's entry point and the choice.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "import/scan/structural_kernels.cpp"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
@@ -20,23 +21,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace textio::import {
 namespace HWY_NAMESPACE {
-
-void MarkBlocks(const structural_classes& classes, std::string_view text, int next, block_carry& carry,
-                block_marks* out) {
-  const auto* p = reinterpret_cast<const std::uint8_t*>(text.data());
-  const std::size_t n = text.size();
-  const class_vectors vectors(classes);
-  std::size_t at = 0;
-  for (; at + 64 <= n; at += 64) {
-    const bool next_is_lf = at + 64 < n ? p[at + 64] == '\n' : next == '\n';
-    *out++ = finish(classify(p + at, classes, vectors), 64, next_is_lf, classes, carry);
-  }
-  if (at < n) {
-    std::uint8_t tail[64] = {};
-    std::memcpy(tail, p + at, n - at);
-    *out = finish(classify(tail, classes, vectors), n - at, next == '\n', classes, carry);
-  }
-}
 
 void WalkRecords(const structural_classes& classes, std::string_view text, std::size_t from, bool at_end,
                  std::uint64_t line, bool collect, const structural_tally* tally, structural_batch& batch) {
