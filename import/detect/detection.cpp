@@ -4,11 +4,11 @@
 #include <cstdio>
 #include <optional>
 
-#include "import/detect/blanks.hpp"
 #include "import/detect/cell_types.hpp"
-#include "import/detect/dialect_scoring.hpp"
 #include "import/detect/encoding.hpp"
 #include "import/detect/fixed_width_columns.hpp"
+#include "import/detect/layout_choice.hpp"
+#include "import/detect/sample_preamble.hpp"
 #include "import/detect/sample_table.hpp"
 #include "import/detect/sample_types.hpp"
 #include "import/detect/table_layout.hpp"
@@ -20,38 +20,13 @@ namespace {
 
 using textio::enums::ParserType;
 
-// Lines and records the layout looks at: a bound on the work for any sample.
+// Lines the layout looks at: a bound on the work for any sample.
 constexpr std::size_t max_lines = 1000;
-constexpr std::size_t max_records = 600;
 
 std::string printable(char c) {
   if (c == '\t') return "tab";
   if (c == ' ') return "blank";
   return std::string("'") + c + "'";
-}
-
-// Comment markers at line starts: the most used of #, % and //, when such
-// lines are there but are not most of the sample.
-std::string find_comment_marker(const std::vector<sample_line>& lines) {
-  static constexpr std::string_view markers[] = {"#", "%", "//"};
-  std::size_t non_blank = 0;
-  std::size_t best = 0;
-  std::string marker;
-  std::size_t counts[3] = {};
-  for (const sample_line& l : lines) {
-    const std::string_view t = trim_leading_blanks(l.text);
-    if (t.empty()) continue;
-    ++non_blank;
-    for (std::size_t m = 0; m < 3; ++m) counts[m] += t.substr(0, markers[m].size()) == markers[m];
-  }
-  for (std::size_t m = 0; m < 3; ++m) {
-    if (counts[m] > best) {
-      best = counts[m];
-      marker = markers[m];
-    }
-  }
-  if (best == 0 || best * 10 >= non_blank * 9) return {};
-  return marker;
 }
 
 // Share of characters that are control characters other than tab, CR, LF, FF.
@@ -64,52 +39,6 @@ double control_share(std::string_view text) {
   }
   return static_cast<double>(control) / static_cast<double>(text.size());
 }
-
-// A block of "key: value" lines between "---" lines (YAML front matter)
-// ahead of the table.
-struct front_matter {
-  std::size_t text_end = 0;       // offset of the first line after it
-  std::optional<char> delimiter;  // from its sep: or delimiter: key
-};
-
-// Finds the front matter and blanks its lines, so that the rest of
-// detection takes them as blank lines above the table.
-front_matter take_front_matter(std::vector<sample_line>& lines) {
-  front_matter out;
-  if (lines.empty() || trim_blanks(lines[0].text) != "---") return out;
-  std::size_t end = 0;
-  for (std::size_t i = 1; i < lines.size() && i < 200 && end == 0; ++i) {
-    const std::string_view t = trim_blanks(lines[i].text);
-    if (t == "---" || t == "...") end = i + 1;
-  }
-  if (end == 0) return out;
-  for (std::size_t i = 1; i + 1 < end; ++i) {
-    const std::string_view t = trim_blanks(lines[i].text);
-    for (const std::string_view key : {"sep:", "delimiter:"}) {
-      if (!t.starts_with(key)) continue;
-      std::string_view v = trim_blanks(t.substr(key.size()));
-      if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
-        v = v.substr(1, v.size() - 2);
-      if (v == "\\t" || v == "\t" || v == "tab") {
-        out.delimiter = '\t';
-      } else if (v.size() == 1 && v[0] != ' ') {
-        out.delimiter = v[0];
-      }
-    }
-  }
-  out.text_end = end < lines.size() ? lines[end].offset : lines.back().offset + lines.back().text.size();
-  for (std::size_t i = 0; i < end; ++i) lines[i].text = lines[i].text.substr(0, 0);
-  return out;
-}
-
-struct chosen_layout {
-  dialect d;
-  bool fixed_width = false;
-  bool single_column = false;
-  std::vector<std::uint64_t> widths;
-  sample_table table;
-  double margin = 1;  // how far the best candidate is ahead of the next, 0 to 1
-};
 
 }  // namespace
 
@@ -177,118 +106,8 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   }
 
   // Dialect.
-  std::vector<char> quotes = {'"', '\0', '\''};
-  if (choices.quote) quotes = {*choices.quote};
-  std::vector<escape_style> escapes = {escape_style::doubled, escape_style::backslash};
-  if (choices.escape) escapes = {*choices.escape};
-  chosen_layout chosen;
-  std::vector<char> delimiters;
-  bool with_blanks = false;
-  if (choose_delimiter && front.delimiter) {
-    delimiters = {*front.delimiter};
-  } else if (choose_delimiter) {
-    delimiters = candidate_delimiters(lines, marker);
-    with_blanks = choose_parser;
-  } else if (opts.parser_type() == ParserType::Tabular) {
-    with_blanks = true;
-  } else {
-    for (const ustring& d : opts.delimiter()) {
-      if (d.size() == 1 && d[0] < 0x80) delimiters.push_back(static_cast<char>(d[0]));
-    }
-    if (delimiters.empty()) delimiters.push_back(opts.delimiter().empty() ? '\n' : ',');
-  }
-  std::vector<dialect_score> ranked = rank_dialects(lines, examined, marker, delimiters, with_blanks, quotes, escapes);
-  chosen.d = ranked.empty() ? dialect{} : ranked.front().d;
-  if (ranked.size() > 1 && ranked[0].score > 0) {
-    // The nearest rival with another delimiter.
-    for (std::size_t i = 1; i < ranked.size(); ++i) {
-      if (ranked[i].d.delimiter != ranked[0].d.delimiter || ranked[i].d.blanks != ranked[0].d.blanks) {
-        chosen.margin = std::clamp((ranked[0].score - ranked[i].score) / ranked[0].score, 0.0, 1.0);
-        break;
-      }
-    }
-  }
-  const dialect_score best = ranked.empty() ? dialect_score{} : ranked.front();
-  chosen.table = split_records(lines, chosen.d, marker, max_records);
-  // A rule line under the names gives the columns, or at least where the
-  // rows start.
-  const rule_line rule = choose_parser ? find_rule_line(lines, marker) : rule_line{};
-  const bool ruled_columns = rule.starts.size() >= 2;
-  if (choose_parser && (best.dominant_fields <= 1 || best.d.blanks || best.consistency < 0.8 || ruled_columns)) {
-    // Blank-aligned columns: separate by runs of blanks when every row then
-    // has the same number of fields, else cut at fixed positions.
-    const dialect blanks{' ', true, '"', escape_style::doubled};
-    const dialect_score by_blanks = score_dialect(lines, blanks, marker);
-    sample_table blank_table = split_records(lines, blanks, marker, max_records);
-    const table_layout blank_layout = analyse_layout(blank_table, {});
-    // Columns shared by the body as runs of blanks see it, else by all lines
-    // (runs of blanks may have found no body), else past a preamble.
-    fixed_columns columns;
-    for (const std::size_t from : {static_cast<std::size_t>(rule.line > 0 ? rule.line : blank_layout.header_lines),
-                                   std::size_t{0}, lines.size() / 4, lines.size() / 2}) {
-      columns = fixed_width_starts(lines, from, marker);
-      if (columns.starts.size() >= 2) break;
-    }
-    if (ruled_columns) columns.starts = rule.starts;
-    const std::vector<std::size_t>& starts = columns.starts;
-    bool use_fixed = false;
-    if (starts.size() >= 2) {
-      sample_table fixed = cut_fixed_width(lines, starts, marker, max_records);
-      const table_layout fixed_layout = analyse_layout(fixed, {});
-      // Fixed positions win when runs of blanks do not give every row the
-      // same fields, or when they cut more fields than the columns hold and
-      // the columns stand at least two blanks apart (words inside a field
-      // are one blank apart).
-      // (Runs of blanks that leave a body of one or two rows, or of less
-      // than half the rows the columns cut, found no table.)
-      const bool blanks_regular =
-          blank_layout.body_fit >= 0.95 &&
-          (blank_layout.body_rows >= 3 || blank_layout.body_rows + 1 >= fixed_layout.body_rows) &&
-          blank_layout.body_rows * 2 >= fixed_layout.body_rows;
-      const bool blanks_split_fields = by_blanks.dominant_fields > starts.size() && columns.narrowest_gap >= 2;
-      // Or when most rows have as many fields as the columns and only the
-      // last column holds words apart by blanks.
-      const bool blanks_split_last =
-          by_blanks.dominant_fields == starts.size() && by_blanks.consistency < 1 && words_only_in_last_column(fixed);
-      use_fixed = fixed_layout.body_rows >= 2 && fixed_layout.body_fit >= 0.95 &&
-                  (!blanks_regular || blanks_split_fields || blanks_split_last || ruled_columns);
-      if (use_fixed) {
-        chosen.fixed_width = true;
-        chosen.widths = widths_from_starts(starts, lines);
-        chosen.table = std::move(fixed);
-      }
-    }
-    if (!use_fixed && best.dominant_fields <= 1 && by_blanks.dominant_fields <= 1) chosen.single_column = true;
-    // Tabs that line columns up (one tab or two, by the width of the text
-    // before them) cut an irregular table, runs of blanks a regular one.
-    if (!use_fixed && !best.d.blanks && best.d.delimiter == '\t' && best.consistency < 0.5 &&
-        by_blanks.dominant_fields >= 2 && by_blanks.consistency >= 2 * best.consistency) {
-      chosen.d = blanks;
-      chosen.table = std::move(blank_table);
-    }
-  }
-  if (parser_given && opts.parser_type() == ParserType::FixedWidth) {
-    // Fixed width given without widths: the columns the lines share.
-    chosen.fixed_width = true;
-    chosen.widths = opts.field_widths();
-    std::vector<std::size_t> starts;
-    if (open("VariableWidths")) {
-      starts = fixed_width_starts(lines, 0, marker).starts;
-      chosen.widths = widths_from_starts(starts, lines);
-      opts.field_widths(chosen.widths);
-      rep.filled.push_back({"VariableWidths", "the lines share blank columns at these positions"});
-    } else {
-      std::uint64_t at = 0;
-      for (const std::uint64_t w : chosen.widths) {
-        starts.push_back(static_cast<std::size_t>(at));
-        at += w;
-      }
-    }
-    chosen.table = cut_fixed_width(lines, starts, marker, max_records);
-  }
-  if (!chosen.fixed_width && !chosen.single_column && choose_delimiter && best.dominant_fields <= 1) {
-    chosen.single_column = true;
-  }
+  chosen_layout chosen =
+      choose_layout(lines, examined, marker, choices, front, parser_given, choose_parser, choose_delimiter, opts, rep);
 
   // Numbers, then the layout read with them.
   number_separators numbers;
@@ -300,7 +119,7 @@ detection_result detect(std::string_view raw_sample, bool whole_file, const text
   // Lines beyond those looked at: the table's last record may be cut there.
   if (!whole_file || text.find_first_not_of("\r\n", examined.size()) != std::string::npos) chosen.table.cut = true;
   table_layout layout = analyse_layout(chosen.table, numbers);
-  if (chosen.fixed_width || chosen.d.blanks) follow_rule_line(layout, chosen.table, rule);
+  if (chosen.fixed_width || chosen.d.blanks) follow_rule_line(layout, chosen.table, chosen.rule);
 
   // Fill in what was left open.
   if (choose_delimiter) {

@@ -1,96 +1,14 @@
 #include "import/detect/table_layout.hpp"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <set>
 
+#include "import/detect/column_profiles.hpp"
+#include "import/detect/layout_rows.hpp"
+
 namespace textio::import {
 namespace {
-
-// Indices of the records that are rows: neither blank nor comment.
-std::vector<std::size_t> row_indices(const sample_table& table) {
-  std::vector<std::size_t> rows;
-  for (std::size_t i = 0; i < table.records.size(); ++i) {
-    if (!table.records[i].blank && !table.records[i].comment) rows.push_back(i);
-  }
-  return rows;
-}
-
-// A row with one field more or less still belongs to a wide table.
-bool fits(std::size_t count, std::size_t k) { return count == k || (k >= 3 && count + 1 >= k && count <= k + 1); }
-
-// The field count most rows have; rows of one field (titles, notes) count
-// only when nothing else is there.
-std::size_t dominant_count(const sample_table& table, const std::vector<std::size_t>& rows) {
-  std::map<std::size_t, std::size_t> by_count;
-  for (const std::size_t r : rows) ++by_count[table.records[r].field_count];
-  std::size_t best = 0;
-  std::size_t best_rows = 0;
-  for (const auto& [count, n] : by_count) {
-    if (count == 1 && by_count.size() > 1 && n < rows.size() * 9 / 10) continue;
-    if (n >= best_rows) {
-      best = count;
-      best_rows = n;
-    }
-  }
-  return best == 0 ? 1 : best;
-}
-
-// Position in `rows` of the table's first row: a row that fits `k` fields
-// and that most of the following rows agree with.
-std::size_t first_row(const sample_table& table, const std::vector<std::size_t>& rows, std::size_t k) {
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (!fits(table.records[rows[i]].field_count, k)) continue;
-    const std::size_t window = std::min<std::size_t>(5, rows.size() - i - 1);
-    std::size_t agree = 0;
-    for (std::size_t j = 1; j <= window; ++j) agree += fits(table.records[rows[i + j]].field_count, k);
-    if (agree * 5 >= window * 4) return i;
-  }
-  // No run of agreeing rows: the first row that fits.
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (fits(table.records[rows[i]].field_count, k)) return i;
-  }
-  return 0;
-}
-
-struct column_profile {
-  cell_type type = cell_type::text;
-  double purity = 0;
-  bool integers = true;          // its numbers have no fraction or exponent
-  std::set<std::string> values;  // a bounded set of the body's values
-  std::map<std::string, std::size_t> shapes;
-  std::size_t shaped = 0;
-};
-
-bool is_integer(std::string_view f) {
-  if (!f.empty() && (f.front() == '-' || f.front() == '+')) f.remove_prefix(1);
-  if (f.empty()) return false;
-  for (const char c : f) {
-    if (c < '0' || c > '9') return false;
-  }
-  return true;
-}
-
-// The form of a text: letters, digits and blanks by class, runs joined
-// ("Ohio St" -> "Aa Aa", "AD" -> "A", "x_1" -> "a_9").
-std::string shape(std::string_view f) {
-  std::string out;
-  for (const char c : f) {
-    char k = c;
-    if (c >= 'A' && c <= 'Z')
-      k = 'A';
-    else if (c >= 'a' && c <= 'z')
-      k = 'a';
-    else if (c >= '0' && c <= '9')
-      k = '9';
-    else if (static_cast<unsigned char>(c) >= 0x80)
-      k = 'a';
-    if (out.empty() || out.back() != k) out += k;
-    if (out.size() >= 24) break;
-  }
-  return out;
-}
 
 // How a row votes on being the names row: for each column of one kind, a
 // text field says names and a field of the column's kind and form says data.
@@ -185,34 +103,8 @@ table_layout analyse_layout(const sample_table& table, const number_separators& 
 
   // Kinds down each column, from the rows below the candidate names rows.
   const std::size_t first_typed = (e - s >= 8) ? s + 3 : s + 1;
-  std::vector<column_profile> columns(std::min(k, max_kept_fields));
-  for (std::size_t j = 0; j < columns.size(); ++j) {
-    std::array<std::size_t, 5> kinds{};
-    for (std::size_t r = first_typed; r < e; ++r) {
-      const sample_record& row = rec(r);
-      if (j >= row.fields.size()) continue;
-      const cell_type t = classify(row.fields[j], format);
-      ++kinds[static_cast<std::size_t>(t)];
-      if (t == cell_type::number && !is_integer(row.fields[j])) columns[j].integers = false;
-      if (columns[j].values.size() < 200) columns[j].values.insert(row.fields[j]);
-      if (t == cell_type::text && columns[j].shaped < 200) {
-        ++columns[j].shapes[shape(row.fields[j])];
-        ++columns[j].shaped;
-      }
-    }
-    std::size_t non_empty = 0;
-    std::size_t top = 0;
-    for (std::size_t t = 1; t < kinds.size(); ++t) {
-      non_empty += kinds[t];
-      if (kinds[t] > top) {
-        top = kinds[t];
-        columns[j].type = static_cast<cell_type>(t);
-      }
-    }
-    columns[j].purity = non_empty == 0 ? 0 : static_cast<double>(top) / static_cast<double>(non_empty);
-    if (non_empty == 0) columns[j].type = cell_type::empty;
-    out.column_types.push_back(columns[j].type);
-  }
+  std::vector<column_profile> columns = profile_columns(table, rows, first_typed, e, k, format);
+  for (const column_profile& c : columns) out.column_types.push_back(c.type);
   bool any_typed = false;
   for (const column_profile& c : columns)
     any_typed = any_typed || (is_typed(c.type) && c.type != cell_type::empty && c.purity >= 0.7);
