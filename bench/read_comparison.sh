@@ -53,16 +53,19 @@ add "zvtextparser read --count" count "$tool read $q --count --no-detect $opts"
 # come first in each job and are the ones compared; the text-cell rows
 # beside them show what typing costs.
 add "zvtextparser read --format csv (typed)" csv "$tool read $q --format csv"
+add "zvtextparser read --format csv (typed), 1 thread" csv1 "$tool read $q --format csv --threads 1"
 add "zvtextparser read --format jsonl (typed)" json "$tool read $q --format jsonl"
 add "zvtextparser typed table" memory "$table $q --typed"
 add "zvtextparser typed table, 1 thread" memory1 "$table $q --typed --threads 1"
 add "zvtextparser read --format csv (text)" csv-text "$tool read $q --format csv --no-detect $opts"
+add "zvtextparser read --format csv (text), 1 thread" csv1-text "$tool read $q --format csv --threads 1 --no-detect $opts"
 add "zvtextparser read --format jsonl (text)" json-text "$tool read $q --format jsonl --no-detect $opts"
 add "zvtextparser text-cell table" memory-text "$table $q $opts"
 # Compressed input: read as it is, against a separate decompressor in a pipe.
 if [[ -n ${RACE_GZIP:-} ]] && command -v zcat > /dev/null; then
   gz=$(printf '%q' "$RACE_GZIP")
   add "zvtextparser read FILE.gz --format csv" gzip "$tool read $gz --format csv"
+  add "zvtextparser read FILE.gz --format csv, 1 thread" gzip1 "$tool read $gz --format csv --threads 1"
   add "zcat FILE.gz | zvtextparser read - --format csv" gzip "zcat $gz | $tool read - --format csv"
 fi
 
