@@ -67,6 +67,8 @@ struct text_sample : record_sink {
     if (part_open) variables = std::max(variables, rows.back().size());
     part_open = false;
   }
+  // The reading of the sample stops once it holds its records.
+  bool satisfied() const override { return rows.size() == type_sample_records && !part_open; }
   // A wide record comes in parts, so that its values are never held whole
   // beside their texts.
   bool takes_parts() const override { return true; }
@@ -83,8 +85,9 @@ struct text_sample : record_sink {
   bool part_open = false;  // the last row takes the next part
 };
 
-// Reads the sample's records as text. A record cut off by the sample's end
-// is left out; a reading error ends the sample early (the full read reports it).
+// Reads the sample's records as text, up to type_sample_records. A record
+// cut off by the sample's end is left out; a reading error ends the sample
+// early (the full read reports it).
 text_sample sample_records(std::string_view raw, bool whole, const textio::parser::options& options,
                            text_format format) {
   text_sample sample;
