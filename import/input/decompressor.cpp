@@ -5,7 +5,9 @@
 #include <zlib.h>
 #include <zstd.h>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 #include "import/reader_errors.hpp"
@@ -64,8 +66,15 @@ struct decompressor::state {
   std::array<char, raw_block> in{};
   std::size_t in_begin = 0;
   std::size_t in_end = 0;
+  // Decompressed bytes not yet handed out: the libraries always write
+  // blocks of this size, so that what is read before a failure does not
+  // depend on the size of the reads.
+  std::array<char, raw_block> out{};
+  std::size_t out_begin = 0;
+  std::size_t out_end = 0;
   std::uint64_t consumed = 0;  // compressed bytes taken by the library
   bool raw_ended = false;
+  bool failed = false;        // corrupt: the next read throws
   bool stream_ended = false;  // the last stream ended where the input did
   z_stream z{};
   bz_stream bz{};
@@ -75,6 +84,13 @@ struct decompressor::state {
   [[noreturn]] void corrupt() const {
     textio::throw_msg_id_exception(
         ZORVEK::textio::reader::CorruptInput(name, std::string(compression_name(kind)), consumed));
+  }
+  // The bytes made by the call that found the stream corrupt are handed out
+  // first; the next read throws.
+  std::size_t corrupt_after(std::size_t made) {
+    if (made == 0) corrupt();
+    failed = true;
+    return made;
   }
   // More raw bytes when none are waiting; false at the end of the input.
   bool refill() {
@@ -93,6 +109,8 @@ struct decompressor::state {
   std::size_t bunzip_some(char* out, std::size_t size);
   std::size_t unxz_some(char* out, std::size_t size);
   std::size_t unzstd_some(char* out, std::size_t size);
+  // One call of the format's function.
+  std::size_t some(char* into, std::size_t size);
 };
 
 decompressor::decompressor(compression kind, raw_reader raw, std::string name) : state_(std::make_unique<state>()) {
@@ -161,9 +179,9 @@ std::size_t decompressor::state::inflate_some(char* out, std::size_t size) {
     z.avail_out = static_cast<uInt>(size);
     const int r = inflate(&z, Z_NO_FLUSH);
     took(waiting - z.avail_in);
-    if (r != Z_OK && r != Z_STREAM_END && r != Z_BUF_ERROR) corrupt();
-    if (r == Z_STREAM_END) stream_ended = true;
     const std::size_t made = size - z.avail_out;
+    if (r != Z_OK && r != Z_STREAM_END && r != Z_BUF_ERROR) return corrupt_after(made);
+    if (r == Z_STREAM_END) stream_ended = true;
     if (made > 0) return made;
     if (z.avail_in == waiting && r != Z_STREAM_END) corrupt();  // no progress: it would never end
   }
@@ -188,9 +206,9 @@ std::size_t decompressor::state::bunzip_some(char* out, std::size_t size) {
     bz.avail_out = static_cast<unsigned>(size);
     const int r = BZ2_bzDecompress(&bz);
     took(waiting - bz.avail_in);
-    if (r != BZ_OK && r != BZ_STREAM_END) corrupt();
-    if (r == BZ_STREAM_END) stream_ended = true;
     const std::size_t made = size - bz.avail_out;
+    if (r != BZ_OK && r != BZ_STREAM_END) return corrupt_after(made);
+    if (r == BZ_STREAM_END) stream_ended = true;
     if (made > 0) return made;
     if (bz.avail_in == waiting && r != BZ_STREAM_END) corrupt();
   }
@@ -207,7 +225,7 @@ std::size_t decompressor::state::unxz_some(char* out, std::size_t size) {
     took(in_end - in_begin - xz.avail_in);
     const std::size_t made = size - xz.avail_out;
     if (r == LZMA_STREAM_END) return made;
-    if (r != LZMA_OK) corrupt();
+    if (r != LZMA_OK) return corrupt_after(made);
     if (made > 0) return made;
     if (!more) corrupt();
   }
@@ -223,30 +241,43 @@ std::size_t decompressor::state::unzstd_some(char* out, std::size_t size) {
     ZSTD_outBuffer output{out, size, 0};
     const std::size_t r = ZSTD_decompressStream(zstd, &output, &input);
     took(input.pos);
-    if (ZSTD_isError(r) != 0) corrupt();
+    if (ZSTD_isError(r) != 0) return corrupt_after(output.pos);
     stream_ended = r == 0;  // a frame is complete
     if (output.pos > 0) return output.pos;
     if (input.pos == 0 && r != 0) corrupt();
   }
 }
 
-std::size_t decompressor::read(char* into, std::size_t size) {
-  if (size == 0) return 0;
-  state& s = *state_;
-  switch (s.kind) {
+std::size_t decompressor::state::some(char* into, std::size_t size) {
+  switch (kind) {
     case compression::gzip:
     case compression::zlib:
-      return s.inflate_some(into, size);
+      return inflate_some(into, size);
     case compression::bzip2:
-      return s.bunzip_some(into, size);
+      return bunzip_some(into, size);
     case compression::xz:
-      return s.unxz_some(into, size);
+      return unxz_some(into, size);
     case compression::zstd:
-      return s.unzstd_some(into, size);
+      return unzstd_some(into, size);
     case compression::none:
       break;
   }
   return 0;
+}
+
+std::size_t decompressor::read(char* into, std::size_t size) {
+  if (size == 0) return 0;
+  state& s = *state_;
+  if (s.out_begin == s.out_end) {
+    if (s.failed) s.corrupt();
+    s.out_begin = 0;
+    s.out_end = s.some(s.out.data(), s.out.size());
+    if (s.out_end == 0) return 0;
+  }
+  const std::size_t n = std::min(size, s.out_end - s.out_begin);
+  std::memcpy(into, s.out.data() + s.out_begin, n);
+  s.out_begin += n;
+  return n;
 }
 
 }  // namespace textio::import

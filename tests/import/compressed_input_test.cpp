@@ -20,6 +20,7 @@
 #include "import/input/stream_spool.hpp"
 #include "import/read_helpers.hpp"
 #include "support/run_tool.hpp"
+#include "zvcore/exceptions.hpp"
 
 namespace {
 
@@ -158,6 +159,42 @@ TEST(CompressedInput, SpoolKeepsOffsetsFailureAndFloor) {
       {}, 0, [](char* into, std::size_t size) { return std::string(size, 'x').copy(into, size); }, 64, 128);
   char one = 0;
   EXPECT_EQ(endless.read_at(0, &one, 1), 1U);
+}
+
+// A stream corrupt part-way hands out the same text before its failure
+// whether it is read in small reads or large ones.
+TEST(CompressedInput, TextBeforeACorruptionWhateverTheReadSize) {
+  std::string text;
+  for (int i = 0; i < 20000; ++i) text += std::to_string(i * 7919 % 10007) + (i % 9 == 0 ? "\n" : ",");
+  const std::string packed[] = {gzip(text), bzip2(text), xz(text), zstd(text)};
+  int failures = 0;  // (a flipped byte that a format has no check for reads as other text)
+  for (std::string bytes : packed) {
+    bytes[bytes.size() * 3 / 4] = static_cast<char>(bytes[bytes.size() * 3 / 4] ^ 0x5A);
+    const auto read_all = [&](std::size_t read_size) {
+      std::size_t at = 0;
+      textio::import::decompressor d(
+          textio::import::compression_of(bytes),
+          [&](char* into, std::size_t size) {
+            const std::size_t n = std::min(size, bytes.size() - at);
+            bytes.copy(into, n, at);
+            at += n;
+            return n;
+          },
+          "test");
+      std::string out(read_size, '\0');
+      std::string got;
+      try {
+        for (std::size_t n; (n = d.read(out.data(), read_size)) != 0;) got.append(out, 0, n);
+      } catch (const foundation::core::except::IMsgIDException&) {
+        return got + "|failed";
+      }
+      return got;
+    };
+    const std::string large = read_all(std::size_t{1} << 20);
+    failures += large.ends_with("|failed") ? 1 : 0;
+    EXPECT_EQ(large, read_all(64)) << textio::import::compression_name(textio::import::compression_of(bytes));
+  }
+  EXPECT_GE(failures, 2);
 }
 
 TEST(CompressedInput, OnlyTheMagicOfEachFormatCounts) {
